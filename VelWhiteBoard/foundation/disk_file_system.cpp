@@ -1,0 +1,175 @@
+#include "VelWhiteBoard/foundation/disk_file_system.h"
+
+#include <cerrno>
+#include <memory>
+
+#include "VelWhiteBoard/foundation/atomic_write.h"
+#include "VelWhiteBoard/foundation/open_handle.h"
+#include "VelWhiteBoard/foundation/remove_tree.h"
+
+namespace VelWhiteBoard {
+namespace {
+
+// A NUL byte would silently cut the path for the system: another file than the one asked for.
+bool namesSomething(const std::string& path) {
+  return !path.empty() && path.find('\0') == std::string::npos;
+}
+
+FileResult namesNothing(FileStep step, const std::string& path) {
+  return FileResult::failure(step, ENOENT, path);
+}
+
+// Opening has succeeded on whatever lies there; only a regular file can be read and written.
+int requireRegularFile(SystemCalls& calls, int handle) {
+  FileInfo info;
+  const int result = uninterrupted([&] { return calls.statusOfHandle(handle, info); });
+  if (result < 0) return result;
+  if (info.kind == FileKind::kFolder) return -EISDIR;
+  return info.kind == FileKind::kFile ? 0 : -EINVAL;
+}
+
+// The end of `path` without its last component: 0 when there is nothing above it.
+std::size_t endOfParent(std::string_view path) {
+  const std::size_t separator = path.find_last_of('/');
+  if (separator == std::string_view::npos) return 0;
+  return withoutTrailingSeparators(path.substr(0, separator)).size();
+}
+
+class OpenedDiskFile final : public OpenedFile {
+ public:
+  OpenedDiskFile(SystemCalls& calls, OpenHandle handle, std::string path)
+      : calls_(calls), handle_(std::move(handle)), path_(std::move(path)) {}
+
+  FileResult read(const BlockConsumer& consume) override {
+    const auto block = std::make_unique<char[]>(kFileBlockSize);
+    for (;;) {
+      const std::int64_t size =
+          uninterrupted([&] { return calls_.read(handle_.get(), block.get(), kFileBlockSize); });
+      if (size < 0) return FileResult::failure(FileStep::kRead, static_cast<int>(-size), path_);
+      if (size == 0) return FileResult::success();
+      if (!consume({block.get(), static_cast<std::size_t>(size)})) return FileResult::success();
+    }
+  }
+
+ private:
+  SystemCalls& calls_;
+  OpenHandle handle_;
+  std::string path_;
+};
+
+}  // namespace
+
+FileResult DiskFileSystem::status(const std::string& path, FileStatus& status) {
+  status = {};
+  if (!namesSomething(path)) return FileResult::success();
+  FileInfo info;
+  const int result = uninterrupted([&] { return calls_.status(path, true, info); });
+  if (result == -ENOENT || result == -ENOTDIR) return FileResult::success();
+  if (result < 0) return FileResult::failure(FileStep::kStatus, -result, path);
+  status = {info.kind, info.size};
+  return FileResult::success();
+}
+
+FileResult DiskFileSystem::open(const std::string& path, std::unique_ptr<OpenedFile>& file) {
+  file.reset();
+  if (!namesSomething(path)) return namesNothing(FileStep::kOpen, path);
+  OpenHandle handle(calls_, uninterrupted([&] { return calls_.open(path, OpenMode::kRead); }));
+  if (!handle.isOpen()) return FileResult::failure(FileStep::kOpen, handle.error(), path);
+  if (const int result = requireRegularFile(calls_, handle.get()); result < 0) {
+    return FileResult::failure(FileStep::kOpen, -result, path);
+  }
+  file = std::make_unique<OpenedDiskFile>(calls_, std::move(handle), path);
+  return FileResult::success();
+}
+
+FileResult DiskFileSystem::writeAtomically(const std::string& path,
+                                           const ContentProducer& produce) {
+  if (!namesSomething(path)) return namesNothing(FileStep::kOpen, path);
+  AtomicWrite write(calls_, path);
+  if (!write.begin()) return write.result();
+  const bool produced = produce([&write](std::string_view block) { return write.append(block); });
+  // A producer may overlook that a write failed; what it answers then counts for nothing.
+  if (!write.result().ok()) return write.result();
+  if (!produced) return FileResult::failure(FileStep::kProduce, 0, path);
+  write.commit();
+  return write.result();
+}
+
+FileResult DiskFileSystem::removeRecursively(const std::string& path) {
+  if (!namesSomething(path)) return FileResult::success();
+  return RemoveTree(calls_, path).run();
+}
+
+FileResult DiskFileSystem::list(const std::string& path, std::vector<std::string>& names) {
+  if (!namesSomething(path)) return namesNothing(FileStep::kList, path);
+  const OpenHandle folder(calls_,
+                          uninterrupted([&] { return calls_.open(path, OpenMode::kFolder); }));
+  if (!folder.isOpen()) return FileResult::failure(FileStep::kList, folder.error(), path);
+  const std::size_t before = names.size();
+  const int result = uninterrupted([&] {
+    names.resize(before);  // an interrupted call may have listed a part already
+    return calls_.list(folder.get(), names);
+  });
+  if (result >= 0) return FileResult::success();
+  names.resize(before);
+  return FileResult::failure(FileStep::kList, -result, path);
+}
+
+FileResult DiskFileSystem::makeFolder(const std::string& path) {
+  if (!namesSomething(path)) return namesNothing(FileStep::kMakeFolder, path);
+  const int result = uninterrupted([&] { return calls_.makeFolder(path); });
+  if (result < 0) return FileResult::failure(FileStep::kMakeFolder, -result, path);
+  return FileResult::success();
+}
+
+// Which error an existing folder gives differs (a read-only volume says so first), so any error is
+// forgiven when a folder turns out to be there.
+int DiskFileSystem::makeUnlessFolder(const std::string& path) {
+  const int result = uninterrupted([&] { return calls_.makeFolder(path); });
+  if (result >= 0 || result == -ENOENT) return result;
+  FileInfo info;
+  const int found = uninterrupted([&] { return calls_.status(path, true, info); });
+  return found >= 0 && info.kind == FileKind::kFolder ? 0 : result;
+}
+
+FileResult DiskFileSystem::makeFolders(const std::string& path) {
+  if (!namesSomething(path)) return namesNothing(FileStep::kMakeFolder, path);
+  // Upwards until something can be made or is there, then down again. Mostly one call suffices.
+  std::vector<std::size_t> missing;
+  std::size_t end = withoutTrailingSeparators(path).size();
+  int result = 0;
+  while ((result = makeUnlessFolder(path.substr(0, end))) == -ENOENT) {
+    missing.push_back(end);
+    end = endOfParent(std::string_view(path).substr(0, end));
+    if (end == 0) return FileResult::failure(FileStep::kMakeFolder, ENOENT, path);
+  }
+  while (result >= 0 && !missing.empty()) {
+    end = missing.back();
+    missing.pop_back();
+    result = makeUnlessFolder(path.substr(0, end));
+  }
+  if (result >= 0) return FileResult::success();
+  return FileResult::failure(FileStep::kMakeFolder, -result, path.substr(0, end));
+}
+
+FileResult DiskFileSystem::createEmptyFile(const std::string& path) {
+  if (!namesSomething(path)) return namesNothing(FileStep::kOpen, path);
+  const OpenHandle file(calls_, uninterrupted([&] { return calls_.open(path, OpenMode::kEmpty); }));
+  if (!file.isOpen()) return FileResult::failure(FileStep::kOpen, file.error(), path);
+  if (const int result = requireRegularFile(calls_, file.get()); result < 0) {
+    return FileResult::failure(FileStep::kOpen, -result, path);
+  }
+  const int result = uninterrupted([&] { return calls_.truncate(file.get()); });
+  if (result < 0) return FileResult::failure(FileStep::kWrite, -result, path);
+  return FileResult::success();
+}
+
+FileResult DiskFileSystem::rename(const std::string& from, const std::string& to) {
+  if (!namesSomething(from)) return namesNothing(FileStep::kRename, from);
+  if (!namesSomething(to)) return namesNothing(FileStep::kRename, to);
+  const int result = uninterrupted([&] { return calls_.rename(from, to); });
+  if (result < 0) return FileResult::failure(FileStep::kRename, -result, from);
+  return FileResult::success();
+}
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,323 @@
+// Records from their dictionary form and from JSON text.
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <simdjson.h>
+
+#include "VelWhiteBoard/foundation/assignment.h"
+#include "VelWhiteBoard/foundation/dictionary_keys.h"
+#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/number_text.h"
+
+namespace VelWhiteBoard {
+
+namespace {
+
+namespace dom = simdjson::dom;
+
+/// A parser and a buffer with the padding that it wants, kept for the next text of the same thread.
+class TextParser {
+ public:
+  simdjson::simdjson_result<dom::element> parse(std::string_view text) {
+    if (buffer_.size() < text.size() + simdjson::SIMDJSON_PADDING) {
+      buffer_.resize(text.size() + simdjson::SIMDJSON_PADDING);
+    }
+    std::copy(text.begin(), text.end(), buffer_.begin());
+    return parser_.parse(buffer_.data(), text.size(), false);
+  }
+
+  /// Gives memory back that only an unusual text needed.
+  void trim() {
+    constexpr std::size_t kKept = std::size_t{1} << 20U;
+    if (buffer_.size() <= kKept) return;
+    buffer_ = {};
+    parser_ = dom::parser();
+  }
+
+ private:
+  dom::parser parser_;
+  std::vector<char> buffer_;
+};
+
+/// The keys of a parsed object, for the decoding rule. A key that occurs twice has its last value.
+class KeysOfObject final : public DictionaryKeys {
+ public:
+  explicit KeysOfObject(const dom::object& object) : object_(object) {}
+
+  bool contains(std::string_view key) const override {
+    return std::any_of(object_.begin(), object_.end(),
+                       [key](const dom::key_value_pair& field) { return field.key == key; });
+  }
+  std::optional<std::string_view> text(std::string_view key) const override {
+    std::optional<std::string_view> last;
+    for (const dom::key_value_pair field : object_) {
+      if (!isSameName(field.key, key)) continue;
+      last.reset();
+      if (field.value.is_string()) last = field.value.get_string().value_unsafe();
+    }
+    return last;
+  }
+
+ private:
+  const dom::object& object_;
+};
+
+std::optional<Scalar> scalarWithElement(const dom::element& element) {
+  switch (element.type()) {
+    case dom::element_type::NULL_VALUE:
+      return Scalar();
+    case dom::element_type::BOOL:
+      return Scalar(element.get_bool().value_unsafe());
+    case dom::element_type::INT64:
+      return Scalar(element.get_int64().value_unsafe());
+    case dom::element_type::UINT64:
+      return Scalar(element.get_uint64().value_unsafe());
+    case dom::element_type::DOUBLE:
+      return Scalar(element.get_double().value_unsafe());
+    case dom::element_type::STRING:
+      return Scalar(element.get_string().value_unsafe());
+    default:
+      return std::nullopt;
+  }
+}
+
+std::optional<double> numberWithElement(const dom::element& element) {
+  switch (element.type()) {
+    case dom::element_type::INT64:
+      return static_cast<double>(element.get_int64().value_unsafe());
+    case dom::element_type::UINT64:
+      return static_cast<double>(element.get_uint64().value_unsafe());
+    case dom::element_type::DOUBLE:
+      return element.get_double().value_unsafe();
+    default:
+      return std::nullopt;
+  }
+}
+
+/// Adds the position that `element` is; one that is not an array of numbers is dropped.
+void addPosition(Path& path, const dom::element& element, std::vector<double>& numbers) {
+  dom::array position;
+  if (element.get_array().get(position) != simdjson::SUCCESS) return;
+  numbers.clear();
+  for (const dom::element each : position) {
+    const auto number = numberWithElement(each);
+    if (!number) return;
+    numbers.push_back(*number);
+  }
+  path.push_back(Path::Position(numbers));
+}
+
+Path pathWithElements(const dom::array& positions) {
+  Path path;
+  path.reserve(positions.size());
+  thread_local std::vector<double> numbers;
+  for (const dom::element position : positions) addPosition(path, position, numbers);
+  return path;
+}
+
+/// A free-form value; none when it is nested too deep.
+std::optional<Value> valueWithElement(const dom::element& element, std::size_t depth) {
+  if (const auto scalar = scalarWithElement(element)) {
+    return std::visit(
+        [](const auto& value) -> Value {
+          using T = std::decay_t<decltype(value)>;
+          if constexpr (std::is_same_v<T, std::monostate>)
+            return nullptr;
+          else
+            return value;
+        },
+        *scalar);
+  }
+  if (depth > kMaximumValueDepth) return std::nullopt;
+  dom::array elements;
+  if (element.get_array().get(elements) == simdjson::SUCCESS) {
+    Array array;
+    for (const dom::element each : elements) {
+      auto value = valueWithElement(each, depth + 1);
+      if (!value) return std::nullopt;
+      array.push_back(std::move(*value));
+    }
+    return Value(std::move(array));
+  }
+  Dictionary members;
+  const dom::object object = element.get_object().value_unsafe();
+  for (const dom::key_value_pair field : object) {
+    auto value = valueWithElement(field.value, depth + 1);
+    if (!value) return std::nullopt;
+    members.insert_or_assign(std::string(field.key), std::move(*value));
+  }
+  return Value(std::move(members));
+}
+
+std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::object& object);
+
+RecordList recordsWithElements(const RecordClass& asked, const dom::array& elements) {
+  RecordList records;
+  for (const dom::element element : elements) {
+    dom::object object;
+    if (element.get_object().get(object) != simdjson::SUCCESS) continue;
+    records.push_back(recordWithObject(asked, object));
+  }
+  return records;
+}
+
+/// Puts a value into a property of just its kind, as nearly all are; false for any other value.
+bool assignOwnKind(const Property& property, Record& record, const dom::element& element) {
+  switch (element.type()) {
+    case dom::element_type::STRING:
+      if (property.kind != PropertyKind::text) return false;
+      property.in<std::optional<std::string>>(record) = element.get_string().value_unsafe();
+      return true;
+    case dom::element_type::DOUBLE:
+      if (property.kind != PropertyKind::real) return false;
+      property.in<double>(record) = element.get_double().value_unsafe();
+      return true;
+    case dom::element_type::INT64:
+      if (property.kind != PropertyKind::signedInteger) return false;
+      property.in<std::int64_t>(record) = element.get_int64().value_unsafe();
+      return true;
+    case dom::element_type::BOOL:
+      if (property.kind != PropertyKind::boolean) return false;
+      property.in<bool>(record) = element.get_bool().value_unsafe();
+      return true;
+    default:
+      return false;
+  }
+}
+
+void assignElement(const Property& property, Record& record, const dom::element& element) {
+  if (assignOwnKind(property, record, element)) return;
+  if (const auto scalar = scalarWithElement(element)) {
+    assign(property, record, *scalar);
+    return;
+  }
+  assign(property, record, Scalar());  // a key that occurs twice: its first value counts no more
+  dom::array elements;
+  if (element.get_array().get(elements) != simdjson::SUCCESS) return;
+  switch (property.kind) {
+    case PropertyKind::path:
+      property.in<std::optional<Path>>(record) = pathWithElements(elements);
+      return;
+    case PropertyKind::array:
+      if (auto value = valueWithElement(element, 1)) {
+        property.in<std::optional<Array>>(record) = std::move(value->get_ref<Array&>());
+      }
+      return;
+    case PropertyKind::records:
+      property.list->set(record, recordsWithElements(property.list->elementClass(), elements));
+      return;
+    default:
+      return;
+  }
+}
+
+std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::object& object) {
+  const RecordClass& chosen =
+      asked.customClass == nullptr ? asked : asked.customClass(KeysOfObject(object), asked);
+  auto record = chosen.create();
+  PropertyFinder finder(chosen);
+  for (const dom::key_value_pair field : object) {
+    if (const Property* property = finder.find(field.key)) {
+      assignElement(*property, *record, field.value);
+    }
+  }
+  return record;
+}
+
+/// `text` with numbers that the parser can take in place of those that it refuses: an integer
+/// beyond 64 bits becomes the nearest real number; a number beyond the range of a double becomes
+/// null, since there is no number for it. Nothing that is no JSON text becomes one.
+std::string withNumbersInRange(std::string_view text) {
+  constexpr std::string_view kNumberCharacters = "+-.0123456789Ee";
+  std::string result;
+  result.reserve(text.size());
+  bool quoted = false;
+  while (!text.empty()) {
+    const char first = text.front();
+    std::size_t length = quoted && first == '\\' && text.size() > 1 ? 2 : 1;
+    if (first == '"') quoted = !quoted;
+    if (!quoted && (first == '-' || (first >= '0' && first <= '9'))) {
+      length = std::min(text.find_first_not_of(kNumberCharacters), text.size());
+    }
+    const std::string_view token = text.substr(0, length);
+    text.remove_prefix(length);
+    if (length == 1 || quoted || !isNumberInJSON(token)) {
+      result += token;
+      continue;
+    }
+    const auto number = numberWithJSON(token);
+    if (!number) {
+      result += "null";
+    } else if (looksLikeInteger(token) && std::holds_alternative<double>(*number)) {
+      appendNumber(result, std::get<double>(*number));
+    } else {
+      result += token;
+    }
+  }
+  return result;
+}
+
+/// Parses `text` and hands it to `use`. What is no JSON text gives what `use` answers by default.
+template <class Use>
+auto withParsedText(std::string_view text, const Use& use)
+    -> decltype(use(std::declval<const dom::element&>())) {
+  thread_local TextParser parser;
+  dom::element element;
+  auto error = parser.parse(text).get(element);
+  if (error != simdjson::SUCCESS) {
+    // Which error stands for a number depends on the parser's version, so any is worth a look.
+    const std::string inRange = withNumbersInRange(text);
+    if (inRange != text) error = parser.parse(inRange).get(element);
+  }
+  decltype(use(element)) result{};
+  if (error == simdjson::SUCCESS) result = use(element);
+  parser.trim();
+  return result;
+}
+
+}  // namespace
+
+std::shared_ptr<Record> recordWithJSON(const RecordClass& asked, std::string_view text) {
+  return withParsedText(text, [&asked](const dom::element& element) -> std::shared_ptr<Record> {
+    dom::object object;
+    if (element.get_object().get(object) != simdjson::SUCCESS) return nullptr;
+    return recordWithObject(asked, object);
+  });
+}
+
+RecordList recordsWithJSON(const RecordClass& asked, std::string_view text) {
+  return withParsedText(text, [&asked](const dom::element& element) -> RecordList {
+    dom::array elements;
+    if (element.get_array().get(elements) != simdjson::SUCCESS) return {};
+    return recordsWithElements(asked, elements);
+  });
+}
+
+std::shared_ptr<Record> recordWithDictionary(const RecordClass& asked,
+                                             const Dictionary& dictionary) {
+  const RecordClass& chosen =
+      asked.customClass == nullptr ? asked : asked.customClass(KeysOfDictionary(dictionary), asked);
+  auto record = chosen.create();
+  for (const Property& property : chosen.properties) {
+    const auto found = dictionary.find(property.name);
+    if (found == dictionary.end() || nestsTooDeep(found->second)) continue;
+    assign(property, *record, found->second);
+  }
+  return record;
+}
+
+RecordList recordsWithArray(const RecordClass& asked, const Array& array) {
+  RecordList records;
+  for (const Value& element : array) {
+    if (!element.is_object()) continue;
+    records.push_back(recordWithDictionary(asked, element.get_ref<const Dictionary&>()));
+  }
+  return records;
+}
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,68 @@
+/// @file
+/// A lock whose discipline the compiler checks (Clang's -Wthread-safety).
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+
+// The attributes exist in Clang only; elsewhere they are nothing.
+#if defined(__clang__)
+#define VELWHITEBOARD_THREAD_ANNOTATION(attribute) __attribute__((attribute))
+#else
+#define VELWHITEBOARD_THREAD_ANNOTATION(attribute)
+#endif
+
+/// The field may be touched only while the given lock is held.
+#define VELWHITEBOARD_GUARDED_BY(lock) VELWHITEBOARD_THREAD_ANNOTATION(guarded_by(lock))
+/// The function may be called only while the given lock is held.
+#define VELWHITEBOARD_REQUIRES(...) \
+  VELWHITEBOARD_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
+/// The function may be called only while the given lock is not held.
+#define VELWHITEBOARD_EXCLUDES(...) VELWHITEBOARD_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
+
+namespace VelWhiteBoard {
+
+/// A plain mutex.
+class VELWHITEBOARD_THREAD_ANNOTATION(capability("mutex")) Mutex {
+ public:
+  void lock() VELWHITEBOARD_THREAD_ANNOTATION(acquire_capability()) { mutex_.lock(); }
+  void unlock() VELWHITEBOARD_THREAD_ANNOTATION(release_capability()) { mutex_.unlock(); }
+
+ private:
+  friend class Condition;
+  std::mutex mutex_;
+};
+
+/// A condition that threads wait for under a `Mutex`. Unlike `std::condition_variable_any` it adds
+/// no lock and no allocation of its own.
+class Condition {
+ public:
+  /// Gives the mutex up while waiting. Wakes without cause at times: test the condition in a loop.
+  void wait(Mutex& mutex) VELWHITEBOARD_REQUIRES(mutex) {
+    std::unique_lock<std::mutex> lock(mutex.mutex_, std::adopt_lock);
+    condition_.wait(lock);
+    lock.release();  // the caller holds the mutex again, and goes on to hold it
+  }
+  void notifyOne() { condition_.notify_one(); }
+  void notifyAll() { condition_.notify_all(); }
+
+ private:
+  std::condition_variable condition_;
+};
+
+/// Holds a mutex for a scope.
+class VELWHITEBOARD_THREAD_ANNOTATION(scoped_lockable) MutexHold {
+ public:
+  explicit MutexHold(Mutex& mutex) VELWHITEBOARD_THREAD_ANNOTATION(acquire_capability(mutex))
+      : mutex_(mutex) {
+    mutex_.lock();
+  }
+  ~MutexHold() VELWHITEBOARD_THREAD_ANNOTATION(release_capability()) { mutex_.unlock(); }
+  MutexHold(const MutexHold&) = delete;
+  MutexHold& operator=(const MutexHold&) = delete;
+
+ private:
+  Mutex& mutex_;
+};
+
+}  // namespace VelWhiteBoard

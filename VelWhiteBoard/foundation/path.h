@@ -1,0 +1,139 @@
+/// @file
+/// The positions of a stroke.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+#include <utility>
+
+#include "VelWhiteBoard/foundation/export.h"
+
+namespace VelWhiteBoard {
+
+/// The positions of a stroke, oldest first, as a value.
+///
+/// A position is a short row of numbers: horizontal, vertical and usually the time of the position.
+/// Rows of three take 24 bytes each; rows of any other length are kept exactly, at a few bytes
+/// more.
+///
+/// Adding a position costs the same however long the path is, and so does copying a path: copies
+/// share the positions that they have in common. That is what lets a save take a stroke as it is at
+/// this instant while the pen goes on.
+///
+/// Threads: distinct paths may be used from distinct threads, copies of one path included. One path
+/// is not to be changed while another thread uses it.
+class VELWHITEBOARD_EXPORT Path {
+ public:
+  /// One position: a view of its numbers. Valid until the path that gave it changes or ends.
+  using Position = std::span<const double>;
+
+  class Iterator;
+
+  Path() noexcept;
+  /// `Path{{10, 20, 5}, {11, 21, 6}}`
+  Path(std::initializer_list<std::initializer_list<double>> positions);
+  Path(const Path& other) noexcept;
+  Path(Path&& other) noexcept;
+  Path& operator=(const Path& other) noexcept;
+  Path& operator=(Path&& other) noexcept;
+  ~Path();
+
+  /// Number of positions.
+  std::size_t size() const noexcept { return size_; }
+  bool empty() const noexcept { return size_ == 0; }
+
+  /// The position at `index`, which must be below `size()`.
+  Position operator[](std::size_t index) const noexcept;
+  /// The newest position; the path must not be empty.
+  Position back() const noexcept { return (*this)[size_ - 1]; }
+
+  /// Adds a position at the end. `position` may be a view into this very path.
+  void push_back(Position position);
+  void push_back(std::initializer_list<double> position) {
+    push_back(Position(position.begin(), position.size()));
+  }
+  /// Makes room for a first run of `positions`, so that they are added without growing.
+  void reserve(std::size_t positions);
+
+  Iterator begin() const noexcept;
+  Iterator end() const noexcept;
+
+  void swap(Path& other) noexcept;
+
+  /// Same positions with the same numbers; 0 equals -0, and a NaN equals a NaN, so that a path
+  /// always equals its copy.
+  friend bool operator==(const Path& left, const Path& right) noexcept {
+    return left.equals(right);
+  }
+
+ private:
+  class Chunk;
+  class Rest;
+
+  /// Shared reference to a chunk or to the rest; the count is kept inside the object.
+  template <class T>
+  class Shared {
+   public:
+    Shared() noexcept = default;
+    explicit Shared(T* object) noexcept : object_(object) {}
+    Shared(const Shared& other) noexcept;
+    Shared(Shared&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    Shared& operator=(Shared other) noexcept {
+      std::swap(object_, other.object_);
+      return *this;
+    }
+    ~Shared() {
+      if (object_ != nullptr) object_->release();
+    }
+    T* operator->() const noexcept { return object_; }
+    T& operator*() const noexcept { return *object_; }
+    T* get() const noexcept { return object_; }
+    explicit operator bool() const noexcept { return object_ != nullptr; }
+    bool isUnique() const noexcept;
+
+   private:
+    T* object_ = nullptr;
+  };
+
+  bool equals(const Path& other) const noexcept;
+  void addTriple(Position position);
+  void addUneven(Position position);
+  void makeUneven();
+  void growTail(std::size_t used);
+  Rest& ownRest();
+
+  std::size_t size_ = 0;
+  /// The newest positions, while every position of the path has three numbers.
+  Shared<Chunk> tail_;
+  /// What does not fit the tail: the full chunks before it, or all positions of an uneven path.
+  Shared<Rest> rest_;
+};
+
+/// Walks the positions of a path, oldest first.
+class Path::Iterator {
+ public:
+  using value_type = Position;
+  using difference_type = std::ptrdiff_t;
+
+  Iterator() noexcept = default;
+  Iterator(const Path& path, std::size_t index) noexcept : path_(&path), index_(index) {}
+  Position operator*() const noexcept { return (*path_)[index_]; }
+  Iterator& operator++() noexcept {
+    ++index_;
+    return *this;
+  }
+  Iterator operator++(int) noexcept { return {*path_, index_++}; }
+  friend bool operator==(const Iterator&, const Iterator&) = default;
+
+ private:
+  const Path* path_ = nullptr;
+  std::size_t index_ = 0;
+};
+
+inline Path::Iterator Path::begin() const noexcept { return {*this, 0}; }
+inline Path::Iterator Path::end() const noexcept { return {*this, size_}; }
+
+}  // namespace VelWhiteBoard

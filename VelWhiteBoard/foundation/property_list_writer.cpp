@@ -1,0 +1,194 @@
+#include "VelWhiteBoard/foundation/property_list_writer.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "VelWhiteBoard/foundation/number_text.h"
+#include "VelWhiteBoard/foundation/property_visit.h"
+#include "VelWhiteBoard/foundation/text.h"
+
+namespace VelWhiteBoard {
+
+namespace {
+
+constexpr std::string_view kHead =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+    "<plist version=\"1.0\">\n";
+constexpr std::string_view kFoot = "</plist>\n";
+
+/// The lines of one value, at a depth of indentation.
+class ValueLines {
+ public:
+  ValueLines(std::string& text, std::size_t depth) : text_(text), depth_(depth) {}
+
+  void add(const std::string& field) { element("string", field); }
+  void add(bool field) { line(field ? "<true/>" : "<false/>"); }
+  void add(std::int64_t field) { number("integer", field); }
+  void add(std::uint64_t field) { number("integer", field); }
+  void add(double field) { number("real", field); }
+  void add(const Path& field) {
+    container("array", [&] {
+      for (const auto position : field) addPosition(position);
+    });
+  }
+  void add(const Array& field) {
+    container("array", [&] {
+      for (const Value& element : field) addFree(element);
+    });
+  }
+  void add(const RecordList& field) {
+    container("array", [&] {
+      for (const auto& record : field) {
+        if (record) add(*record);
+      }
+    });
+  }
+  void add(const Record& record) {
+    container("dict", [&] {
+      for (const Property& property : record.recordClass().properties) {
+        visitWrittenField(property, record, [&](const auto& field) {
+          indent();
+          text_ += "<key>";
+          text_ += property.name;  // a name of ours: nothing in it needs an escape
+          text_ += "</key>\n";
+          add(field);
+        });
+      }
+    });
+  }
+
+ private:
+  void indent() { text_.append(depth_, '\t'); }
+
+  void line(std::string_view content) {
+    indent();
+    text_ += content;
+    text_ += '\n';
+  }
+
+  void open(std::string_view name) {
+    indent();
+    text_ += '<';
+    text_ += name;
+    text_ += '>';
+  }
+  void close(std::string_view name) {
+    text_ += "</";
+    text_ += name;
+    text_ += ">\n";
+  }
+
+  void element(std::string_view name, std::string_view content) {
+    open(name);
+    appendXMLText(text_, content);
+    close(name);
+  }
+
+  template <class Number>
+  void number(std::string_view name, Number content) {
+    open(name);
+    appendNumber(text_, content);
+    close(name);
+  }
+
+  /// A container without content is one element, also when its content came to nothing.
+  template <class AddContent>
+  void container(std::string_view name, const AddContent& addContent) {
+    open(name);
+    text_ += '\n';
+    const std::size_t start = text_.size();
+    ++depth_;
+    addContent();
+    --depth_;
+    if (text_.size() == start) {
+      text_.resize(start - std::string_view(">\n").size());
+      text_ += "/>\n";
+      return;
+    }
+    indent();
+    close(name);
+  }
+
+  void addPosition(Path::Position position) {
+    container("array", [&] {
+      for (const double coordinate : position) add(std::isfinite(coordinate) ? coordinate : 0.0);
+    });
+  }
+
+  /// A free-form value. What a property list cannot say is left out: null, binary, numbers that are
+  /// not finite, and what is nested deeper than anything that was taken in.
+  void addFree(const Value& value) {
+    // The depth of indentation stands for the nesting: a record's own array is at depth 2.
+    if (depth_ > kMaximumValueDepth + 2) return;
+    switch (value.type()) {
+      case Value::value_t::boolean:
+        return add(value.get<bool>());
+      case Value::value_t::number_integer:
+        return add(value.get<std::int64_t>());
+      case Value::value_t::number_unsigned:
+        return add(value.get<std::uint64_t>());
+      case Value::value_t::number_float:
+        if (std::isfinite(value.get<double>())) add(value.get<double>());
+        return;
+      case Value::value_t::string:
+        return add(value.get_ref<const std::string&>());
+      case Value::value_t::array:
+        return add(value.get_ref<const Array&>());
+      case Value::value_t::object:
+        return addMembers(value.get_ref<const Dictionary&>());
+      default:
+        return;
+    }
+  }
+
+  void addMembers(const Dictionary& members) {
+    container("dict", [&] {
+      for (const auto& [key, member] : members) {
+        const std::size_t start = text_.size();
+        indent();
+        text_ += "<key>";
+        appendXMLText(text_, key);
+        text_ += "</key>\n";
+        const std::size_t end = text_.size();
+        addFree(member);
+        if (text_.size() == end) text_.resize(start);  // no value: no key either
+      }
+    });
+  }
+
+  std::string& text_;
+  std::size_t depth_;
+};
+
+}  // namespace
+
+PropertyListWriter::PropertyListWriter(const BlockConsumer& write) : write_(write) {
+  text_ = kHead;
+}
+
+bool PropertyListWriter::add(const Record& record) {
+  if (failed_) return false;
+  if (empty_) text_ += "<array>\n";
+  empty_ = false;
+  ValueLines(text_, 1).add(record);
+  return text_.size() < kFileBlockSize || flush();
+}
+
+bool PropertyListWriter::finish() {
+  if (failed_) return false;
+  text_ += empty_ ? "<array/>\n" : "</array>\n";
+  text_ += kFoot;
+  return flush();
+}
+
+bool PropertyListWriter::flush() {
+  failed_ = !write_(text_);
+  text_.clear();
+  return !failed_;
+}
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,15 @@
+/// @file
+/// A value that is no container, on its way into a property.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <variant>
+
+namespace VelWhiteBoard {
+
+/// Null, a boolean, an integer, a real number or a text (which belongs to somebody else).
+using Scalar =
+    std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string_view>;
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,37 @@
+/// @file
+/// Dynamic values: what a JSON document can say, as C++ clients already know it.
+#pragma once
+
+#include <cstddef>
+
+#include <nlohmann/json.hpp>
+
+#include "VelWhiteBoard/foundation/export.h"
+
+namespace VelWhiteBoard {
+
+/// Any JSON value. Signed integers, unsigned integers and doubles are kept apart and exact.
+using Value = nlohmann::json;
+/// A JSON array.
+using Array = Value::array_t;
+/// A JSON object: keys in byte order, the form in which records are exchanged.
+using Dictionary = Value::object_t;
+
+/// How deep arrays and objects may be nested in a value that the library takes over.
+///
+/// Records come from other machines. The bound keeps every walk over a value shallow enough for any
+/// thread's stack, and it is far above what a drawing program has a use for.
+inline constexpr std::size_t kMaximumValueDepth = 256;
+
+/// Whether two values say the same: numbers by their value, whatever their kind; 0 equals -0, and a
+/// NaN equals a NaN.
+VELWHITEBOARD_EXPORT bool sameValue(const Value& left, const Value& right);
+/// A hash of `value`; values that say the same have the same hash.
+VELWHITEBOARD_EXPORT std::size_t hashOfValue(const Value& value);
+/// A hash of a number as `sameValue` compares it.
+VELWHITEBOARD_EXPORT std::size_t hashOfNumber(double number);
+
+/// Whether `value` nests arrays and objects deeper than `kMaximumValueDepth`. Does not recurse.
+VELWHITEBOARD_EXPORT bool nestsTooDeep(const Value& value);
+
+}  // namespace VelWhiteBoard
