@@ -1,0 +1,149 @@
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "VelWhiteBoard/foundation/export.h"
+
+namespace VelWhiteBoard {
+
+/// The user's standard directories, and small file-system chores.
+///
+/// One object for the process, made on first use and never destroyed. Paths are UTF-8 and taken
+/// byte for byte; a relative one belongs to the process's working directory. Symbolic links count
+/// as what they point to, a dangling one as nothing. An empty path and one that contains a NUL byte
+/// name nothing: tests answer false, creations fail, a removal has nothing to do.
+///
+/// Failures are results only: false, or an absent string or list. Nothing is thrown or logged.
+///
+/// Directories are asked for by number, in two ways that must not be mixed up:
+/// - a *directory code* (`searchPath`, and every `domain`): 9 the documents directory, 5 the
+/// library
+///   directory, 13 the caches directory, any other number none at all;
+/// - the argument of `directoryPath`: 0 documents, 1 library, 2 caches, any other the temporary
+/// one.
+///
+/// Where they lie: documents are what the desktop's "user-dirs.dirs" says (~/Documents when it does
+/// not), the library is $XDG_DATA_HOME (~/.local/share), caches are $XDG_CACHE_HOME (~/.cache), the
+/// temporary directory is $TMPDIR (/tmp). A value that is not an absolute path counts as not set.
+/// No directory path ends in a separator, and none of the directories need exist.
+///
+/// Every operation may be called from any thread, as long as no other thread changes the process's
+/// environment meanwhile.
+class VELWHITEBOARD_EXPORT VWBPathManager {
+ public:
+  /// The one object.
+  static VWBPathManager& sharedManager();
+
+  VWBPathManager(const VWBPathManager&) = delete;
+  VWBPathManager& operator=(const VWBPathManager&) = delete;
+
+  /// Puts the object back to its initial state and answers it.
+  VWBPathManager& init();
+  /// Reads the four directories from the environment again and empties `rootFolder`.
+  void initConfigure();
+
+  /// A sub-folder that `createFolderWithSuffix` puts between the directory and the suffix; "" (the
+  /// initial value) for none. Nothing else uses it.
+  std::string rootFolder() const;
+  /// @see rootFolder
+  void setRootFolder(const std::string& rootFolder);
+
+  /// The user's documents directory as of the last `initConfigure`; "" when there is none.
+  std::string documentDirectory() const;
+  /// The user's library directory as of the last `initConfigure`; "" when there is none.
+  std::string libraryDirectory() const;
+  /// The user's caches directory as of the last `initConfigure`; "" when there is none.
+  std::string cacheDirectory() const;
+  /// The directory for temporary files as of the last `initConfigure`.
+  std::string tempDirectory() const;
+
+  /// The last place of a directory as the environment tells it now; absent when there is none.
+  /// @param directory a directory code.
+  std::optional<std::string> searchPath(std::uint64_t directory);
+
+  /// One of the four directories above.
+  /// @param directory 0 documents, 1 library, 2 caches, every other value the temporary directory.
+  std::string directoryPath(std::uint64_t directory);
+
+  /// The path of a file in a folder under the caches directory; makes the folder.
+  ///
+  /// The three parts are put together as plain text, without separators between them, so that
+  /// `relativePath` begins and ends with one as needed ("/boards/7/"). Only the last folder is
+  /// made, and whether that worked shows in nothing here. `rootFolder` is not used.
+  std::string storePathWithRelativePath(const std::string& relativePath,
+                                        const std::string& fileName);
+
+  /// Makes a folder whose parent exists. True only when it was made: anything that exists at the
+  /// path already gives false.
+  bool checkShouldCreateDirectoryWithPath(const std::string& path);
+
+  /// Whether a folder lies at the documents directory followed by `suffix`.
+  bool isFolderExistWithSuffix(const std::string& suffix);
+  /// Whether a folder lies at the given directory followed by `suffix` as plain text: without a
+  /// separator, unlike `isFileExistWithSuffix`.
+  /// @param domain a directory code.
+  bool isFolderExistWithSuffix(const std::string& suffix, std::uint64_t domain);
+  /// Whether a folder lies at the path.
+  bool isFolderExist(const std::string& path);
+
+  /// Whether something other than a folder lies in the documents directory under `suffix`.
+  bool isFileExistWithSuffix(const std::string& suffix);
+  /// Whether something other than a folder lies at the given directory with `suffix` as a path
+  /// component: with exactly one separator between the two, unlike `isFolderExistWithSuffix`.
+  /// @param domain a directory code.
+  bool isFileExistWithSuffix(const std::string& suffix, std::uint64_t domain);
+  /// Whether something other than a folder lies at the path.
+  bool isFileExist(const std::string& path);
+
+  /// Makes a folder under the documents directory, see below.
+  std::optional<std::string> createFolderWithSuffix(const std::string& suffix);
+  /// Makes the folder directory / `rootFolder` / `suffix`, with all missing folders above it,
+  /// leaving out what is empty. Answers its path, also when it existed already; absent when there
+  /// is no such directory or the folder cannot be made.
+  /// @param domain a directory code.
+  std::optional<std::string> createFolderWithSuffix(const std::string& suffix,
+                                                    std::uint64_t domain);
+  /// Makes a folder with all missing ones above it. True also when it existed already.
+  bool createFolderWithPath(const std::string& path);
+
+  /// Leaves an empty file at the path, emptying one that exists. The folder must exist.
+  bool createFile(const std::string& path);
+
+  /// Removes what lies at the path, a folder with all its contents. Symbolic links are removed, not
+  /// followed. True when nothing is there in the first place. Of a folder that cannot be removed
+  /// whole, as much as possible goes.
+  bool removeFolderOrFile(const std::string& path);
+
+  /// The names, not the paths, of everything in a folder that is not a folder itself, one level
+  /// deep. Sorted by the bytes of their UTF-8 form, which is the order of their characters:
+  /// capitals before small letters, "10.plist" before "2.plist". Absent when there is no such
+  /// folder or it cannot be read.
+  std::optional<std::vector<std::string>> filesAtPath(const std::string& folder);
+  /// The same, only with the names that end in `hasSuffix`, letter case minded. An absent suffix
+  /// lets every name through, an empty one none.
+  std::optional<std::vector<std::string>> filesAtPath(const std::string& folder,
+                                                      const std::optional<std::string>& hasSuffix);
+
+ private:
+  struct State {
+    std::string documentDirectory;
+    std::string libraryDirectory;
+    std::string cacheDirectory;
+    std::string tempDirectory;
+    std::string rootFolder;
+  };
+
+  VWBPathManager();
+  ~VWBPathManager() = default;
+
+  std::string read(std::string State::*field) const;
+
+  mutable std::mutex mutex_;
+  State state_;  // guarded by mutex_; no file is touched while it is held
+};
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,117 @@
+/// @file
+/// The lesson's clock, and the stamps that every vector carries.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "VelWhiteBoard/foundation/export.h"
+#include "VelWhiteBoard/foundation/semaphore.h"
+
+namespace VelWhiteBoard {
+
+class VelWbVecPoint;
+
+/// Stamps vectors with an identifier and with a timestamp on the clock of the lesson's server.
+///
+/// One object for the process, made on first use and never destroyed. A client sets `userID`; on
+/// joining a lesson it calls `setCourseCreateTs`, sets `isRunning` while the lesson runs, and calls
+/// `clear` on leaving. Nothing inside the library changes `isRunning` or `userID`.
+///
+/// Threads: everything may be called from any thread. `setCourseCreateTs` and, while the clock
+/// runs, `genTs` wait for `semaphore` without limit; nothing else does, so whoever holds it may
+/// still call the rest. What does not wait sees each of the three times whole, but may see some of
+/// them from before a synchronisation and some from after it.
+class VELWHITEBOARD_EXPORT VelWbVectorManager {
+ public:
+  /// The one object.
+  static VelWbVectorManager& shareManager();
+
+  VelWbVectorManager(const VelWbVectorManager&) = delete;
+  VelWbVectorManager(VelWbVectorManager&&) = delete;
+  VelWbVectorManager& operator=(const VelWbVectorManager&) = delete;
+  VelWbVectorManager& operator=(VelWbVectorManager&&) = delete;
+
+  /// Puts the object back to its initial state and answers it: not running, all times 0, no
+  /// `userID`, a new `semaphore`.
+  VelWbVectorManager& init();
+
+  /// Takes over a synchronisation with the server, under `semaphore`. Any value is stored.
+  /// @param createTs when the lesson was created, seconds since 1970-01-01.
+  /// @param ServerTs the server's time, seconds.
+  /// @param localTs the reading at which `ServerTs` arrived, taken from the clock that `genTs`
+  /// reads: `currentMediaTime` under the tool manager's `version` 1, `currentTime` under any other.
+  void setCourseCreateTs(double createTs, double ServerTs, double localTs);
+
+  /// Forgets the synchronisation: `serverTs` and `localTs` become 0. `createTs` stays, so that
+  /// identifiers go on counting from the same origin; `userID` and `isRunning` stay, too. Takes no
+  /// semaphore.
+  void clear();
+
+  /// A new vector identifier: `userID` (nothing when absent), an underscore and the hundredths of a
+  /// second since `createTs`, cut toward zero: "u42_1234". Negative when the clock stands before
+  /// `createTs`. Calls within the same hundredth give the same identifier. Takes no semaphore.
+  std::string genID();
+
+  /// A timestamp in seconds on the server's clock. While the clock runs: `serverTs` and the time
+  /// that has passed since `localTs`, read under `semaphore`. While it stands: `serverTs` -
+  /// `localTs`, whatever the time, without the semaphore.
+  double genTs();
+
+  /// Moves a point from the desktop client's coordinates to the board's: half a unit up on each
+  /// axis, in exactly the floating-point operations that all clients share.
+  void coordinateSystemTransFromPC(VelWbVecPoint& point);
+  /// The reverse: half a unit down on each axis, by its own shared formula.
+  void coordinateSystemTransToPC(VelWbVecPoint& point);
+
+  /// Guards the three times during a synchronisation; count 1, not re-entrant. Never null.
+  std::shared_ptr<Semaphore> semaphore() const;
+  /// Replaces the semaphore for those who come later; who holds or awaits the old one keeps to it.
+  /// Null is ignored.
+  void setSemaphore(const std::shared_ptr<Semaphore>& semaphore);
+
+  /// When the lesson was created, seconds since 1970-01-01: the origin of identifiers. Initially 0.
+  double createTs() const;
+  /// @see createTs
+  void setCreateTs(double createTs);
+
+  /// The server's time at the last synchronisation, seconds. Initially 0.
+  double serverTs() const;
+  /// @see serverTs
+  void setServerTs(double serverTs);
+
+  /// The local clock's reading at the last synchronisation, seconds. Initially 0.
+  double localTs() const;
+  /// @see localTs
+  void setLocalTs(double localTs);
+
+  /// The local user, the beginning of each generated identifier. Initially absent; an empty one
+  /// gives the same identifiers as none.
+  std::optional<std::string> userID() const;
+  /// @see userID
+  void setUserID(const std::optional<std::string>& userID);
+
+  /// Whether the lesson's clock runs, which decides how `genTs` computes. Initially false.
+  bool isRunning() const;
+  /// @see isRunning
+  void setIsRunning(bool isRunning);
+
+ private:
+  VelWbVectorManager();
+  ~VelWbVectorManager();
+
+  // Atomic rather than guarded: the operations that take no semaphore read and write them, too.
+  std::atomic<double> createTs_{0.0};
+  std::atomic<double> serverTs_{0.0};
+  std::atomic<double> localTs_{0.0};
+  std::atomic<bool> isRunning_{false};
+
+  // `userID` and `semaphore` under a lock of their own, which is held only to copy or to replace
+  // one of them, never while waiting for the semaphore.
+  struct References;
+  const std::unique_ptr<References> references_;
+};
+
+}  // namespace VelWhiteBoard

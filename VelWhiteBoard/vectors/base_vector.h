@@ -1,0 +1,107 @@
+/// @file
+/// The root of all vectors.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "VelWhiteBoard/foundation/coder.h"
+#include "VelWhiteBoard/foundation/export.h"
+#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/record.h"
+#include "VelWhiteBoard/foundation/value.h"
+
+namespace VelWhiteBoard {
+
+class VelWbBaseVector;
+/// Shared reference to a vector of any class.
+using VectorPtr = std::shared_ptr<VelWbBaseVector>;
+/// Vectors in order; the vectors are shared, not owned alone.
+using VectorList = std::vector<VectorPtr>;
+
+/// The class that the decoding rule chooses for a dictionary when `asked` was asked for: the type
+/// name decides; where it leaves the class open, the shape does (a key "w" makes a box, a key "x" a
+/// positioned record); otherwise it is `asked`.
+VELWHITEBOARD_EXPORT const RecordClass& vectorClassForDictionary(const DictionaryKeys& keys,
+                                                                 const RecordClass& asked);
+/// The same for a dictionary at hand.
+VELWHITEBOARD_EXPORT const RecordClass& vectorClassForDictionary(const Dictionary& dictionary,
+                                                                 const RecordClass& asked);
+/// Whether a vector of any class has a property of that name.
+VELWHITEBOARD_EXPORT bool isKeyOfAnyVector(std::string_view key);
+
+/// What each vector class gets by being declared as `class Self : public VectorOf<Self, Base>`.
+template <class Self, class Base>
+class VectorOf : public RecordOf<Self, Base> {
+ public:
+  /// A new vector in its initial state, with `type` set to the argument.
+  static std::shared_ptr<Self> initWithType(std::optional<std::string> type) {
+    auto vector = std::make_shared<Self>();
+    vector->type = std::move(type);
+    return vector;
+  }
+
+  /// The decoding rule: the class for `dictionary` when this class is asked for.
+  static const RecordClass& modelCustomClassForDictionary(const Dictionary& dictionary) {
+    return vectorClassForDictionary(dictionary, Self::ownClass());
+  }
+
+  /// The field-by-field copy, of the class of this very object. Unlike `copyWithZone()` it leaves
+  /// some fields at their defaults on purpose; each class says which.
+  std::shared_ptr<Self> mutableCopyWithZone() const {
+    return std::static_pointer_cast<Self>(this->makeMutableCopy());
+  }
+};
+
+/// Any whiteboard operation: a type name, a time and an identifier.
+///
+/// Threads: a vector takes no lock. A vector that was given to a storage belongs to it: the storage
+/// may change it, callers read it only on the thread that saves, or copy it before.
+class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Record> {
+ public:
+  /// Asking the model mapping for any vector class answers a pointer to this class.
+  using ModelRoot = VelWbBaseVector;
+
+  /// The type name, see `VelWbVectorDefines`; absent or unknown names are allowed.
+  std::optional<std::string> type;
+  /// Seconds on the clock of the lesson's server, see `VelWbVectorManager::genTs`.
+  double ts = 0;
+  /// The identifier. A later vector that continues or edits an earlier one has the same `ID` and
+  /// `type`.
+  std::optional<std::string> ID;
+
+  static const RecordClass& ownClass();
+  static std::shared_ptr<VelWbBaseVector> initWithType(std::optional<std::string> type);
+  static const RecordClass& modelCustomClassForDictionary(const Dictionary& dictionary);
+
+  /// The field-by-field copy, of the class of this very object; see each class for what it leaves
+  /// out.
+  std::shared_ptr<VelWbBaseVector> mutableCopyWithZone() const {
+    return std::static_pointer_cast<VelWbBaseVector>(makeMutableCopy());
+  }
+
+  /// Whether `update` continues or edits this vector: its `type` and its `ID` both equal this
+  /// vector's. An absent one never matches, an empty one does.
+  bool isSameStroke(const VelWbBaseVector& update) const;
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    visit(property<&VelWbBaseVector::type>("type"));
+    visit(property<&VelWbBaseVector::ts>("ts"));
+    visit(property<&VelWbBaseVector::ID>("ID"));
+  }
+
+ protected:
+  virtual std::shared_ptr<Record> makeMutableCopy() const;
+};
+
+/// The dictionary forms of the vectors, in order; null pointers are left out.
+VELWHITEBOARD_EXPORT Array modelToJSONObject(const VectorList& vectors);
+/// The dictionary forms of the vectors as one line of JSON; null pointers are left out.
+VELWHITEBOARD_EXPORT std::string modelToJSONString(const VectorList& vectors);
+
+}  // namespace VelWhiteBoard

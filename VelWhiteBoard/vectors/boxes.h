@@ -1,0 +1,151 @@
+/// @file
+/// Objects placed on the board in a rectangle: boxes, files and images, media, texts.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "VelWhiteBoard/vectors/strokes.h"
+
+namespace VelWhiteBoard {
+
+/// A box: a position and a size in normalised board coordinates.
+///
+/// A box is not extended piece by piece; a later vector of the same `type` and `ID` edits it.
+class VELWHITEBOARD_EXPORT VelWbVecSquare : public VectorOf<VelWbVecSquare, VelWbVecPoint> {
+ public:
+  /// Width and height as fractions of the board's; in an update 0 or less: not given.
+  double w = 0;
+  double h = 0;
+
+  static const RecordClass& ownClass();
+
+  /// Edits this box with what the update carries.
+  ///
+  /// The position is taken when both coordinates are above -10, the size when both sides are above
+  /// 0, `ts` always. `end`, `path` and `ps` never change. Each derived class adds the fields of its
+  /// own, when the update is of that class too.
+  ///
+  /// @param update any vector, the receiver included; one of another `type` or `ID` changes
+  /// nothing, not
+  ///   even `ts`. One without a position or a size changes only the rest.
+  virtual void merge(const VelWbBaseVector& update);
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbVecPoint::properties(visit);
+    visit(property<&VelWbVecSquare::w>("w"));
+    visit(property<&VelWbVecSquare::h>("h"));
+  }
+
+ protected:
+  /// Leaves out `ps`.
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+/// A file on the board: types "image" and "cursor".
+class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVecSquare> {
+ public:
+  /// Where the content is; in an update empty: not given.
+  std::optional<std::string> url;
+  /// Rotation of the box, in the clients' unit. Merging never changes it, on purpose.
+  double rotation = 0;
+  /// Marks an object that may not be deleted. Merging always takes the update's.
+  bool undeletable = false;
+
+  static const RecordClass& ownClass();
+
+  void merge(const VelWbBaseVector& update) override;
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbVecSquare::properties(visit);
+    visit(property<&VelWbVecFile::url>("url"));
+    visit(property<&VelWbVecFile::rotation>("rotation"));
+    visit(property<&VelWbVecFile::undeletable>("undeletable"));
+  }
+
+ protected:
+  /// Leaves out `ps`.
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+/// A media item on the board: type "media". Its times, `duration` and `status` are in the clients'
+/// units and words; nothing here reads them.
+class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbVecFile> {
+ public:
+  /// Identifier of the owner; in an update below 1: not given.
+  std::int64_t owner = 0;
+  /// "video" or "audio"; in an update absent: not given, empty: taken.
+  std::optional<std::string> kind;
+  /// Playback time set by hand; in an update negative: not given.
+  std::int64_t manualPlayTs = 0;
+  /// Playback time of automatic play; always taken from an update.
+  std::int64_t autoPlayTs = 0;
+  /// In an update empty: not given.
+  std::optional<std::string> status;
+  /// Length of the media; merging never changes it.
+  std::int64_t duration = 0;
+  /// In an update empty: not given.
+  std::optional<std::string> title;
+  /// Address of the cover picture; in an update absent: not given, empty: taken.
+  std::optional<std::string> cover;
+
+  static const RecordClass& ownClass();
+
+  void merge(const VelWbBaseVector& update) override;
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbVecFile::properties(visit);
+    visit(property<&VelWbVecVideo::owner>("owner"));
+    visit(property<&VelWbVecVideo::kind>("kind"));
+    visit(property<&VelWbVecVideo::manualPlayTs>("manualPlayTs"));
+    visit(property<&VelWbVecVideo::autoPlayTs>("autoPlayTs"));
+    visit(property<&VelWbVecVideo::status>("status"));
+    visit(property<&VelWbVecVideo::duration>("duration"));
+    visit(property<&VelWbVecVideo::title>("title"));
+    visit(property<&VelWbVecVideo::cover>("cover"));
+  }
+
+ protected:
+  /// Leaves out `ps`, `path` and `undeletable`.
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+/// A text box: type "text". Its `ps` is the width of the board as shown, not of the reference
+/// board.
+class VELWHITEBOARD_EXPORT VelWbVecText : public VectorOf<VelWbVecText, VelWbVecSquare> {
+ public:
+  /// In an update empty: not given, so merging cannot empty a text.
+  std::optional<std::string> text;
+  /// In view points; in an update 0 or less: not given.
+  double fontSize = 0;
+  /// Font family; in an update empty: not given.
+  std::optional<std::string> fontName;
+  /// Text colour, #RRGGBBAA; in an update empty: not given.
+  std::optional<std::string> color;
+  /// Background colour; in an update absent: not given, empty: taken.
+  std::optional<std::string> bgColor;
+
+  static const RecordClass& ownClass();
+
+  void merge(const VelWbBaseVector& update) override;
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbVecSquare::properties(visit);
+    visit(property<&VelWbVecText::text>("text"));
+    visit(property<&VelWbVecText::fontSize>("fontSize"));
+    visit(property<&VelWbVecText::fontName>("fontName"));
+    visit(property<&VelWbVecText::color>("color"));
+    visit(property<&VelWbVecText::bgColor>("bgColor"));
+  }
+
+ protected:
+  /// Leaves nothing out.
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+}  // namespace VelWhiteBoard

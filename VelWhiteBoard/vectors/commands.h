@@ -1,0 +1,136 @@
+/// @file
+/// Commands to a board, and the camera capture.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "VelWhiteBoard/vectors/boxes.h"
+
+namespace VelWhiteBoard {
+
+/// Takes one vector off the current page: type "remove".
+class VELWHITEBOARD_EXPORT VelWbVecRemove : public VectorOf<VelWbVecRemove, VelWbBaseVector> {
+ public:
+  /// The `ID` of the vector to remove; absent: removes nothing.
+  std::optional<std::string> rmID;
+
+  static const RecordClass& ownClass();
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbBaseVector::properties(visit);
+    visit(property<&VelWbVecRemove::rmID>("rmID"));
+  }
+
+ protected:
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+/// Empties the current page: type "clear". The fields travel along; the storage does not consult
+/// them.
+class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbBaseVector> {
+ public:
+  /// The resource whose board is cleared.
+  std::int64_t resource = 0;
+  /// The page that is cleared.
+  std::uint64_t clearPage = 0;
+
+  static const RecordClass& ownClass();
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbBaseVector::properties(visit);
+    visit(property<&VelWbVecClear::resource>("resource"));
+    visit(property<&VelWbVecClear::clearPage>("clearPage"));
+  }
+
+ protected:
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+/// Shows another page: type "switchPage". Also how a board names its pages.
+class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
+    : public VectorOf<VelWbVecSwitchPage, VelWbBaseVector> {
+ public:
+  /// The board that is shown.
+  std::int64_t WBID = 0;
+  /// The resource (document) that is shown on it. Takes no part in the page key.
+  std::int64_t resource = 0;
+  /// Address of the page's content, its image or document.
+  std::optional<std::string> url;
+  /// The page that is shown.
+  std::uint64_t curPage = 0;
+  /// Number of pages of the resource.
+  std::uint64_t totalPage = 0;
+  /// Whether the page is shown as an image.
+  bool imageMode = false;
+  /// Size of the page's content.
+  double w = 0;
+  double h = 0;
+
+  static const RecordClass& ownClass();
+
+  /// The page key: `WBID` and `curPage` in decimal, joined by an underscore, such as "12_3". Files
+  /// and caches of a page are named by it.
+  std::string pageInfo() const;
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbBaseVector::properties(visit);
+    visit(property<&VelWbVecSwitchPage::WBID>("WBID"));
+    visit(property<&VelWbVecSwitchPage::resource>("resource"));
+    visit(property<&VelWbVecSwitchPage::url>("url"));
+    visit(property<&VelWbVecSwitchPage::curPage>("curPage"));
+    visit(property<&VelWbVecSwitchPage::totalPage>("totalPage"));
+    visit(property<&VelWbVecSwitchPage::imageMode>("imageMode"));
+    visit(property<&VelWbVecSwitchPage::w>("w"));
+    visit(property<&VelWbVecSwitchPage::h>("h"));
+  }
+
+ protected:
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+/// Moves the view: type "offset".
+class VELWHITEBOARD_EXPORT VelWbVecOffset : public VectorOf<VelWbVecOffset, VelWbBaseVector> {
+ public:
+  /// Axis or direction of the move, a code of the clients.
+  std::int64_t direction = 0;
+  /// Amount of the move, in the clients' unit.
+  double value = 0;
+
+  static const RecordClass& ownClass();
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbBaseVector::properties(visit);
+    visit(property<&VelWbVecOffset::direction>("direction"));
+    visit(property<&VelWbVecOffset::value>("value"));
+  }
+
+ protected:
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+/// A camera capture: type "camera". Arises only by decoding; new camera vectors are files.
+class VELWHITEBOARD_EXPORT VelWbCaptureInfo : public VectorOf<VelWbCaptureInfo, VelWbVecSquare> {
+ public:
+  /// Whether the capture comes from the back camera.
+  bool isBack = false;
+
+  static const RecordClass& ownClass();
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbVecSquare::properties(visit);
+    visit(property<&VelWbCaptureInfo::isBack>("isBack"));
+  }
+
+ protected:
+  /// Leaves out `ps`.
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,74 @@
+#include "VelWhiteBoard/vectors/diagrams.h"
+
+#include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/tools/tool_manager.h"
+
+namespace VelWhiteBoard {
+
+namespace {
+
+/// A diagram's fields without its path; the copy always has an array of points.
+void leaveOutOfMutableCopy(VelWbVecDiagram& copy) {
+  copy.path.reset();
+  if (!copy.points) copy.points.emplace();
+}
+
+}  // namespace
+
+const RecordClass& VelWbVecDiagram::ownClass() {
+  static const RecordClass own = makeRecordClass<VelWbVecDiagram>(
+      "VelWbVecDiagram", &VelWbVecSquare::ownClass(), &vectorClassForDictionary);
+  return own;
+}
+
+void VelWbVecDiagram::merge(const VelWbBaseVector& update) {
+  VelWbVecSquare::merge(update);
+  const auto* diagram = recordCast<const VelWbVecDiagram>(update);
+  if (diagram == nullptr || !isSameStroke(update)) return;
+  if (diagram->color && !diagram->color->empty()) color = diagram->color;
+  if (diagram->pixel >= 1) pixel = diagram->pixel;
+  if (diagram->ps >= 1) ps = diagram->ps;
+  if (diagram->points && !diagram->points->empty()) points = diagram->points;
+  // Looser than the rule for boxes, on purpose: a shape may be drawn flat.
+  if (diagram->w >= 0.0 && diagram->h >= 0.0) {
+    w = diagram->w;
+    h = diagram->h;
+  }
+}
+
+double VelWbVecDiagram::lineWidth() const {
+  return lineWidthWith(VWBToolManager::sharedManager().wbSize());
+}
+
+double VelWbVecDiagram::lineWidthWith(Size size) const {
+  if (pixel < 1 || ps < 1) return 1.0;
+  return size.width * static_cast<double>(pixel) / static_cast<double>(ps);
+}
+
+std::shared_ptr<Record> VelWbVecDiagram::makeMutableCopy() const {
+  auto copy = std::make_shared<VelWbVecDiagram>(*this);
+  leaveOutOfMutableCopy(*copy);
+  return copy;
+}
+
+const RecordClass& VelWbVecCircle::ownClass() {
+  static const RecordClass own = makeRecordClass<VelWbVecCircle>(
+      "VelWbVecCircle", &VelWbVecDiagram::ownClass(), &vectorClassForDictionary);
+  return own;
+}
+
+void VelWbVecCircle::merge(const VelWbBaseVector& update) {
+  VelWbVecDiagram::merge(update);
+  const auto* circle = recordCast<const VelWbVecCircle>(update);
+  if (circle == nullptr || !isSameStroke(update)) return;
+  if (circle->radiusX >= 0.0) radiusX = circle->radiusX;
+  if (circle->radiusY >= 0.0) radiusY = circle->radiusY;
+}
+
+std::shared_ptr<Record> VelWbVecCircle::makeMutableCopy() const {
+  auto copy = std::make_shared<VelWbVecCircle>(*this);
+  leaveOutOfMutableCopy(*copy);
+  return copy;
+}
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,78 @@
+/// @file
+/// Drawn shapes.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "VelWhiteBoard/foundation/geometry.h"
+#include "VelWhiteBoard/vectors/boxes.h"
+
+namespace VelWhiteBoard {
+
+/// A shape outlined in a box: type "diagram", every kind but "circle" and "ellipse".
+class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, VelWbVecSquare> {
+ public:
+  /// The shape, one of the `VelWBVectorStrKind` names. Merging never changes it, on purpose.
+  std::optional<std::string> kind;
+  /// The shape's defining points, in a form that the clients agree on; kept as they came. In an
+  /// update absent or without elements: not given.
+  std::optional<Array> points;
+  /// Outline colour, #RRGGBBAA; in an update empty: not given.
+  std::optional<std::string> color;
+  /// Outline width, in view points, on a board `ps` wide; below 1: not given.
+  std::int64_t pixel = 0;
+
+  static const RecordClass& ownClass();
+
+  /// As for any box; then a diagram also hands over what it carries, its `ps` included. Its size is
+  /// then taken when both sides are 0 or more, which lets a zero through that the box rule ignores.
+  void merge(const VelWbBaseVector& update) override;
+
+  /// The outline width in view points on the board as it is now, the tool manager's `wbSize`. To be
+  /// called on the thread that uses the tool manager.
+  double lineWidth() const;
+  /// The outline width in view points on a board of the given size; only its width counts. 1 when
+  /// `pixel` or `ps` is not given. Any thread.
+  double lineWidthWith(Size size) const;
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbVecSquare::properties(visit);
+    visit(property<&VelWbVecDiagram::kind>("kind"));
+    visit(property<&VelWbVecDiagram::points>("points"));
+    visit(property<&VelWbVecDiagram::color>("color"));
+    visit(property<&VelWbVecDiagram::pixel>("pixel"));
+  }
+
+ protected:
+  /// Leaves out `path`; an absent `points` becomes an empty array.
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+/// A circle or ellipse: type "diagram", kinds "circle" and "ellipse". The key "radiusX" in a
+/// dictionary is what makes it one.
+class VELWHITEBOARD_EXPORT VelWbVecCircle : public VectorOf<VelWbVecCircle, VelWbVecDiagram> {
+ public:
+  /// The radii; in an update negative: not given, each for itself.
+  double radiusX = 0;
+  double radiusY = 0;
+
+  static const RecordClass& ownClass();
+
+  void merge(const VelWbBaseVector& update) override;
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbVecDiagram::properties(visit);
+    visit(property<&VelWbVecCircle::radiusX>("radiusX"));
+    visit(property<&VelWbVecCircle::radiusY>("radiusY"));
+  }
+
+ protected:
+  /// As for any diagram.
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+}  // namespace VelWhiteBoard

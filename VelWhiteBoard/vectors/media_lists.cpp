@@ -1,0 +1,36 @@
+#include "VelWhiteBoard/vectors/media_lists.h"
+
+#include "VelWhiteBoard/foundation/property_table.h"
+
+namespace VelWhiteBoard {
+
+const RecordClass& VelWbVecMediaItem::ownClass() {
+  static const RecordClass own = makeRecordClass<VelWbVecMediaItem>("VelWbVecMediaItem", nullptr);
+  return own;
+}
+
+std::shared_ptr<VelWbVecMediaItem> VelWbVecMediaItem::mutableCopyWithZone() const {
+  return std::make_shared<VelWbVecMediaItem>(*this);
+}
+
+const RecordClass& VelWbVecMediaList::ownClass() {
+  static const RecordClass own = makeRecordClass<VelWbVecMediaList>(
+      "VelWbVecMediaList", &VelWbBaseVector::ownClass(), &vectorClassForDictionary);
+  return own;
+}
+
+void VelWbVecMediaList::merge(const VelWbVecMediaList& other) {
+  if (other.list) list = other.list;
+}
+
+std::map<std::string, const RecordClass*> VelWbVecMediaList::modelContainerPropertyGenericClass() {
+  return containerClasses(ownClass());
+}
+
+std::shared_ptr<Record> VelWbVecMediaList::makeMutableCopy() const {
+  auto copy = std::make_shared<VelWbVecMediaList>(*this);
+  copy->owner = 0;
+  return copy;
+}
+
+}  // namespace VelWhiteBoard

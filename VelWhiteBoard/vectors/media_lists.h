@@ -1,0 +1,79 @@
+/// @file
+/// A participant's playlist.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "VelWhiteBoard/vectors/base_vector.h"
+
+namespace VelWhiteBoard {
+
+/// One playable item of a media list. Not a vector: it has no `type` and no `ts`.
+class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem, Record> {
+ public:
+  std::optional<std::string> ID;
+  /// The user who owns the item.
+  std::int64_t owner = 0;
+  /// Address of the media.
+  std::optional<std::string> url;
+  /// Length, in the clients' unit.
+  std::int64_t duration = 0;
+  /// Kind of media, a code of the clients.
+  std::int64_t category = 0;
+  std::optional<std::string> title;
+  /// Address of the cover picture.
+  std::optional<std::string> cover;
+
+  static const RecordClass& ownClass();
+
+  /// The field-by-field copy; it leaves nothing out.
+  std::shared_ptr<VelWbVecMediaItem> mutableCopyWithZone() const;
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    visit(property<&VelWbVecMediaItem::ID>("ID"));
+    visit(property<&VelWbVecMediaItem::owner>("owner"));
+    visit(property<&VelWbVecMediaItem::url>("url"));
+    visit(property<&VelWbVecMediaItem::duration>("duration"));
+    visit(property<&VelWbVecMediaItem::category>("category"));
+    visit(property<&VelWbVecMediaItem::title>("title"));
+    visit(property<&VelWbVecMediaItem::cover>("cover"));
+  }
+};
+
+/// Publishes a participant's list of media: type "mediaList".
+class VELWHITEBOARD_EXPORT VelWbVecMediaList : public VectorOf<VelWbVecMediaList, VelWbBaseVector> {
+ public:
+  /// The user to whom the list belongs.
+  std::int64_t owner = 0;
+  /// The items in display order; copies of the list share them.
+  std::optional<std::vector<std::shared_ptr<VelWbVecMediaItem>>> list;
+
+  static const RecordClass& ownClass();
+
+  /// Takes over the other list's items, all of them in place of its own; nothing when the other has
+  /// no `list`. No other field changes.
+  void merge(const VelWbVecMediaList& other);
+
+  /// The class of the elements of each property that is a list of records: "list" holds media
+  /// items.
+  static std::map<std::string, const RecordClass*> modelContainerPropertyGenericClass();
+
+  template <class Visitor>
+  static constexpr void properties(Visitor&& visit) {
+    VelWbBaseVector::properties(visit);
+    visit(property<&VelWbVecMediaList::owner>("owner"));
+    visit(property<&VelWbVecMediaList::list>("list"));
+  }
+
+ protected:
+  /// Leaves out `owner`; the items are shared, not copied.
+  std::shared_ptr<Record> makeMutableCopy() const override;
+};
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,138 @@
+#include "VelWhiteBoard/vectors/strokes.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <vector>
+
+#include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/tools/tool_manager.h"
+#include "VelWhiteBoard/vectors/vector_defines.h"
+
+namespace VelWhiteBoard {
+
+namespace {
+
+/// Where a position keeps its time.
+constexpr std::size_t kTimeElement = 2;
+/// The threshold of a path whose newest position has no time; below every time that may raise it.
+constexpr double kNoTime = -1.0;
+
+bool hasTime(Path::Position position) { return position.size() > kTimeElement; }
+
+/// Adds to `path` those of the first `count` positions of `update` that are newer than `threshold`.
+/// `update` may be `path` itself.
+void addNewer(Path& path, double threshold, const Path& update, std::size_t count) {
+  for (std::size_t index = 0; index < count; ++index) {
+    const Path::Position position = update[index];
+    if (position.size() < 2) continue;
+    if (!hasTime(position)) {
+      if (threshold < 0.0) path.push_back(position);
+      continue;
+    }
+    const double time = position[kTimeElement];
+    if (!(time > threshold)) continue;
+    path.push_back(position);
+    // A time of 0 or less says nothing; positions without a time may still follow.
+    if (time > 0.0) threshold = time;
+  }
+}
+
+/// Folds the positions of `update` into the path of `stroke`.
+void foldPositions(VelWbVecPoint& stroke, const VelWbVecPoint& update) {
+  // The update may be the stroke itself: look at what it has before the path grows.
+  const std::size_t updatePositions = update.path ? update.path->size() : 0;
+  const bool updateHasPath = update.path.has_value();
+
+  double threshold = stroke.ts;
+  if (!stroke.path) {
+    stroke.path.emplace().push_back({stroke.x, stroke.y, stroke.ts});
+  } else {
+    const bool timed = !stroke.path->empty() && hasTime(stroke.path->back());
+    threshold = timed ? stroke.path->back()[kTimeElement] : kNoTime;
+  }
+
+  if (updateHasPath) {
+    addNewer(*stroke.path, threshold, *update.path, updatePositions);
+  } else if (update.ts > threshold) {
+    stroke.path->push_back({update.x, update.y, update.ts});
+  }
+}
+
+}  // namespace
+
+const RecordClass& VelWbVecPoint::ownClass() {
+  static const RecordClass own = makeRecordClass<VelWbVecPoint>(
+      "VelWbVecPoint", &VelWbBaseVector::ownClass(), &vectorClassForDictionary);
+  return own;
+}
+
+void VelWbVecPoint::append(const VelWbBaseVector& update) {
+  if (!isSameStroke(update)) return;
+  const auto* positioned = recordCast<const VelWbVecPoint>(update);
+  if (positioned == nullptr) return;
+
+  const auto* line = recordCast<const VelWbVecLine>(update);
+  const bool moves = line != nullptr && line->offset.has_value();
+  if (!moves) foldPositions(*this, *positioned);
+
+  ts = positioned->ts;
+  end = positioned->end;
+  x = positioned->x;
+  y = positioned->y;
+}
+
+double VelWbVecPoint::startTimeStamp() const {
+  if (!path || path->empty() || !hasTime((*path)[0])) return ts;
+  return (*path)[0][kTimeElement];
+}
+
+std::shared_ptr<Record> VelWbVecPoint::makeMutableCopy() const {
+  return std::make_shared<VelWbVecPoint>(*this);
+}
+
+const RecordClass& VelWbVecLine::ownClass() {
+  static const RecordClass own = makeRecordClass<VelWbVecLine>(
+      "VelWbVecLine", &VelWbVecPoint::ownClass(), &vectorClassForDictionary);
+  return own;
+}
+
+void VelWbVecLine::append(const VelWbBaseVector& update) {
+  VelWbVecPoint::append(update);
+  const auto* line = recordCast<const VelWbVecLine>(update);
+  if (line == nullptr || !isSameStroke(update)) return;
+  if (line->pixel >= 1) pixel = line->pixel;
+  if (line->ps >= 1) ps = line->ps;
+  if (line->widthIndex >= 0) widthIndex = line->widthIndex;
+  offset = line->offset;
+}
+
+double VelWbVecLine::lineWidth() const {
+  return lineWidthWith(VWBToolManager::sharedManager().wbSize());
+}
+
+double VelWbVecLine::lineWidthWith(Size size) const {
+  if (pixel >= 1 && ps >= 1) {
+    return size.width * static_cast<double>(pixel) / static_cast<double>(ps);
+  }
+  VWBToolManager& tools = VWBToolManager::sharedManager();
+  const double scale = size.width / tools.wbBaseSize().width;
+
+  const std::vector<double>* table = nullptr;
+  if (VelWbVectorDefines::isLine(type)) table = &tools.lineWidthArr();
+  if (VelWbVectorDefines::isMarkerPen(type)) table = &tools.markerWidthArr();
+  if (VelWbVectorDefines::isEraser(type)) table = &tools.eraserWidthArr();
+  if (table == nullptr) {
+    constexpr double kWidthOfOtherTypes = 2.0;
+    return kWidthOfOtherTypes * scale;
+  }
+  const auto index = static_cast<std::size_t>(std::max<std::int64_t>(widthIndex, 0));
+  const auto width = static_cast<float>(table->at(index < table->size() ? index : 0));
+  return static_cast<double>(width) * scale;
+}
+
+std::shared_ptr<Record> VelWbVecLine::makeMutableCopy() const {
+  return std::make_shared<VelWbVecLine>(*this);
+}
+
+}  // namespace VelWhiteBoard
