@@ -1,0 +1,336 @@
+/// @file
+/// The current tool and its settings, the factory of new vectors, coordinate conversion.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "VelWhiteBoard/foundation/export.h"
+#include "VelWhiteBoard/foundation/geometry.h"
+
+namespace VelWhiteBoard {
+
+class VelWbBaseVector;
+class VelWbVecPoint;
+class VelWbVecSquare;
+using VectorPtr = std::shared_ptr<VelWbBaseVector>;
+
+/// The drawing side's current settings, the factory that makes new vectors from them, and the
+/// conversions between the view's points and the board's normalised coordinates.
+///
+/// One object serves the whole process. It is made on first use and never destroyed, and every way
+/// to a `VWBToolManager` leads to it. Most operations exist twice: a class operation for callers,
+/// and an instance twin with a leading underscore that holds the logic.
+///
+/// Threads: the first access may come from any thread, and `version()` may be read from any thread
+/// at any time. Every other operation and property takes no lock; callers keep all of them on one
+/// thread. Asking a stroke or diagram for its `lineWidth` reads these settings too.
+///
+/// An invalid setting is ignored without a report and the old value stays. The only exceptions are
+/// those named at the lookups, at the factory and at `setTextColor`.
+class VELWHITEBOARD_EXPORT VWBToolManager {
+ public:
+  // ---- The one object ----------------------------------------------------------------------
+
+  /// The shared object, made on the first call. Safe from any thread.
+  static VWBToolManager& sharedManager();
+  /// The same object: an allocation never yields a second one.
+  static VWBToolManager& allocWithZone();
+
+  /// Puts every property back to its initial value, `version` and the board sizes included.
+  VWBToolManager& init();
+  /// The receiver itself: there is nothing to copy it into.
+  VWBToolManager& copy();
+  /// The receiver itself.
+  VWBToolManager& mutableCopy();
+
+  VWBToolManager(const VWBToolManager&) = delete;
+  VWBToolManager(VWBToolManager&&) = delete;
+  VWBToolManager& operator=(const VWBToolManager&) = delete;
+  VWBToolManager& operator=(VWBToolManager&&) = delete;
+
+  // ---- Settings (settings.cpp) -------------------------------------------------------------
+
+  /// Restores what the user chooses: the colours, the width indexes, `tool`, `textFontSize`, the
+  /// page and board counters. `version`, the board sizes, `markerColorAlpha` and the tables stay.
+  static void setToDefault();
+  /// Instance twin of `setToDefault`.
+  void _setToDefault();
+
+  /// The palette: seven colours of the form #RRGGBB in upper case. Lives as long as the process.
+  const std::vector<std::string>& colorArr() const;
+
+  /// The width tables of pen (and diagrams), marker and eraser, in points of the base board size.
+  /// A table is replaced whole and never edited: a reference taken before `setVersion` stays
+  /// valid and keeps showing the old table.
+  const std::vector<double>& lineWidthArr() const;
+  const std::vector<double>& markerWidthArr() const;
+  const std::vector<double>& eraserWidthArr() const;
+
+  double textFontMaxSize() const;              ///< 72.0
+  double textFontMinSize() const;              ///< 8.0
+  std::uint64_t whiteBoardTotalCount() const;  ///< 10; stored for the host, never checked here
+
+  /// Which of the two generations of widths and coordinate rules is in force: 1 selects the
+  /// five-entry width tables, "Arial" for new text, tool 3 as remove, the far-edge rule of boxes
+  /// and the media clock for timestamps; every other value selects the other behaviour.
+  /// Initially 0. This getter alone is safe from any thread.
+  std::uint64_t version() const;
+  /// Stores the version and replaces the line and marker width tables. The width indexes stay as
+  /// they are, even where the new table is too short for them; the lookups cope with that.
+  void setVersion(std::uint64_t version);
+
+  /// The board's present size in view points. Used by every conversion that takes no size, and by
+  /// the `ps` of a new text. Initially {400, 225}; any value is stored.
+  Size wbSize() const;
+  void setWbSize(Size wbSize);
+
+  /// The board's reference size, for which the width tables hold. Gives the `ps` of new strokes and
+  /// diagrams. Initially {400, 225}; any value is stored.
+  Size wbBaseSize() const;
+  void setWbBaseSize(Size wbBaseSize);
+
+  /// The active tool, a plain number; the table at `genVectorWithTool` says what each makes.
+  /// Initially 5, which makes nothing. Any value is stored.
+  std::uint64_t tool() const;
+  void setTool(std::uint64_t tool);
+
+  /// Index into `lineWidthArr`, initially 1. The setter ignores an index outside the table.
+  std::int64_t lineWidthIndex() const;
+  void setLineWidthIndex(std::int64_t lineWidthIndex);
+
+  /// Index into `lineWidthArr`, too: diagrams draw with the line widths. Initially 1. The setter
+  /// ignores an index outside the table.
+  std::int64_t diagramWidthIndex() const;
+  void setDiagramWidthIndex(std::int64_t diagramWidthIndex);
+
+  /// Index into `markerWidthArr`, initially 1. Unlike its siblings it stores any value.
+  std::int64_t markerWidthIndex() const;
+  void setMarkerWidthIndex(std::int64_t markerWidthIndex);
+
+  /// Index into `eraserWidthArr`, initially 0. The setter ignores an index outside the table.
+  std::int64_t eraserWidthIndex() const;
+  void setEraserWidthIndex(std::int64_t eraserWidthIndex);
+
+  /// The size of new text, initially 20. The setter ignores what is outside `textFontMinSize` to
+  /// `textFontMaxSize`, both included, and NaN.
+  double textFontSize() const;
+  void setTextFontSize(double textFontSize);
+
+  /// Counters that are only kept for the host: never checked, not even against one another. Each
+  /// starts at 1.
+  std::uint64_t currentPage() const;
+  void setCurrentPage(std::uint64_t currentPage);
+  std::uint64_t totalPage() const;
+  void setTotalPage(std::uint64_t totalPage);
+  std::uint64_t whiteBoardCount() const;
+  void setWhiteBoardCount(std::uint64_t whiteBoardCount);
+
+  // ---- Width lookups (settings.cpp) --------------------------------------------------------
+
+  /// The entry of the width table, as a single-precision number widened to double. A negative index
+  /// and one above the table's length read entry 0.
+  /// @throws std::out_of_range when the index equals the table's length. Hosts know this behaviour
+  /// of the lookup, so it is kept.
+  static double lineWidth(std::int64_t index);
+  static double markerWidth(std::int64_t index);
+  static double eraserWidth(std::int64_t index);
+  /// Instance twins of the three lookups.
+  double _lineWidth(std::int64_t index) const;
+  double _markerWidth(std::int64_t index) const;
+  double _eraserWidth(std::int64_t index) const;
+
+  // ---- Limits (settings.cpp) ---------------------------------------------------------------
+
+  /// The height in points that a text of this font size needs at least: 23 at size 20, and 1.2 more
+  /// for each point of font size.
+  static double textLimitHeight(double fontSize);
+  /// 10 points: the smallest side to which a host lets an image shrink.
+  static double imageLimitSize();
+
+  // ---- Colours (colours.cpp) ---------------------------------------------------------------
+  //
+  // A colour is stored in six digits and handed out in eight: #RRGGBB and its alpha. Vectors carry
+  // the handed-out form. A character is a Unicode code point: no colour string is ever cut inside
+  // one, so valid UTF-8 stays valid, and bytes that are not UTF-8 pass through unharmed. Only the
+  // ASCII letters change case.
+
+  /// The opaque colours as handed out: the stored colour cut to its six digits, then "FF", all in
+  /// upper case. Initially the first palette entry, so #FF3467FF.
+  std::string textColor() const;
+  std::string lineColor() const;
+  std::string diagramColor() const;
+  /// As above; none when there is no background, as initially.
+  std::optional<std::string> textBgColor() const;
+  /// The marker's colour as handed out: the stored colour in its stored case, then the alpha in two
+  /// lower-case digits. Initially #FF34675e.
+  std::string markerColor() const;
+
+  /// Takes any colour: "#" is put in front where it is missing, an opaque alpha is cut off, and the
+  /// rest is stored in upper case.
+  /// @throws std::invalid_argument on none; the stored colour stays.
+  void setTextColor(const std::optional<std::string>& textColor);
+  /// As `setTextColor`, but none is a value: it clears the background.
+  void setTextBgColor(const std::optional<std::string>& textBgColor);
+
+  /// Take only a string that equals a palette entry, and ignore everything else: lower case, none
+  /// and the eight-digit form that the getters hand out.
+  void setLineColor(const std::optional<std::string>& lineColor);
+  void setDiagramColor(const std::optional<std::string>& diagramColor);
+  void setMarkerColor(const std::optional<std::string>& markerColor);
+
+  /// The alpha of `markerColor`, 0 to 1, initially 0.37. Any value is stored; above 1 the colour is
+  /// opaque, below 0 and for NaN it is transparent.
+  double markerColorAlpha() const;
+  void setMarkerColorAlpha(double markerColorAlpha);
+
+  /// The palette entry at the index. A negative index and one above the palette's length give the
+  /// first entry.
+  /// @throws std::out_of_range when the index equals the palette's length, as for the widths.
+  static std::string colorStringWithIndex(std::int64_t index);
+  /// Instance twin of `colorStringWithIndex`.
+  std::string _colorStringWithIndex(std::int64_t index) const;
+
+  /// The index of the first palette entry with which the colour begins; "#" may be missing in front
+  /// and alpha digits may follow, but the case must be the palette's. 0 when nothing matches, which
+  /// a caller cannot tell from the first entry.
+  static std::int64_t indexOfColor(const std::string& color);
+  /// Instance twin of `indexOfColor`.
+  std::int64_t _indexOfColor(const std::string& color) const;
+
+  // ---- Vector factory (factory.cpp) --------------------------------------------------------
+  //
+  // Each call gives a new vector that belongs to the caller, stamped by the vector manager with a
+  // timestamp and, where the caller gives no ID, an ID (an empty ID is kept as it is). It carries
+  // the settings of this moment; colours are in their handed-out form. A type or tool that makes
+  // nothing gives a null pointer, and still takes a timestamp and an ID from the vector manager.
+  // All of them throw std::out_of_range when a width index stands at the length of its table, which
+  // a change of `version` can bring about; then no timestamp and no ID has been taken.
+
+  /// The vector that a tool starts:
+  ///
+  /// | tool | vector |
+  /// |---|---|
+  /// | 1 | "line" |
+  /// | 2 | "cursor" |
+  /// | 3 | "eraser" at `version` 0, "remove" at `version` 1, nothing at any other |
+  /// | 4 | "text" |
+  /// | 6 | "remove" |
+  /// | 7 | "image" |
+  /// | 8 | "camera" |
+  /// | 9 | "clear" |
+  /// | 11 | "markerPen" |
+  /// | 13 | "media" |
+  /// | other | nothing |
+  static VectorPtr genVectorWithTool(std::uint64_t tool);
+  static VectorPtr genVectorWithTool(std::uint64_t tool, const std::optional<std::string>& ID);
+  /// Instance twin of `genVectorWithTool`.
+  VectorPtr _genVectorWithTool(std::uint64_t tool, const std::optional<std::string>& ID);
+
+  /// The vector of a type code, 1 to 17 as `VelWbVectorDefines::vectorType` numbers them.
+  static VectorPtr genVectorWithType(std::uint64_t type);
+  static VectorPtr genVectorWithType(std::uint64_t type, const std::optional<std::string>& ID);
+  /// The form on which all the others rest.
+  /// @param kind the shape of a diagram (type 15), not read for any other type: "circle" and
+  /// "ellipse" make a `VelWbVecCircle`, everything else, none included, a `VelWbVecDiagram`.
+  VectorPtr genVectorWithType(std::uint64_t type, const std::optional<std::string>& ID,
+                              const std::optional<std::string>& kind);
+  /// A diagram of the kind, with a generated ID.
+  static VectorPtr genDiagramWithKind(const std::optional<std::string>& kind);
+
+  // ---- Coordinate conversion (conversion.cpp) ----------------------------------------------
+  //
+  // View points: the origin is a corner of the board, and the board is `wbSize` (or the size
+  // passed) wide and high. Normalised coordinates: the origin is the board's centre, -0.5 to +0.5
+  // across its width and its height, y growing with the view's y; a width or height is a fraction
+  // of the board's. Positions outside the board are converted like any other, without clamping.
+  //
+  // What is written into a vector, and what `convertPointToScale` returns, is cut to five decimals
+  // toward zero. The formulas are evaluated in double precision exactly as they stand, so that all
+  // clients agree to the last bit. A board size that is zero, negative or not finite gives values
+  // without meaning, never a fault; a value that the cut cannot hold saturates near 9.2e13, and
+  // NaN becomes 0.
+
+  /// Writes the view point into the vector's `x` and `y`. At `version` 1 a box gets the y of its
+  /// far edge, so its `h` must be set before.
+  static void convertPoint(Point point, VelWbVecPoint& toVector);
+  /// Writes the view size into the box's `w` and `h`.
+  static void convertSize(Size size, VelWbVecSquare& toVector);
+  /// Writes the size, then the point, so that the far edge of `version` 1 is that of the new size.
+  static void convertPoint(Point point, Size size, VelWbVecSquare& toVector);
+  /// Instance twins of the operations above.
+  void _convertPoint(Point point, VelWbVecPoint& toVector) const;
+  void _convertSize(Size size, VelWbVecSquare& toVector) const;
+
+  /// The view point at which the vector lies. At `version` 1 a box gives its near edge: its `h` is
+  /// taken off again.
+  static Point convertVectorToPoint(const VelWbVecPoint& vector);
+  static Point convertVectorToPoint(const VelWbVecPoint& vector, Size wbSize);
+  /// Instance twin of `convertVectorToPoint`.
+  Point _convertVectorToPoint(const VelWbVecPoint& vector, Size wbSize) const;
+
+  /// The view point of a normalised position, such as an element of a stroke's `path`.
+  static Point convertPointScaleToPoint(Point point);
+  static Point convertPointScaleToPoint(Point point, Size wbSize);
+  /// Instance twin of `convertPointScaleToPoint`.
+  Point _convertPointScaleToPoint(Point point, Size wbSize) const;
+
+  /// The normalised position of a view point: what `convertPoint` writes into a vector that is no
+  /// box.
+  static Point convertPointToScale(Point point);
+  /// Instance twin of `convertPointToScale`.
+  Point _convertPointToScale(Point point) const;
+
+  /// The rectangle in view points that the box covers.
+  static Rect convertVectorToNSRect(const VelWbVecSquare& vector);
+  static Rect convertVectorToNSRect(const VelWbVecSquare& vector, Size wbSize);
+  /// Instance twin of `convertVectorToNSRect`.
+  Rect _convertVectorToNSRect(const VelWbVecSquare& vector, Size wbSize) const;
+
+ private:
+  /// What `setToDefault` restores. The colours are in their stored form.
+  struct UserSettings {
+    std::string markerColor;
+    std::string textColor;
+    std::optional<std::string> textBgColor;
+    std::string lineColor;
+    std::string diagramColor;
+    std::int64_t lineWidthIndex = 1;
+    std::int64_t diagramWidthIndex = 1;
+    std::int64_t markerWidthIndex = 1;
+    std::int64_t eraserWidthIndex = 0;
+    std::uint64_t tool = 5;
+    double textFontSize = 20.0;
+    std::uint64_t currentPage = 1;
+    std::uint64_t totalPage = 1;
+    std::uint64_t whiteBoardCount = 1;
+  };
+
+  /// What only `init` restores.
+  struct BoardSettings {
+    double markerColorAlpha = 0.37;
+    Size wbSize{400.0, 225.0};
+    Size wbBaseSize{400.0, 225.0};
+  };
+
+  VWBToolManager();
+  ~VWBToolManager() = default;
+
+  bool isPaletteColor(const std::optional<std::string>& color) const;
+  VectorPtr unstampedVector(std::uint64_t type, const std::optional<std::string>& kind) const;
+
+  UserSettings user_;
+  BoardSettings board_;
+  // The tables live as long as the process; a change of version points at others.
+  const std::vector<double>* lineWidthArr_ = nullptr;
+  const std::vector<double>* markerWidthArr_ = nullptr;
+  const std::vector<double>* eraserWidthArr_ = nullptr;
+  // The vector manager reads it for its timestamps, from whichever thread asks for one.
+  std::atomic<std::uint64_t> version_{0};
+};
+
+}  // namespace VelWhiteBoard
