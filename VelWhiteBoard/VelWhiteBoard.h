@@ -1,0 +1,26 @@
+/// @file
+/// The whole public interface.
+#pragma once
+
+#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/coder.h"
+#include "VelWhiteBoard/foundation/geometry.h"
+#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/operation_queue.h"
+#include "VelWhiteBoard/foundation/path.h"
+#include "VelWhiteBoard/foundation/property.h"
+#include "VelWhiteBoard/foundation/record.h"
+#include "VelWhiteBoard/foundation/semaphore.h"
+#include "VelWhiteBoard/foundation/value.h"
+#include "VelWhiteBoard/services/path_manager.h"
+#include "VelWhiteBoard/services/resources.h"
+#include "VelWhiteBoard/services/vector_manager.h"
+#include "VelWhiteBoard/storage/vector_storage.h"
+#include "VelWhiteBoard/tools/tool_manager.h"
+#include "VelWhiteBoard/vectors/base_vector.h"
+#include "VelWhiteBoard/vectors/boxes.h"
+#include "VelWhiteBoard/vectors/commands.h"
+#include "VelWhiteBoard/vectors/diagrams.h"
+#include "VelWhiteBoard/vectors/media_lists.h"
+#include "VelWhiteBoard/vectors/strokes.h"
+#include "VelWhiteBoard/vectors/vector_defines.h"

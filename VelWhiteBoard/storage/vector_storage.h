@@ -1,0 +1,202 @@
+/// @file
+/// The vectors of one board, by page, in memory and on disk.
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "VelWhiteBoard/foundation/export.h"
+#include "VelWhiteBoard/foundation/operation_queue.h"
+#include "VelWhiteBoard/foundation/semaphore.h"
+#include "VelWhiteBoard/vectors/base_vector.h"
+#include "VelWhiteBoard/vectors/commands.h"
+
+namespace VelWhiteBoard {
+
+/// Keeps every vector of one board, page by page, and the board's files.
+///
+/// For each page there are two lists. The whole list is the page's log: every accepted vector in
+/// the order of arrival. The snap list is the page's present state: pieces of a stroke folded into
+/// one entry, removed vectors taken out, emptied by a clear. Lists and vectors are named by the
+/// page key, `pageInfo()`; what arrives before the first page switch is kept under the empty key
+/// and never written.
+///
+/// Order of calls: `initWithPath`, `setIgnoreChanges(false)`, `switchPage`, then `saveVector` for
+/// each vector. There is no shutdown: writes that are queued when the storage goes run to their
+/// end.
+///
+/// Ownership: the very vectors that are saved are kept, and later vectors change them. A stroke's
+/// first piece is its entry in the snap list *and* in the whole list, so it keeps growing in both.
+/// Callers do not edit vectors that they have saved.
+///
+/// Threads: every operation may be called from any thread, except that `reload` and `clear` are not
+/// to be called while another thread uses the storage's lists. `semphore` (count 1, not re-entrant)
+/// serialises the operations that change the board, as each one says; a thread that holds it may
+/// call every property accessor and every operation that says "takes no lock". Beneath it, each
+/// access to the storage's own fields is atomic, the accessors' too. Files are written by
+/// `saveQueue`, never by the caller: what an operation queues is the state at that instant, however
+/// late it is written.
+///
+/// Failures are silent: a file that cannot be read is an empty list, a write that fails leaves the
+/// file that was there. A null vector or page is ignored.
+class VELWHITEBOARD_EXPORT VWBVectorStorage {
+ public:
+  using SwitchPagePtr = std::shared_ptr<VelWbVecSwitchPage>;
+  /// Page key -> list.
+  using ListsByPage = std::unordered_map<std::string, VectorList>;
+
+  /// Opens, or creates, the board in the folder "whiteBoard" below `path`. The new storage ignores
+  /// changes, has no current page, and knows the visited pages from the board's "page.plist".
+  static std::shared_ptr<VWBVectorStorage> initWithPath(const std::string& path);
+  ~VWBVectorStorage();
+  VWBVectorStorage(const VWBVectorStorage&) = delete;
+  VWBVectorStorage& operator=(const VWBVectorStorage&) = delete;
+
+  /// @name Files
+  /// @{
+
+  /// Builds the state in memory anew from the folder, which is created when missing: no cached
+  /// lists, the visited pages from "page.plist", no new change. `currentPage`, the files of the
+  /// current page, `snapQuery` and `ignoreChanges` stay. Takes no lock; not for use beside other
+  /// operations.
+  void reload();
+
+  /// Queues the writing of the current page's two files when something has changed: at once when
+  /// `force` is true, otherwise only when more than 20 seconds have passed since `lastSaveDate`.
+  /// Waits on `semphore`.
+  void saveFile(bool force);
+
+  /// @}
+  /// @name Vectors
+  /// @{
+
+  /// Files a vector under the current page. A vector without an identifier is given one, a line
+  /// without a path one of its own position. Does nothing while changes are ignored. Waits on
+  /// `semphore`; costs the same however long the stroke and the log are.
+  void saveVector(const VectorPtr& vector);
+
+  /// Whether the vector's type is one that never stays on a page: "cursor", "camera", "magnifier",
+  /// "clear" or "remove". Takes no lock.
+  bool ignoreVector(const VelWbBaseVector& vector) const;
+
+  /// Files vectors under any page and queues the writing of that page's files at once. For the
+  /// current page (same `curPage` and `WBID`) it is `saveVector` for each. Otherwise it is simpler
+  /// on purpose: boxes are appended instead of merged, no identifiers are given, `snapQuery` and
+  /// `hasNewChange` stay, and it works while changes are ignored. Waits on `semphore` once the
+  /// page's lists are loaded.
+  void appendVectors(const VectorList& vectors, const SwitchPagePtr& toPage);
+
+  /// Whether the page has stored vectors: its lists are cached, even empty ones, or its key is in
+  /// `pageCacheList`, or its whole file exists. Takes no lock.
+  bool hasVectorsWithPage(const VelWbVecSwitchPage& page) const;
+
+  /// The page that was recorded last; null when none was. Takes no lock.
+  SwitchPagePtr latestPage() const;
+
+  /// @}
+  /// @name Pages
+  /// @{
+
+  /// Makes a page current: the page that is left is saved, the lists of the new one come from the
+  /// cache or from its files, and the switch is recorded in "page.plist" unless changes are
+  /// ignored. A switch with the same millisecond in `ts` as the one before replaces it there. Waits
+  /// on `semphore`.
+  ///
+  /// @return the page's snap list, to be drawn; empty when the page (same `WBID`, `resource` and
+  ///   `curPage`) is current already, in which case only the save takes place.
+  VectorList switchPage(const SwitchPagePtr& page);
+
+  /// The snap list of any page, from the cache or from its file; a list from a file is not cached.
+  /// Takes no lock.
+  VectorList snapWithPage(const VelWbVecSwitchPage& page) const;
+
+  /// Deletes the board's folder, on the caller's thread, and starts afresh. `currentPage` stays. A
+  /// write that was queued earlier may still bring its file back. Waits on `semphore`.
+  void clear();
+
+  /// Forgets one page and queues the deletion of its two files; a page is the same here when `WBID`
+  /// and `curPage` are. The visited pages stay. Waits on `semphore`.
+  void clearPage(const VelWbVecSwitchPage& page);
+
+  /// @}
+  /// @name Properties
+  /// Accessors take no lock. Containers are answered as a copy of one instant and set as a whole;
+  /// the records in them are shared. Setting a null queue or semaphore is ignored.
+  /// @{
+
+  /// A copy of the record that was switched to; null before the first switch. Not to be edited.
+  SwitchPagePtr currentPage() const;
+
+  /// While true, vectors are dropped and page switches are not recorded; true at first.
+  bool ignoreChanges() const;
+  void setIgnoreChanges(bool ignore);
+
+  /// Whether a vector was accepted since the last page switch; a save happens only then, and leaves
+  /// it.
+  bool hasNewChange() const;
+  void setHasNewChange(bool changed);
+
+  /// The board's folder.
+  std::string folder() const;
+  void setFolder(const std::string& path);
+
+  /// The file of the visited pages.
+  std::string pageFile() const;
+  void setPageFile(const std::string& path);
+
+  /// The file of the current page's whole list; none before the first switch.
+  std::optional<std::string> wholeFile() const;
+  void setWholeFile(const std::optional<std::string>& path);
+
+  /// The file of the current page's snap list; none before the first switch.
+  std::optional<std::string> snapFile() const;
+  void setSnapFile(const std::optional<std::string>& path);
+
+  /// The pages visited, oldest first. What "page.plist" holds of each is the record as it was when
+  /// the switch was recorded.
+  std::vector<SwitchPagePtr> pageArray() const;
+  void setPageArray(const std::vector<SwitchPagePtr>& pages);
+
+  /// The cached whole lists.
+  ListsByPage wholeVectorss() const;
+  void setWholeVectorss(const ListsByPage& lists);
+
+  /// The cached snap lists.
+  ListsByPage snapVectorss() const;
+  void setSnapVectorss(const ListsByPage& lists);
+
+  /// Identifier -> entry of the current page's snap list.
+  std::unordered_map<std::string, VectorPtr> snapQuery() const;
+  void setSnapQuery(const std::unordered_map<std::string, VectorPtr>& query);
+
+  /// Keys of pages that are known to have files.
+  std::vector<std::string> pageCacheList() const;
+  void setPageCacheList(const std::vector<std::string>& keys);
+
+  /// When the current page was last written by a save.
+  std::chrono::system_clock::time_point lastSaveDate() const;
+  void setLastSaveDate(std::chrono::system_clock::time_point date);
+
+  /// Runs every write and deletion of files, one at a time.
+  std::shared_ptr<OperationQueue> saveQueue() const;
+  void setSaveQueue(std::shared_ptr<OperationQueue> queue);
+
+  /// The lock of the operations that change the board.
+  std::shared_ptr<Semaphore> semphore() const;
+  void setSemphore(std::shared_ptr<Semaphore> semaphore);
+
+  /// @}
+
+ private:
+  struct State;
+
+  VWBVectorStorage();
+
+  std::unique_ptr<State> state_;
+};
+
+}  // namespace VelWhiteBoard
