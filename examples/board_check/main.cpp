@@ -1,0 +1,62 @@
+// Looks at the files of a board, changes none, and saves what can be saved.
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "inspection.h"
+#include "recovery.h"
+#include "report.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kFine = 0;
+constexpr int kDamaged = 1;
+constexpr int kCouldNotRun = 2;
+
+constexpr const char* kFooter = R"(
+DIR is the folder "whiteBoard" or the folder that holds it. Nothing in it is changed.
+
+A damaged file is good up to the place where it breaks: --recover keeps every record before
+that. A snapshot that is lost or damaged is rebuilt from its page's log. The new board lies
+in the folder "whiteBoard" below OUT, which must be missing or empty.
+
+Exit status: 0 when all files are fine, 1 when something is damaged or missing (recovered
+or not), 2 when the board could not be looked at or the new one could not be written.)";
+
+int run(const fs::path& directory, const std::string& target) {
+  const fs::path below = directory / "whiteBoard";
+  const fs::path folder = fs::is_directory(below) ? below : directory;
+  const board_check::BoardFiles board = board_check::inspectBoard(folder);
+  board_check::printReport(board, std::cout);
+  if (!target.empty()) board_check::recover(board, target, std::cout);
+  return board.isAllFine() ? kFine : kDamaged;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    std::string directory;
+    std::string target;
+    CLI::App app("Tells which files of a board are readable, and saves what can be saved.",
+                 "board-check");
+    app.add_option("DIR", directory, "The board")->required()->type_name("");
+    app.add_option("--recover", target, "Write a new board with all that can be saved")
+        ->type_name("OUT");
+    app.footer(kFooter);
+    try {
+      app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+      return app.exit(error) == 0 ? kFine : kCouldNotRun;
+    }
+    return run(directory, target);
+  } catch (const std::exception& error) {
+    std::cerr << "board-check: " << error.what() << '\n';
+  }
+  return kCouldNotRun;
+}

@@ -1,0 +1,22 @@
+// A new board with all that can be saved of a damaged one.
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+#include <stdexcept>
+
+#include "inspection.h"
+
+namespace board_check {
+
+/// The new board cannot be written.
+class CannotRecover : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Writes a board below `target`, which must be missing or empty, and tells what each page is made
+/// of.
+void recover(const BoardFiles& board, const std::filesystem::path& target, std::ostream& out);
+
+}  // namespace board_check

@@ -1,0 +1,65 @@
+#include "drawing/pictures.h"
+
+#include <cstring>
+
+#include <cairo-svg.h>
+#include <cairo.h>
+
+#include "cannot_run.h"
+#include "drawing/canvas.h"
+#include "drawing/page_drawing.h"
+
+namespace lesson {
+
+namespace vwb = VelWhiteBoard;
+
+namespace {
+
+// Erased vectors may become small pictures inside an SVG file: this many pixels an inch, twice
+// those of the page.
+constexpr double kPixelsPerInch = 144;
+
+void require(cairo_status_t status, const std::string& path) {
+  if (status == CAIRO_STATUS_SUCCESS) return;
+  throw CannotRun("cannot write " + path + ": " + cairo_status_to_string(status));
+}
+
+cairo_status_t draw(cairo_surface_t* surface, const vwb::VectorList& snapshot, vwb::Size size) {
+  const ContextPtr context(cairo_create(surface));
+  drawPage(context.get(), snapshot, size);
+  return cairo_status(context.get());
+}
+
+SurfacePtr pictureOf(const vwb::VectorList& snapshot, vwb::Size size) {
+  SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(size.width),
+                                                static_cast<int>(size.height)));
+  require(draw(surface.get(), snapshot, size), "a picture");
+  cairo_surface_flush(surface.get());
+  return surface;
+}
+
+}  // namespace
+
+void writeSvg(const std::string& path, const vwb::VectorList& snapshot, vwb::Size size) {
+  const SurfacePtr surface(cairo_svg_surface_create(path.c_str(), size.width, size.height));
+  cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PX);
+  cairo_surface_set_fallback_resolution(surface.get(), kPixelsPerInch, kPixelsPerInch);
+  require(draw(surface.get(), snapshot, size), path);
+  cairo_surface_finish(surface.get());  // writes the file, and tells whether that worked
+  require(cairo_surface_status(surface.get()), path);
+}
+
+void writePng(const std::string& path, const vwb::VectorList& snapshot, vwb::Size size) {
+  require(cairo_surface_write_to_png(pictureOf(snapshot, size).get(), path.c_str()), path);
+}
+
+std::vector<std::byte> pixelsOf(const vwb::VectorList& snapshot, vwb::Size size) {
+  const SurfacePtr surface = pictureOf(snapshot, size);
+  const auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(surface.get()));
+  const auto height = static_cast<std::size_t>(cairo_image_surface_get_height(surface.get()));
+  std::vector<std::byte> pixels(stride * height);
+  std::memcpy(pixels.data(), cairo_image_surface_get_data(surface.get()), pixels.size());
+  return pixels;
+}
+
+}  // namespace lesson
