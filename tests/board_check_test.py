@@ -1,0 +1,169 @@
+#!/usr/bin/env python3
+"""What `board-check` tells of damaged boards, and what it saves of them.
+
+    board_check_test.py BOARD_CHECK LESSON
+"""
+
+import pathlib
+import plistlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+BOARD_CHECK, LESSON = sys.argv[1:3]
+PAGE = '{"type":"switchPage","ts":%d,"ID":"p%d","WBID":7,"resource":1,"curPage":%d,"totalPage":2}'
+LINE = ('{"type":"line","ts":%d,"ID":"%s","x":0.1,"y":0.2,"color":"#FF3467FF","pixel":4,"ps":400,'
+        '"path":[[0.1,0.2,%d]]}')
+TEXT = '{"type":"text","ts":9,"ID":"t","x":0,"y":0,"w":9,"h":9,"text":"hello"}'
+REMOVE = '{"type":"remove","ts":10,"ID":"r","rmID":"b"}'
+
+
+def small_lesson():
+    lines = [PAGE % (1, 1, 1)]
+    lines += [LINE % (ts, "abc"[ts % 3], ts) for ts in range(2, 8)]
+    lines += [TEXT, REMOVE, PAGE % (20, 2, 2), LINE % (21, "d", 21)]
+    return "\n".join(lines) + "\n"
+
+
+def plist(path):
+    with open(path, "rb") as file:
+        return plistlib.load(file, fmt=plistlib.FMT_XML)
+
+
+class Boards(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.home = tempfile.TemporaryDirectory()
+        cls.whole_board = pathlib.Path(cls.home.name) / "whole"
+        lesson = pathlib.Path(cls.home.name) / "lesson.ndjson"
+        lesson.write_text(small_lesson(), encoding="utf-8")
+        subprocess.run([LESSON, lesson, "--board", cls.whole_board], check=True,
+                       stdout=subprocess.DEVNULL)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.home.cleanup()
+
+    def setUp(self):
+        self.temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(self.temporary.cleanup)
+        self.board = pathlib.Path(self.temporary.name) / "board"
+        self.out = pathlib.Path(self.temporary.name) / "out"
+        shutil.copytree(self.whole_board, self.board)
+        self.files = self.board / "whiteBoard"
+
+    def check(self, *arguments):
+        return subprocess.run([BOARD_CHECK, *map(str, arguments)], capture_output=True, text=True)
+
+    def contents(self):
+        return {file.name: file.read_bytes() for file in self.files.iterdir()}
+
+    def recovered(self, name):
+        return plist(self.out / "whiteBoard" / name)
+
+    def recover(self):
+        before = self.contents()
+        shutil.rmtree(self.out, ignore_errors=True)
+        result = self.check(self.board, "--recover", self.out)
+        self.assertEqual(self.contents(), before, "the board itself is never changed")
+        self.assertEqual(result.returncode, 1, result.stdout + result.stderr)
+        self.assertEqual(self.check(self.out).returncode, 0, "what is recovered is fine")
+        return result
+
+    def test_a_sound_board_is_all_fine(self):
+        for folder in [self.board, self.files]:
+            result = self.check(folder)
+            self.assertEqual((result.returncode, result.stderr), (0, ""))
+            self.assertIn("snap_7_1.plist: readable, 3 records: 2 line, 1 text.\n", result.stdout)
+            self.assertTrue(result.stdout.endswith("All is fine.\n"))
+
+    def test_a_sound_board_is_recovered_as_it_is(self):
+        result = self.check(self.board, "--recover", self.out)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        for name, contents in self.contents().items():
+            self.assertEqual((self.out / "whiteBoard" / name).read_bytes(), contents, name)
+
+    def test_of_a_log_cut_off_anywhere_the_records_before_are_saved(self):
+        file = self.files / "whole_7_1.plist"
+        whole, text = plist(file), file.read_bytes()
+        end = text.index(b"</plist>") + len(b"</plist>")
+        for size in sorted({0, 1, 100, end - 1, *range(200, end, 331)}):
+            with self.subTest(size=size):
+                file.write_bytes(text[:size])
+                result = self.recover()
+                self.assertIn("whole_7_1.plist: DAMAGED at line ", result.stdout)
+                saved = text[:size].count(b"\n\t</dict>")
+                if saved > 0:
+                    self.assertEqual(self.recovered("whole_7_1.plist"), whole[:saved])
+                self.assertEqual(self.recovered("snap_7_1.plist"),
+                                 plist(self.whole_board / "whiteBoard" / "snap_7_1.plist"))
+
+    def test_the_place_of_the_damage_is_told(self):
+        file = self.files / "whole_7_1.plist"
+        lines = file.read_bytes().split(b"\n")
+        lines[30] = b"\t\t&nonsense;"
+        file.write_bytes(b"\n".join(lines))
+        self.assertRegex(self.recover().stdout, r"whole_7_1\.plist: DAMAGED at line 31, column 3: ")
+
+    def test_a_lost_or_damaged_snapshot_is_rebuilt_from_the_log(self):
+        file = self.files / "snap_7_1.plist"
+        snap, text = plist(file), file.read_bytes()
+        for name, damaged in [("missing", None), ("empty", b""), ("cut", text[: len(text) // 2]),
+                              ("not UTF-8", text.replace(b"hello", b"\xff\xfe")),
+                              ("another encoding", text.decode().encode("utf-16")[:-1]),
+                              ("garbage", text[:500] + b"\0<<" + text[510:]),
+                              ("a dictionary", b"<plist version=\"1.0\"><dict/></plist>")]:
+            with self.subTest(damage=name):
+                file.unlink(missing_ok=True)
+                if damaged is not None:
+                    file.write_bytes(damaged)
+                self.assertIn("snapshot rebuilt from the log, 3 records.\n", self.recover().stdout)
+                self.assertEqual(self.recovered("snap_7_1.plist"), snap)
+
+    def test_a_lost_log_begins_anew_with_the_snapshot(self):
+        (self.files / "whole_7_1.plist").unlink()
+        result = self.recover()
+        self.assertIn("whole_7_1.plist: MISSING.\n", result.stdout)
+        self.assertEqual(self.recovered("whole_7_1.plist"), plist(self.files / "snap_7_1.plist"))
+
+    def test_a_lost_list_of_pages_is_made_up_from_the_files(self):
+        for damage in [None, b"", b"no list"]:
+            file = self.files / "page.plist"
+            file.unlink(missing_ok=True)
+            if damage is not None:
+                file.write_bytes(damage)
+            self.recover()
+            self.assertEqual([(page["WBID"], page["curPage"]) for page in self.recovered("page.plist")],
+                             [(7, 1), (7, 2)])
+
+    def test_what_was_set_aside_counts_as_damage_and_strangers_do_not(self):
+        (self.files / "notes.txt").write_text("mine")
+        (self.files / "snap_x.plist").write_text("mine")
+        (self.files / "page.plist.tmp").write_text("")
+        result = self.check(self.board)
+        self.assertEqual(result.returncode, 0)
+        for line in ["notes.txt: no file of a board.", "snap_x.plist: no file of a board.",
+                     "page.plist.tmp: a write that did not end; it means nothing."]:
+            self.assertIn(line + "\n", result.stdout)
+        (self.files / "snap_7_1.plist.damaged").write_text("")
+        result = self.check(self.board)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("snap_7_1.plist.damaged: DAMAGED earlier", result.stdout)
+
+    def test_mistakes_have_a_status_of_their_own_and_write_nothing(self):
+        self.out.mkdir()
+        (self.out / "mine").write_text("mine")
+        for arguments in [(), (self.board / "nothing",), (self.board, "--unknown"),
+                          (self.board, "--recover", self.out),
+                          (self.board, "--recover", "/proc/nowhere")]:
+            with self.subTest(arguments=arguments):
+                result = self.check(*arguments)
+                self.assertEqual(result.returncode, 2)
+                self.assertNotEqual(result.stderr, "")
+        self.assertEqual([file.name for file in self.out.iterdir()], ["mine"])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

@@ -1,0 +1,30 @@
+"""Checks that the README shows the quickstart as it is compiled, line by line, and names only files that exist."""
+
+import pathlib
+import re
+import sys
+
+root = pathlib.Path(__file__).resolve().parent.parent
+readme = (root / "README.md").read_text(encoding="utf-8")
+quickstart = (root / "examples/quickstart/quickstart.cpp").read_text(encoding="utf-8")
+
+shown = re.search(r"<!-- quickstart: begin -->\n```cpp\n(.*?)```\n<!-- quickstart: end -->", readme, re.S)
+problems = []
+if shown is None:
+    problems.append("README.md has no quickstart between its marks")
+elif "--update" in sys.argv:
+    text = readme[: shown.start(1)] + quickstart + readme[shown.end(1):]
+    (root / "README.md").write_text(text, encoding="utf-8")
+elif shown.group(1) != quickstart:
+    problems.append("README.md shows another quickstart than examples/quickstart/quickstart.cpp; run with --update")
+if len(quickstart.splitlines()) >= 60:
+    problems.append("the quickstart has 60 lines or more")
+
+for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
+    for target in re.findall(r"\]\(([^)#]+)\)", document.read_text(encoding="utf-8")):
+        if "://" not in target and not (document.parent / target).exists():
+            problems.append(f"{document.relative_to(root)} leads to {target}, which does not exist")
+
+for problem in problems:
+    print(problem)
+sys.exit(1 if problems else 0)

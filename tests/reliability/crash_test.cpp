@@ -1,0 +1,319 @@
+// What a crash costs. A process plays a lesson at full speed and is killed at a random instant;
+// then every file of its board must be one whole generation that the process had announced.
+//
+// VELWB_KILLS sets the number of kills, VELWB_SEED the seed of all chances.
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <poll.h>
+#include <random>
+#include <set>
+#include <spawn.h>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/vector_storage.h"
+
+#include "tests/reliability/generations.h"
+#include "tests/support/temporary_folder.h"
+
+extern char** environ;
+
+namespace VelWhiteBoard {
+namespace {
+
+constexpr int kKillsOfABoard = 25;  // then a new board begins
+constexpr std::uint32_t kMostLines = 120;
+constexpr std::uint32_t kMostMicroseconds = 3000;
+
+std::uint32_t numberFrom(const char* variable, std::uint32_t otherwise) {
+  const char* const text = std::getenv(variable);
+  return text ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
+}
+
+/// A process that plays, and what it announces.
+class Player {
+ public:
+  Player(const std::string& directory, std::uint32_t seed, const std::string& steps = "") {
+    std::array<int, 2> ends{};
+    if (::pipe(ends.data()) != 0) std::abort();
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    ::posix_spawn_file_actions_addclose(&actions, ends[0]);
+    ::posix_spawn_file_actions_addclose(&actions, ends[1]);
+    std::vector<std::string> words = {VELWB_CRASH_PLAYER, directory, VELWB_LESSON,
+                                      std::to_string(seed)};
+    if (!steps.empty()) words.push_back(steps);
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    if (::posix_spawn(&process_, words[0].c_str(), &actions, nullptr, arguments.data(), environ)) {
+      process_ = -1;
+    }
+    ::posix_spawn_file_actions_destroy(&actions);
+    ::close(ends[1]);
+    output_ = ends[0];
+  }
+  ~Player() {
+    kill();
+    ::close(output_);
+  }
+  Player(const Player&) = delete;
+  Player& operator=(const Player&) = delete;
+
+  bool isRunning() const { return process_ > 0; }
+  std::size_t lines() const { return lines_; }
+  const std::string& output() const { return text_; }
+
+  /// Waits for output, at most so long; false at its end.
+  bool read(std::chrono::milliseconds atMost) {
+    pollfd waiting{output_, POLLIN, 0};
+    if (::poll(&waiting, 1, static_cast<int>(atMost.count())) <= 0) return true;
+    std::array<char, 65536> block;
+    const ssize_t size = ::read(output_, block.data(), block.size());
+    if (size <= 0) return false;
+    const std::string_view piece(block.data(), static_cast<std::size_t>(size));
+    lines_ += static_cast<std::size_t>(std::count(piece.begin(), piece.end(), '\n'));
+    text_ += piece;
+    return true;
+  }
+
+  /// Reads until the process has announced so much, then for so long; false when it ended before.
+  bool readUntil(std::size_t lines, std::chrono::microseconds andThen) {
+    while (lines_ < lines) {
+      if (!read(std::chrono::seconds(60))) return false;
+    }
+    const auto end = std::chrono::steady_clock::now() + andThen;
+    while (std::chrono::steady_clock::now() < end) {
+      if (!read(std::chrono::milliseconds(0))) return false;
+    }
+    return true;
+  }
+
+  /// Kills the process, and reads what it still had said.
+  void kill() {
+    if (!isRunning()) return;
+    ::kill(process_, SIGKILL);
+    finish();
+  }
+
+  /// Waits for the end of the process; its exit status.
+  int finish() {
+    while (read(std::chrono::seconds(60))) {
+    }
+    int status = -1;
+    ::waitpid(process_, &status, 0);
+    process_ = -1;
+    return status;
+  }
+
+ private:
+  pid_t process_ = -1;
+  int output_ = -1;
+  std::size_t lines_ = 0;
+  std::string text_;
+};
+
+/// A board that is played into and crashes, again and again.
+class CrashingBoard {
+ public:
+  explicit CrashingBoard(TemporaryFolder::Volume volume) : parent_(volume) {}
+
+  std::string parent() const { return parent_.path(); }
+  std::string folder() const { return boardFolder(parent_.path()); }
+  std::string at(const std::string& name) const { return folder() + "/" + name; }
+
+  /// Takes in what a process announced.
+  void heed(const std::string& announcements) {
+    std::istringstream lines(announcements);
+    for (std::string line; std::getline(lines, line);) {
+      std::istringstream words(line);
+      std::string what, name, digest;
+      words >> what >> name >> digest;
+      if (what == "file") generations_.add(name, digest);
+      if (what == "clear") generations_.addClear();
+      if (what == "settled") generations_.settle();
+    }
+  }
+
+  /// Checks every file; then what they hold is where the next process begins.
+  void check() {
+    std::set<std::string> present;
+    for (const std::string& name : namesIn(folder())) {
+      present.insert(name);
+      if (name.ends_with(".plist.tmp")) {
+        EXPECT_TRUE(isExpected(name.substr(0, name.size() - 4))) << name << " is no board's";
+        ++leftovers_;
+      } else {
+        EXPECT_TRUE(isExpected(name)) << name << " lies in the board's folder";
+      }
+    }
+    for (const std::string& name : generations_.names()) {
+      const std::string digest = digestOfFile(at(name));
+      EXPECT_TRUE(generations_.allow(name, digest)) << name << " holds " << digest << "\n"
+                                                    << generations_.describe(name);
+      generations_.set(name, digest);
+      ++filesChecked_;
+      if (digest != kAbsentFile) gather(name, digest);
+    }
+    checkThroughStorage();
+  }
+
+  /// What a crash left under a temporary's name goes with the next save of the same file.
+  void expectNoLeftoversAfterTheNextSaves() {
+    const auto storage = VWBVectorStorage::initWithPath(parent());
+    storage->setIgnoreChanges(false);
+    double time = 1e9;
+    for (std::int64_t board = 1; board <= 2; ++board) {
+      for (std::uint64_t number = 1; number <= 3; ++number) {
+        const auto page = VelWbVecSwitchPage::initWithType("switchPage");
+        page->WBID = board;
+        page->curPage = number;
+        page->ts = ++time;
+        storage->switchPage(page);
+        storage->saveVector(VelWbBaseVector::initWithType("mark"));
+        storage->saveFile(true);
+      }
+    }
+    storage->saveQueue()->waitUntilAllOperationsAreFinished();
+    EXPECT_EQ(namesIn(folder(), ".tmp"), std::vector<std::string>());
+    EXPECT_EQ(namesIn(folder()).size(), 13U);  // two a page, and the list of pages
+  }
+
+  std::size_t leftovers() const { return leftovers_; }
+  std::size_t filesChecked() const { return filesChecked_; }
+
+  /// Where the files are kept that are to be read by the second reader.
+  void gatherIn(const std::string& folder) { gathered_ = folder; }
+
+ private:
+  bool isExpected(const std::string& name) const { return generations_.names().contains(name); }
+
+  // Another storage sees just what the files hold: no page more, no page less.
+  void checkThroughStorage() const {
+    const auto storage = VWBVectorStorage::initWithPath(parent());
+    const auto visited = vectorsOf(storage->pageArray());
+    const std::string expected = digestOfFile(at(kPagesName));
+    EXPECT_EQ(expected == kAbsentFile ? digestOf({}) : expected, digestOf(visited));
+    std::set<std::string> seen;
+    for (const auto& page : storage->pageArray()) {
+      const std::string key = page->pageInfo();
+      if (!seen.insert(key).second) continue;
+      const std::string snap = digestOfFile(at(snapName(key)));
+      EXPECT_EQ(snap == kAbsentFile ? digestOf({}) : snap, digestOf(storage->snapWithPage(*page)));
+      EXPECT_EQ(storage->hasVectorsWithPage(*page),
+                digestOfFile(at(wholeName(key))) != kAbsentFile);
+    }
+  }
+
+  void gather(const std::string& name, const std::string& digest) {
+    std::string& last = lastGathered_[name];
+    if (gathered_.empty() || last == digest) return;
+    last = digest;
+    const std::string stem = gathered_ + "/" +
+                             std::to_string(std::filesystem::hash_value(at(name))) + "-" +
+                             std::to_string(gatheredFiles_++);
+    std::filesystem::copy_file(at(name), stem + ".plist");
+    std::ofstream(stem + ".json") << modelToJSONString(loadVectors(at(name)));
+  }
+
+  TemporaryFolder parent_;
+  Generations generations_;
+  std::map<std::string, std::string> lastGathered_;
+  std::string gathered_;
+  std::size_t gatheredFiles_ = 0;
+  std::size_t leftovers_ = 0;
+  std::size_t filesChecked_ = 0;
+};
+
+/// The files that have been gathered so far, read by the other reader.
+void expectThatTheSecondReaderAgrees(TemporaryFolder& gathered) {
+  const std::string command =
+      "'" VELWB_PYTHON "' '" VELWB_SECOND_READER "' '" + gathered.path() + "'";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  for (const auto& entry : std::filesystem::directory_iterator(gathered.path())) {
+    std::filesystem::remove(entry.path());
+  }
+}
+
+TEST(ACrash, LeavesEveryFileAWholeGeneration) {
+  const std::uint32_t kills = numberFrom("VELWB_KILLS", 100);
+  const std::uint32_t seed = numberFrom("VELWB_SEED", std::random_device{}());
+  std::cout << kills << " kills, VELWB_SEED=" << seed << std::endl;
+  std::mt19937 random(seed);
+  TemporaryFolder gathered(TemporaryFolder::Volume::kMemory);
+  std::unique_ptr<CrashingBoard> board;
+  std::uint32_t boards = 0;
+  std::size_t announcements = 0;
+  std::size_t filesChecked = 0;
+  std::size_t leftovers = 0;
+  const auto retire = [&] {
+    filesChecked += board->filesChecked();
+    leftovers += board->leftovers();
+    board->expectNoLeftoversAfterTheNextSaves();
+    expectThatTheSecondReaderAgrees(gathered);
+    board.reset();
+  };
+  for (std::uint32_t kill = 0; kill < kills && !::testing::Test::HasFailure(); ++kill) {
+    SCOPED_TRACE("kill " + std::to_string(kill) + " of VELWB_SEED=" + std::to_string(seed));
+    if (!board) {
+      // On a disk most kills meet a write that waits for it; in memory they meet everything else.
+      board =
+          std::make_unique<CrashingBoard>(boards++ % 2 == 0 ? TemporaryFolder::Volume::kTemporary
+                                                            : TemporaryFolder::Volume::kMemory);
+      board->gatherIn(gathered.path());
+    }
+    Player player(board->parent(), static_cast<std::uint32_t>(random()));
+    ASSERT_TRUE(player.isRunning());
+    ASSERT_TRUE(player.readUntil(random() % kMostLines,
+                                 std::chrono::microseconds(random() % kMostMicroseconds)))
+        << "the player ended by itself";
+    player.kill();
+    announcements += player.lines();
+    board->heed(player.output());
+    board->check();
+    if ((kill + 1) % kKillsOfABoard == 0) retire();
+  }
+  if (board) retire();
+  std::cout << kills << " kills survived, " << announcements << " announcements, " << filesChecked
+            << " files checked, " << leftovers << " times a temporary was left" << std::endl;
+}
+
+// The harness sees what it is there for: it must not be content with just anything.
+TEST(ACrash, IsNoticedWhenAFileHoldsSomethingElse) {
+  CrashingBoard board(TemporaryFolder::Volume::kMemory);
+  Player player(board.parent(), 1, "400");
+  ASSERT_EQ(player.finish(), 0);
+  ASSERT_TRUE(player.output().ends_with("settled\nover\n"));
+  Generations generations;
+  board.heed(player.output());
+  board.check();
+  std::size_t noticed = 0;
+  std::size_t files = 0;
+  for (const std::string& name : namesIn(board.folder(), ".plist")) {
+    ++files;
+    generations.set(name, digestOfFile(board.at(name)));
+    const auto size = std::filesystem::file_size(board.at(name));
+    std::filesystem::resize_file(board.at(name), size - 1 - size / 3);
+    if (!generations.allow(name, digestOfFile(board.at(name)))) ++noticed;
+  }
+  EXPECT_GT(files, 2U);
+  EXPECT_EQ(noticed, files);
+}
+
+}  // namespace
+}  // namespace VelWhiteBoard

@@ -1,0 +1,393 @@
+// Every single system call of a small lesson fails once, and from then on for ever, in every way in
+// which it can. Afterwards every file must be one whole generation, nothing readable may be gone,
+// no temporary may be left, and the next save must write everything.
+#include <cerrno>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "VelWhiteBoard/foundation/disk_file_system.h"
+#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/vector_storage.h"
+
+#include "tests/reliability/generations.h"
+#include "tests/support/faulty_calls.h"
+#include "tests/support/manual_clock.h"
+#include "tests/support/storage_story.h"
+#include "tests/support/temporary_folder.h"
+
+namespace VelWhiteBoard {
+namespace {
+
+const std::vector<std::string> kKeys = {"1_1", "1_2", "1_3", "1_4"};
+
+std::vector<std::string> listNames() {
+  std::vector<std::string> names = {kPagesName};
+  for (const std::string& key : kKeys) {
+    names.push_back(wholeName(key));
+    names.push_back(snapName(key));
+  }
+  return names;
+}
+
+std::string keyOf(std::uint64_t number) { return "1_" + std::to_string(number); }
+
+/// A lesson in a folder. After each of its steps it waits for the queue and notes what the files
+/// that the step writes are to hold.
+class Lesson {
+ public:
+  explicit Lesson(const std::string& parent)
+      : parent_(parent), storage_(VWBVectorStorage::initWithPath(parent)) {
+    storage_->setIgnoreChanges(false);
+  }
+
+  VWBVectorStorage& storage() { return *storage_; }
+  Generations& generations() { return generations_; }
+
+  void show(std::uint64_t number) {
+    const auto left = storage_->currentPage();
+    const bool isSaved = left && storage_->hasNewChange();
+    storage_->switchPage(page(1, number, ++time_));
+    if (isSaved) notePage(left->pageInfo());
+    generations_.add(kPagesName, digestOf(vectorsOf(storage_->pageArray())));
+    settle();
+  }
+
+  void draw(const std::string& id) {
+    storage_->saveVector(line(id, 0.25, 0.5, ++time_));
+    storage_->saveVector(line(id, 0.5, 0.75, ++time_));
+    storage_->saveVector(text(id + " text", "words of " + id, ++time_));
+  }
+
+  void save() {
+    storage_->saveFile(true);
+    notePage(storage_->currentPage()->pageInfo());
+    settle();
+  }
+
+  void append(std::uint64_t number, const std::string& id) {
+    storage_->appendVectors({line(id, 0.1, 0.2, ++time_), box(id + " box", 0, 0, 0.1, 0.1)},
+                            page(1, number));
+    notePage(keyOf(number));
+    settle();
+  }
+
+  void clearPage(std::uint64_t number) {
+    storage_->clearPage(*page(1, number));
+    generations_.add(wholeName(keyOf(number)), kAbsentFile);
+    generations_.add(snapName(keyOf(number)), kAbsentFile);
+    settle();
+  }
+
+  void look(std::uint64_t number) { static_cast<void>(storage_->snapWithPage(*page(1, number))); }
+
+  void settle() { storage_->saveQueue()->waitUntilAllOperationsAreFinished(); }
+
+ private:
+  void notePage(const std::string& key) {
+    generations_.add(wholeName(key), digestOf(storage_->wholeVectorss()[key]));
+    generations_.add(snapName(key), digestOf(storage_->snapVectorss()[key]));
+  }
+
+  std::string parent_;
+  std::shared_ptr<VWBVectorStorage> storage_;
+  Generations generations_;
+  double time_ = 1000;
+};
+
+/// The board as it was the day before.
+void playTheFirstDay(const std::string& parent) {
+  Lesson lesson(parent);
+  for (std::uint64_t number = 1; number <= 3; ++number) {
+    lesson.show(number);
+    lesson.draw("first day " + std::to_string(number));
+  }
+  lesson.save();
+}
+
+/// The day on which things go wrong: every road on which the storage comes to its files.
+void playTheSecondDay(Lesson& lesson) {
+  lesson.look(2);  // a page that is not cached
+  lesson.show(1);
+  lesson.draw("a");
+  lesson.save();
+  lesson.append(2, "b");  // a page with files that is not cached
+  lesson.append(4, "c");  // a page without files
+  lesson.show(2);         // a cached page
+  lesson.draw("d");
+  lesson.clearPage(3);
+  lesson.show(4);  // saves the page that is left
+  lesson.draw("e");
+  lesson.append(1, "f");
+  lesson.save();
+}
+
+struct Trouble {
+  std::string name;
+  Fault fault;
+};
+
+/// Everything that can happen to the `nth` call of a kind.
+std::vector<Trouble> troublesOf(Call call, int nth) {
+  const int usual = call == Call::kRename ? EACCES : EIO;
+  std::vector<Trouble> troubles = {
+      {"fails once", Fault::failing(call, nth, usual)},
+      {"fails for ever", Fault::failingFrom(call, nth, usual)},
+      {"is interrupted", Fault::failing(call, nth, EINTR)},
+  };
+  if (call == Call::kOpen) {
+    troubles.push_back({"finds no handle", Fault::failing(call, nth, EMFILE)});
+    troubles.push_back({"is not permitted", Fault::failing(call, nth, EACCES)});
+  }
+  if (call == Call::kWrite) {
+    troubles.push_back({"is short", Fault::shortWrite(nth)});
+    troubles.push_back({"writes nothing", Fault::writingNothing(nth)});
+    troubles.push_back({"finds the disk full", Fault::noSpace(nth)});
+  }
+  return troubles;
+}
+
+class AFault : public ::testing::Test {
+ protected:
+  AFault() { playTheFirstDay(firstDay_.path()); }
+
+  /// Plays the second day on a copy of the first with one fault; what is wrong then is a failure.
+  void endure(const Trouble& trouble) {
+    const TemporaryFolder parent(TemporaryFolder::Volume::kMemory);
+    std::filesystem::copy(firstDay_.path(), parent.path(),
+                          std::filesystem::copy_options::recursive |
+                              std::filesystem::copy_options::overwrite_existing);
+    const std::string folder = boardFolder(parent.path());
+    calls_ = std::make_unique<FaultyCalls>();
+    DiskFileSystem disk(*calls_);
+    const ScopedFileSystem scope(disk);
+    calls_->inject(trouble.fault);
+    {
+      Lesson lesson(parent.path());
+      playTheSecondDay(lesson);
+      const int met = calls_->faultsMet();
+      EXPECT_GT(met, 0) << "the fault was not met";
+      faults_ += met;
+      calls_->heal();
+      expectWholeGenerations(folder, lesson.generations());
+      expectNothingLost(folder);
+      if (!mayLeaveATemporary(trouble.fault)) {
+        EXPECT_EQ(namesIn(folder, ".tmp"), std::vector<std::string>());
+      }
+      expectThatTheNextSavesWriteEverything(folder, lesson);
+    }
+    EXPECT_EQ(calls_->openHandles(), 0U);
+  }
+
+  /// The same while the board is cleared.
+  void endureWhileClearing(const Trouble& trouble) {
+    const TemporaryFolder parent(TemporaryFolder::Volume::kMemory);
+    std::filesystem::copy(firstDay_.path(), parent.path(),
+                          std::filesystem::copy_options::recursive);
+    const std::string folder = boardFolder(parent.path());
+    calls_ = std::make_unique<FaultyCalls>();
+    DiskFileSystem disk(*calls_);
+    const ScopedFileSystem scope(disk);
+    {
+      Lesson lesson(parent.path());
+      lesson.show(1);
+      calls_->inject(trouble.fault);
+      lesson.storage().clear();
+      EXPECT_GT(calls_->faultsMet(), 0) << "the fault was not met";
+      faults_ += calls_->faultsMet();
+      calls_->heal();
+      lesson.generations().addClear();
+      expectWholeGenerations(folder, lesson.generations());
+      ASSERT_TRUE(disk.makeFolders(folder));  // without it every write fails, quietly
+      expectThatTheNextSavesWriteEverything(folder, lesson);
+    }
+    EXPECT_EQ(calls_->openHandles(), 0U);
+  }
+
+  /// How many calls of each kind clearing the board makes.
+  std::map<Call, int> callsOfClearing() {
+    const TemporaryFolder parent(TemporaryFolder::Volume::kMemory);
+    std::filesystem::copy(firstDay_.path(), parent.path(),
+                          std::filesystem::copy_options::recursive);
+    FaultyCalls calls;
+    DiskFileSystem disk(calls);
+    const ScopedFileSystem scope(disk);
+    std::map<Call, int> counts;
+    Lesson lesson(parent.path());
+    lesson.show(1);
+    calls.resetCounts();
+    lesson.storage().clear();
+    for (const Call call : kAllCalls) counts[call] = calls.count(call);
+    return counts;
+  }
+
+  /// How many calls of each kind the second day makes when nothing goes wrong.
+  std::map<Call, int> callsOfTheSecondDay() {
+    const TemporaryFolder parent(TemporaryFolder::Volume::kMemory);
+    std::filesystem::copy(firstDay_.path(), parent.path(),
+                          std::filesystem::copy_options::recursive);
+    FaultyCalls calls;
+    DiskFileSystem disk(calls);
+    const ScopedFileSystem scope(disk);
+    {
+      Lesson lesson(parent.path());
+      playTheSecondDay(lesson);
+    }
+    std::map<Call, int> counts;
+    for (const Call call : kAllCalls) counts[call] = calls.count(call);
+    return counts;
+  }
+
+  int faults() const { return faults_; }
+
+ private:
+  /// Nothing can be removed, or nobody can ever tell whose file it is.
+  static bool mayLeaveATemporary(const Fault& fault) {
+    return fault.call == Call::kRemove || (fault.call == Call::kStatus && fault.times > 1);
+  }
+
+  /// Each file holds what the day before left or what some save of this day meant it to hold.
+  void expectWholeGenerations(const std::string& folder, const Generations& generations) const {
+    const std::string before = boardFolder(firstDay_.path());
+    for (const std::string& name : listNames()) {
+      const std::string digest = digestOfFile(folder + "/" + name);
+      EXPECT_NE(digest, kUnreadableFile) << name;
+      EXPECT_TRUE(digest == digestOfFile(before + "/" + name) || generations.allow(name, digest))
+          << name << " holds " << digest << "\n"
+          << generations.describe(name);
+    }
+  }
+
+  /// What could be read the day before can be read still, in its file or in the one set aside; but
+  /// for the page that was cleared.
+  void expectNothingLost(const std::string& folder) const {
+    const std::string before = boardFolder(firstDay_.path());
+    for (const std::string& name : namesIn(before, ".plist")) {
+      if (name == wholeName("1_3") || name == snapName("1_3")) continue;
+      std::set<std::string> kept = identifiersIn(folder + "/" + name);
+      kept.merge(identifiersIn(folder + "/" + name + std::string(kDamagedSuffix)));
+      for (const std::string& identifier : identifiersIn(before + "/" + name)) {
+        EXPECT_TRUE(kept.contains(identifier)) << name << " has lost " << identifier;
+      }
+    }
+  }
+
+  void expectThatTheNextSavesWriteEverything(const std::string& folder, Lesson& lesson) const {
+    for (std::uint64_t number = 1; number <= kKeys.size(); ++number) {
+      lesson.show(number);
+      lesson.draw("healed " + std::to_string(number));
+      lesson.save();
+    }
+    auto whole = lesson.storage().wholeVectorss();
+    auto snap = lesson.storage().snapVectorss();
+    const auto second = VWBVectorStorage::initWithPath(folder.substr(0, folder.rfind('/')));
+    EXPECT_EQ(digestOf(vectorsOf(second->pageArray())),
+              digestOf(vectorsOf(lesson.storage().pageArray())));
+    for (std::uint64_t number = 1; number <= kKeys.size(); ++number) {
+      const std::string key = keyOf(number);
+      EXPECT_EQ(digestOf(second->switchPage(page(1, number))), digestOf(snap[key])) << key;
+      EXPECT_EQ(digestOf(second->wholeVectorss()[key]), digestOf(whole[key])) << key;
+    }
+    EXPECT_EQ(namesIn(folder, ".tmp"), std::vector<std::string>());
+  }
+
+  TemporaryFolder firstDay_{TemporaryFolder::Volume::kMemory};
+  ManualClock clock_;
+  ScopedClock clockScope_{clock_};
+  std::unique_ptr<FaultyCalls> calls_;
+  int faults_ = 0;
+};
+
+TEST_F(AFault, OfAnySystemCallLosesNothingAndIsMadeGoodByTheNextSave) {
+  int runs = 0;
+  for (const auto& [call, count] : callsOfTheSecondDay()) {
+    int runsOfThisCall = 0;
+    for (int nth = 1; nth <= count; ++nth) {
+      for (const Trouble& trouble : troublesOf(call, nth)) {
+        SCOPED_TRACE(std::string(callName(call)) + " " + std::to_string(nth) + " of " +
+                     std::to_string(count) + " " + trouble.name);
+        endure(trouble);
+        ++runsOfThisCall;
+        if (HasFailure()) return;
+      }
+    }
+    std::cout << callName(call) << ": " << count << " calls, " << runsOfThisCall << " lessons\n";
+    runs += runsOfThisCall;
+  }
+  std::cout << runs << " lessons with " << faults() << " faults" << std::endl;
+  EXPECT_GT(runs, 500);
+}
+
+TEST_F(AFault, WhileTheBoardIsClearedLeavesFilesOrNoneAndIsMadeGoodByTheNextSave) {
+  int runs = 0;
+  for (const auto& [call, count] : callsOfClearing()) {
+    for (int nth = 1; nth <= count; ++nth) {
+      for (const Trouble& trouble : troublesOf(call, nth)) {
+        SCOPED_TRACE(std::string(callName(call)) + " " + std::to_string(nth) + " of " +
+                     std::to_string(count) + " " + trouble.name);
+        endureWhileClearing(trouble);
+        ++runs;
+        if (HasFailure()) return;
+      }
+    }
+  }
+  std::cout << runs << " lessons with " << faults() << " faults" << std::endl;
+  EXPECT_GT(runs, 50);
+}
+
+// Two things at once: a write fails, and what it began cannot be removed.
+TEST_F(AFault, OfARemovalLeavesATemporaryThatTheNextSaveUses) {
+  const TemporaryFolder parent(TemporaryFolder::Volume::kMemory);
+  const std::string folder = boardFolder(parent.path());
+  FaultyCalls calls;
+  DiskFileSystem disk(calls);
+  const ScopedFileSystem scope(disk);
+  Lesson lesson(parent.path());
+  lesson.show(1);
+  lesson.draw("a");
+  calls.inject(Fault::failingFrom(Call::kSync, 1, EIO));
+  calls.inject(Fault::failingFrom(Call::kRemove, 1, EACCES));
+  for (int i = 0; i < 10; ++i) lesson.save();
+  EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"page.plist", snapName("1_1") + ".tmp",
+                                                       wholeName("1_1") + ".tmp"}));
+  calls.heal();
+  lesson.save();
+  EXPECT_EQ(namesIn(folder),
+            (std::vector<std::string>{"page.plist", snapName("1_1"), wholeName("1_1")}));
+}
+
+// The folder is made when the board is opened. Without it every write fails, quietly, until
+// somebody makes it.
+TEST_F(AFault, OfMakingTheFolderIsMadeGoodOnceThereIsAFolder) {
+  for (int nth = 1; nth <= 2; ++nth) {
+    const TemporaryFolder parent(TemporaryFolder::Volume::kMemory);
+    const std::string below = parent.at("missing");
+    FaultyCalls calls;
+    DiskFileSystem disk(calls);
+    const ScopedFileSystem scope(disk);
+    calls.inject(Fault::failingFrom(Call::kMakeFolder, nth, EACCES));
+    Lesson lesson(below);
+    lesson.show(1);
+    lesson.draw("a");
+    lesson.save();
+    EXPECT_EQ(namesIn(boardFolder(below)), std::vector<std::string>());
+    calls.heal();
+    ASSERT_TRUE(disk.makeFolders(boardFolder(below)));
+    lesson.show(2);
+    lesson.show(1);
+    lesson.draw("b");
+    lesson.save();
+    EXPECT_EQ(identifiersIn(boardFolder(below) + "/" + wholeName("1_1")),
+              (std::set<std::string>{"a", "a text", "b", "b text"}));
+    EXPECT_EQ(loadPages(pageListFile(boardFolder(below))).size(), 3U);
+  }
+}
+
+}  // namespace
+}  // namespace VelWhiteBoard

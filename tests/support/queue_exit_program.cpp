@@ -1,0 +1,156 @@
+// A process that ends while operations are still queued. Started by queue_exit_test.cpp with the
+// way to end and a folder; what is in the folder afterwards is what was not lost.
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+#include "VelWhiteBoard/foundation/operation_queue.h"
+
+#include "tests/support/gate.h"
+
+namespace VelWhiteBoard {
+namespace {
+
+constexpr int kQueues = 20;
+constexpr int kFiles = 25;
+
+// Never destroyed: the last operations need it.
+std::string& folder = *new std::string;
+
+void write(const std::string& name, const std::string& text) {
+  std::ofstream(folder + "/" + name) << text;
+}
+
+std::function<void()> writing(const std::string& name) {
+  return [name] { write(name, name); };
+}
+
+/// There before the first queue, so it is destroyed after the queues have been drained.
+struct AddsWhileItIsDestroyed {
+  ~AddsWhileItIsDestroyed() {
+    if (queue == nullptr) return;
+    bool ranAtOnce = false;
+    queue->addOperationWithBlock([&, thread = std::this_thread::get_id()] {
+      ranAtOnce = thread == std::this_thread::get_id();
+    });
+    queue->waitUntilAllOperationsAreFinished();
+    OperationQueue newOne;
+    newOne.addOperationWithBlock(writing("late"));
+    write("at-once", ranAtOnce ? "yes" : "no");
+  }
+  std::unique_ptr<OperationQueue> queue;
+} addsWhileItIsDestroyed;
+
+OperationQueue ofStaticStorage;
+
+std::vector<OperationQueue>& filledQueues() {
+  static auto* const queues = new std::vector<OperationQueue>(kQueues);
+  for (int q = 0; q < kQueues; ++q) {
+    for (int i = 0; i < kFiles; ++i) {
+      (*queues)[static_cast<std::size_t>(q)].addOperationWithBlock(
+          writing(std::to_string(q) + "-" + std::to_string(i)));
+    }
+  }
+  return *queues;
+}
+
+void addChain(OperationQueue& queue, int left) {
+  queue.addOperationWithBlock([&queue, left] {
+    write("chain-" + std::to_string(left), "");
+    if (left > 1) addChain(queue, left - 1);
+  });
+}
+
+[[noreturn]] void endInsideAnOperation() {
+  static OperationQueue* const queue = new OperationQueue;
+  Gate never;
+  Gate allAdded;
+  queue->addOperationWithBlock([&] {
+    allAdded.pass();
+    std::exit(0);
+  });
+  for (int i = 0; i < 20; ++i) queue->addOperationWithBlock(writing("behind-" + std::to_string(i)));
+  filledQueues();
+  allAdded.open();
+  never.pass();
+  std::abort();
+}
+
+/// Ends the process inside an operation that a waiting operation of another queue runs: all other
+/// threads of the pool hang, so nobody else can.
+[[noreturn]] void endInsideAnOperationThatAnotherWaitsFor() {
+  constexpr int kOtherThreads = 15;
+  static OperationQueue* const waiting = new OperationQueue;
+  static auto* const hanging = new std::vector<OperationQueue>(kOtherThreads);
+  addsWhileItIsDestroyed.queue = std::make_unique<OperationQueue>();
+  OperationQueue& awaited = *addsWhileItIsDestroyed.queue;
+  Meeting allHang(kOtherThreads + 1);
+  Gate never;
+  Gate gate;
+  for (OperationQueue& queue : *hanging) {
+    queue.addOperationWithBlock([&] {
+      allHang.arrive();
+      gate.pass();
+    });
+  }
+  allHang.arrive();
+  waiting->addOperationWithBlock([&] {
+    awaited.addOperationWithBlock([&] {
+      gate.open();
+      std::exit(0);
+    });
+    awaited.addOperationWithBlock(writing("behind"));
+    awaited.waitUntilAllOperationsAreFinished();
+  });
+  waiting->addOperationWithBlock(writing("behind-both"));
+  never.pass();
+  std::abort();
+}
+
+int endInAForkedChild() {
+  filledQueues();
+  if (::fork() == 0) std::exit(0);
+  int status = -1;
+  ::wait(&status);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 1;
+}
+
+int end(const std::string& way) {
+  if (way == "return") {
+    filledQueues();
+  } else if (way == "exit") {
+    filledQueues();
+    std::exit(0);
+  } else if (way == "dropped") {
+    filledQueues().clear();
+  } else if (way == "chain") {
+    addChain(ofStaticStorage, 100);
+  } else if (way == "late") {
+    addsWhileItIsDestroyed.queue = std::make_unique<OperationQueue>();
+    addsWhileItIsDestroyed.queue->addOperationWithBlock(writing("early"));
+  } else if (way == "inside") {
+    endInsideAnOperation();
+  } else if (way == "inside-awaited") {
+    endInsideAnOperationThatAnotherWaitsFor();
+  } else if (way == "fork") {
+    return endInAForkedChild();
+  } else {
+    return 2;
+  }
+  return 0;
+}
+
+}  // namespace
+}  // namespace VelWhiteBoard
+
+int main(int count, char** arguments) {
+  if (count != 3) return 2;
+  VelWhiteBoard::folder = arguments[2];
+  return VelWhiteBoard::end(arguments[1]);
+}
