@@ -1,0 +1,60 @@
+# The steps of `scripts/test --all`; sourced after common.sh. Each fails if it cannot run.
+ci_gcc=build/ci-gcc
+ci_clang=build/ci-clang
+ci_tsan=build/ci-tsan
+
+check_format() {
+  step "Format"
+  find VelWhiteBoard examples tests benchmarks fuzz -name '*.h' -o -name '*.cpp' | sort |
+    xargs clang-format --dry-run -Werror
+}
+
+build_with_gcc_without_warnings() {
+  step "Building with GCC, warnings are errors"
+  cmake --preset dev -B "$ci_gcc" --log-level=WARNING \
+    -DVELWHITEBOARD_WERROR=ON -DVELWHITEBOARD_BUILD_BENCHMARKS=ON
+  cmake --build "$ci_gcc"
+}
+
+build_with_clang_without_warnings() {
+  step "Building with Clang and sanitizers, warnings are errors"
+  cmake --preset asan-ubsan -B "$ci_clang" --log-level=WARNING \
+    -DVELWHITEBOARD_WERROR=ON -DVELWHITEBOARD_BUILD_BENCHMARKS=ON
+  cmake --build "$ci_clang"
+}
+
+# Over the library's sources and, through them, its headers; .clang-tidy says what is looked for.
+check_static() {
+  step "Static checks"
+  find VelWhiteBoard -name '*.cpp' | sort |
+    xargs --max-procs="$jobs" --max-args=3 clang-tidy --quiet -p "$ci_clang"
+}
+
+test_under_asan_ubsan() {
+  step "All tests under AddressSanitizer and UndefinedBehaviorSanitizer"
+  UBSAN_OPTIONS=print_stacktrace=1 \
+    ctest --test-dir "$ci_clang" --output-on-failure --no-tests=error --parallel "$jobs"
+}
+
+fuzz_a_minute_each() {
+  build_fuzzers
+  fuzz_all 60
+}
+
+test_under_tsan() {
+  step "Concurrency tests under ThreadSanitizer"
+  cmake --preset tsan -B "$ci_tsan" --log-level=WARNING -DVELWHITEBOARD_WERROR=ON
+  cmake --build "$ci_tsan" --target concurrency_tests
+  # This sanitizer cannot place its shadow memory on kernels that randomise addresses widely.
+  local fixed_addresses=()
+  if ! "$ci_tsan/tests/concurrency_tests" --gtest_list_tests >/dev/null 2>&1; then
+    fixed_addresses=(setarch "$(uname -m)" --addr-no-randomize)
+  fi
+  "${fixed_addresses[@]}" ctest --test-dir "$ci_tsan" --label-regex '^concurrency$' \
+    --output-on-failure --no-tests=error --parallel "$jobs"
+}
+
+test_with_gcc() {
+  step "All tests with GCC"
+  ctest --test-dir "$ci_gcc" --output-on-failure --no-tests=error --parallel "$jobs"
+}
