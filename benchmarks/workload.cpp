@@ -1,6 +1,7 @@
 #include "benchmarks/workload.h"
 
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 
@@ -8,7 +9,7 @@ namespace benchmarks {
 
 namespace {
 
-constexpr double kLessonStart = 1700000000.0;
+constexpr std::size_t kUsers = 4;
 
 std::string formatted(const char* format, const std::string& identifier, double x, double y,
                       double time) {
@@ -17,6 +18,8 @@ std::string formatted(const char* format, const std::string& identifier, double 
       std::snprintf(text, sizeof text, format, time, identifier.c_str(), x, y, x, y, time);
   return {text, static_cast<std::size_t>(length)};
 }
+
+}  // namespace
 
 std::string lineText(const std::string& identifier, double x, double y, double time) {
   return formatted(R"({"type":"line","ts":%.3f,"ID":"%s","x":%.5f,"y":%.5f,"ps":400,"end":false,)"
@@ -31,8 +34,6 @@ std::string boxText(const std::string& identifier, double x, double y, double ti
       identifier, x, y, time);
 }
 
-}  // namespace
-
 std::string pieceText(const std::string& identifier, std::size_t index) {
   const auto step = static_cast<double>(index);
   return lineText(identifier, std::cos(step * 0.01) * 0.4, std::sin(step * 0.013) * 0.4,
@@ -46,28 +47,33 @@ std::vector<std::string> strokeTexts(const std::string& identifier, std::size_t 
   return texts;
 }
 
+std::string lessonStroke(std::size_t number) {
+  std::string identifier("u");
+  identifier.append(std::to_string(number % kUsers)).append("_").append(std::to_string(number));
+  return identifier;
+}
+
+std::string lessonBox(std::size_t number) { return "b_" + std::to_string(number); }
+
 std::vector<std::string> lessonTexts(std::size_t strokes, std::size_t piecesOfAStroke,
                                      std::size_t boxes, std::size_t movesOfABox,
                                      std::size_t removes) {
-  constexpr std::size_t kUsers = 4;
   std::vector<std::string> texts;
   double time = kLessonStart;
   const auto next = [&time] { return time += 0.005; };
   for (std::size_t first = 0; first < strokes; first += kUsers) {
     for (std::size_t piece = 0; piece < piecesOfAStroke; ++piece) {
       for (std::size_t user = 0; user < kUsers && first + user < strokes; ++user) {
-        std::string identifier("u");
-        identifier.append(std::to_string(user)).append("_").append(std::to_string(first + user));
         const auto step = static_cast<double>(piece + first);
-        texts.push_back(lineText(identifier, std::cos(step) * 0.4, std::sin(step) * 0.4, next()));
+        texts.push_back(lineText(lessonStroke(first + user), std::cos(step) * 0.4,
+                                 std::sin(step) * 0.4, next()));
       }
     }
   }
   for (std::size_t move = 0; move <= movesOfABox; ++move) {
     for (std::size_t box = 0; box < boxes; ++box) {
       const auto step = static_cast<double>(box + move);
-      texts.push_back(
-          boxText("b_" + std::to_string(box), std::cos(step) * 0.4, std::sin(step) * 0.4, next()));
+      texts.push_back(boxText(lessonBox(box), std::cos(step) * 0.4, std::sin(step) * 0.4, next()));
     }
   }
   for (std::size_t remove = 0; remove < removes; ++remove) {
@@ -79,6 +85,17 @@ std::vector<std::string> lessonTexts(std::size_t strokes, std::size_t piecesOfAS
     texts.emplace_back(text, static_cast<std::size_t>(length));
   }
   return texts;
+}
+
+VectorList decoded(const std::vector<std::string>& texts) {
+  VectorList vectors;
+  vectors.reserve(texts.size());
+  for (const std::string& text : texts) vectors.push_back(modelWithJSON<VelWbBaseVector>(text));
+  return vectors;
+}
+
+void saveTexts(const std::vector<std::string>& texts, VWBVectorStorage& storage) {
+  for (const std::string& text : texts) storage.saveVector(modelWithJSON<VelWbBaseVector>(text));
 }
 
 std::shared_ptr<VelWbVecSwitchPage> page(std::uint64_t number) {

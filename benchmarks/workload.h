@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -11,6 +13,14 @@
 namespace benchmarks {
 
 using namespace VelWhiteBoard;
+
+inline constexpr double kLessonStart = 1700000000.0;
+
+/// JSON text of a piece of one position.
+std::string lineText(const std::string& identifier, double x, double y, double time);
+
+/// JSON text of a box.
+std::string boxText(const std::string& identifier, double x, double y, double time);
 
 /// JSON text of piece `index` of one stroke: one position, ten milliseconds after the piece before.
 std::string pieceText(const std::string& identifier, std::size_t index);
@@ -23,6 +33,17 @@ std::vector<std::string> strokeTexts(const std::string& identifier, std::size_t 
 std::vector<std::string> lessonTexts(std::size_t strokes, std::size_t piecesOfAStroke,
                                      std::size_t boxes, std::size_t movesOfABox,
                                      std::size_t removes);
+
+/// The identifier of a stroke of such a page.
+std::string lessonStroke(std::size_t number);
+/// The identifier of a box of such a page.
+std::string lessonBox(std::size_t number);
+
+/// The records of JSON texts.
+VectorList decoded(const std::vector<std::string>& texts);
+
+/// Decodes texts and saves what they hold.
+void saveTexts(const std::vector<std::string>& texts, VWBVectorStorage& storage);
 
 /// A page switch.
 std::shared_ptr<VelWbVecSwitchPage> page(std::uint64_t number);
