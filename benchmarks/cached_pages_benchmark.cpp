@@ -26,6 +26,9 @@ class CachedPages {
     storage_->setSnapVectorss(lists_);
     storage_->setWholeVectorss(lists_);
     storage_->setIgnoreChanges(false);
+    // As in any client there is a second thread, so that counting references costs what it does.
+    storage_->saveQueue()->addOperationWithBlock([] {});
+    storage_->saveQueue()->waitUntilAllOperationsAreFinished();
   }
   ~CachedPages() { storage_->saveQueue()->waitUntilAllOperationsAreFinished(); }
   CachedPages(const CachedPages&) = delete;

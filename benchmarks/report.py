@@ -14,29 +14,36 @@ TOLERATED = 0.25  # how far beyond its target a number may be before it counts a
 
 
 def shown(number):
-    if abs(number) >= 100:
+    if abs(number) >= 100 or number == int(number):
         return f"{number:,.0f}"
     return f"{number:.3g}" if abs(number) < 1 else f"{number:.2f}"
 
 
-def verdict(number, limit):
-    excess = number / limit - 1
-    if excess <= 0:
+def verdict(target, measured):
+    if target.limit is None:
+        return ""
+    excess = target.is_missed_by(measured)
+    if excess == 0:
         return "met"
     return f"{'missed' if excess <= TOLERATED else 'MISSED'} by {excess:.0%}"
 
 
 def row(target, measured):
-    number = target.number(measured)
-    baseline = shown(target.baseline(measured)) if target.baseline else ""
-    limit = shown(target.limit)
-    if target.baseline is None:
-        ratio, limit = "", f"{limit} {target.unit}"
-    else:
-        ratio = shown(number) + (" x" if target.relation == "x" else f" {target.unit} more")
-        limit += " x" if target.relation == "x" else f" {target.unit} more"
-    return [target.what, f"{shown(target.figure(measured))} {target.unit}", baseline, ratio, limit,
-            verdict(number, target.limit)]
+    figure = target.figure(measured)
+    baseline = target.baseline(measured) if target.baseline else None
+    meant = {"times": " x", "more": f" {target.unit} more", "itself": f" {target.unit}"}[target.relation]
+    return [
+        target.what,
+        f"{shown(figure)} {target.unit}",
+        f"{shown(baseline)} {target.unit}" if baseline is not None else "",
+        f"{shown(figure / baseline)} x" if baseline is not None else "",
+        f"{shown(target.limit)}{meant}" if target.limit is not None else "",
+        verdict(target, measured),
+    ]
+
+
+def failures(all_targets, measured):
+    return [target.what for target in all_targets if target.is_missed_by(measured) > TOLERATED]
 
 
 def as_table(rows):
@@ -53,10 +60,9 @@ def main():
     measured.run_all(pathlib.Path(sys.argv[1]).resolve(), lambda what: print(what, file=sys.stderr, flush=True))
     print(as_table([["What", "Figure", "Baseline", "Ratio", "Target", "Verdict"],
                     *(row(target, measured) for target in targets.TARGETS)]))
-    failed = [each.what for each in targets.TARGETS if each.number(measured) > each.limit * (1 + TOLERATED)]
-    for what in failed:
+    for what in failures(targets.TARGETS, measured):
         print(f"missed by more than {TOLERATED:.0%}: {what}", file=sys.stderr)
-    return 1 if failed else 0
+    return 1 if failures(targets.TARGETS, measured) else 0
 
 
 if __name__ == "__main__":

@@ -10,12 +10,12 @@ UNITS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
 # (what runs together, repetitions, seconds of each). A figure and its baseline are in one group: their
 # repetitions take turns, so that whatever else the machine does meets both.
 GROUPS = [
-    ("strokeInto.*/(10000|100000)$|lessonInto", 7, 0.1),
+    ("strokeInto.*/(10000|100000)$|lessonInto|saveVectorAlone/100000", 7, 0.1),
     ("strokeInto.*/1000000/", 3, None),
     ("moveOfABox", 7, None),
     ("drawW", 7, None),
     ("captureTimedSave", 7, None),
-    ("SnapFile|switchToAWrittenPage", 9, 0.1),
+    ("SnapFile|switchToAWrittenPage|readTheLog", 9, 0.1),
     ("writePage|putTheSameBytesThere", 9, 0.15),
     ("parsePieceOnly|decodePieceFromText|formatPieceByHand|encodePieceToText", 9, 0.05),
     ("CachedPage|PlainMap", 7, 0.05),
