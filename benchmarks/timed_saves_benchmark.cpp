@@ -26,9 +26,12 @@ constexpr std::size_t kCalls = 40'000;
 constexpr std::chrono::microseconds kBetweenCalls{20};
 constexpr std::size_t kCallsBetweenSaves = 2'000;
 
-/// Half of them strokes of the page that go on, so that a save must keep them as they were, a
-/// quarter boxes that move, a quarter new strokes.
+/// As a lesson goes on: half of them pieces of strokes that four users draw on at once, a quarter
+/// moves of boxes, a quarter new strokes. Strokes and boxes are those of the page, so that a save
+/// must keep them as they were; each is worked on for a while, then the next.
 VectorList piecesToCome() {
+  constexpr std::size_t kInARow = 20;
+  constexpr std::size_t kUsers = 4;
   VectorList pieces;
   pieces.reserve(kCalls);
   double time = kLessonStart + 100'000;
@@ -39,9 +42,11 @@ VectorList piecesToCome() {
     time += 0.005;
     std::string text;
     if (index % 2 == 0) {
-      text = lineText(lessonStroke(index * 7 % kStrokes), x, y, time);
+      const std::size_t piece = index / 2;
+      const std::size_t stroke = piece / (kUsers * kInARow) * kUsers + piece % kUsers;
+      text = lineText(lessonStroke(stroke % kStrokes), x, y, time);
     } else if (index % 4 == 1) {
-      text = boxText(lessonBox(index % kBoxes), x, y, time);
+      text = boxText(lessonBox(index / 4 / kInARow % kBoxes), x, y, time);
     } else {
       text = lineText("new_" + std::to_string(index), x, y, time);
     }
