@@ -1,10 +1,14 @@
 #!/usr/bin/env python3
 """Measures everything and prints it as a table: figure, baseline, ratio, target, verdict.
 
-    report.py FOLDER    where the benchmark programs are; fails when a target is missed by more than 25 %
+    report.py FOLDER [DOCUMENT]
+
+FOLDER is where the benchmark programs are. The table goes into DOCUMENT too, between the two marks there.
+Fails when a target is missed by more than 25 %.
 """
 
 import pathlib
+import re
 import sys
 
 import results
@@ -53,13 +57,25 @@ def as_table(rows):
     return "\n".join(lines)
 
 
+def with_table(document, table):
+    """The document with another table between its marks."""
+    marks = re.compile(r"(<!-- figures: begin -->\n).*?(<!-- figures: end -->)", re.S)
+    text, count = marks.subn(lambda found: found[1] + table + "\n" + found[2], document)
+    if count != 1:
+        raise ValueError("the document has no marks for the table")
+    return text
+
+
 def main():
-    if len(sys.argv) != 2 or not pathlib.Path(sys.argv[1]).is_dir():
+    if len(sys.argv) not in (2, 3) or not pathlib.Path(sys.argv[1]).is_dir():
         sys.exit(__doc__)
     measured = results.Results()
     measured.run_all(pathlib.Path(sys.argv[1]).resolve(), lambda what: print(what, file=sys.stderr, flush=True))
-    print(as_table([["What", "Figure", "Baseline", "Ratio", "Target", "Verdict"],
-                    *(row(target, measured) for target in targets.TARGETS)]))
+    table = as_table([["What", "Figure", "Baseline", "Ratio", "Target", "Verdict"],
+                      *(row(target, measured) for target in targets.TARGETS)])
+    print(table)
+    for document in map(pathlib.Path, sys.argv[2:]):
+        document.write_text(with_table(document.read_text(encoding="utf-8"), table), encoding="utf-8")
     for what in failures(targets.TARGETS, measured):
         print(f"missed by more than {TOLERATED:.0%}: {what}", file=sys.stderr)
     return 1 if failures(targets.TARGETS, measured) else 0

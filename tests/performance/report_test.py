@@ -60,6 +60,13 @@ class TheReport(unittest.TestCase):
             self.measured.add_benchmarks({"benchmarks": [
                 {"name": "fold", "run_type": "iteration", "error_occurred": True, "error_message": "broken"}]})
 
+    def test_the_table_replaces_the_one_between_the_marks(self):
+        document = "a\n<!-- figures: begin -->\nold\nolder\n<!-- figures: end -->\nb\n"
+        self.assertEqual(report.with_table(document, "new"),
+                         "a\n<!-- figures: begin -->\nnew\n<!-- figures: end -->\nb\n")
+        with self.assertRaises(ValueError):
+            report.with_table("no marks", "new")
+
     def test_every_target_can_be_worked_out(self):
         class Anything:
             def __getitem__(self, name):
