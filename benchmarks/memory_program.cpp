@@ -33,7 +33,6 @@ void loggedPieces() {
   constexpr std::size_t kPieces = 100'000;
   const Folder folder;
   const auto storage = recordingStorage(folder);
-  storage->saveQueue()->waitUntilAllOperationsAreFinished();
   const std::size_t before = memoryInUse();
   for (std::size_t index = 0; index < kPieces; ++index) {
     storage->saveVector(modelWithJSON<VelWbBaseVector>(pieceText("u1_100", index)));

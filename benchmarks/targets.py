@@ -85,7 +85,7 @@ TARGETS = [
     Target("a piece of one position in the log", "bytes", raw("bytes_of_a_logged_piece"), limit=400, relation="itself"),
     Target("an empty storage", "bytes", raw("bytes_of_an_empty_storage"), limit=4_096, relation="itself"),
     Target("threads with 10,000 boards open, all queues used", "threads",
-           raw("threads_with_all_boards_open"), limit=17, relation="itself"),
+           raw("threads_with_all_boards_open"), limit=9, relation="itself"),
     Target("switchPage among 200 cached pages", "us", seconds("switchAmongCachedPages/10"), limit=10, relation="itself"),
     Target("the same: strokes of 1,000 positions beside 10", "us",
            seconds("switchAmongCachedPages/1000"), seconds("switchAmongCachedPages/10"), 1.2),

@@ -125,6 +125,7 @@ std::shared_ptr<VWBVectorStorage> recordingStorage(const Folder& folder) {
   auto storage = VWBVectorStorage::initWithPath(folder.path());
   storage->setIgnoreChanges(false);
   storage->switchPage(page(1));
+  storage->saveQueue()->waitUntilAllOperationsAreFinished();
   return storage;
 }
 

@@ -61,7 +61,7 @@ class Folder {
   std::filesystem::path path_;
 };
 
-/// A storage that records, on page 1 of a folder.
+/// A storage that records, on page 1 of a folder; its queue is idle.
 std::shared_ptr<VWBVectorStorage> recordingStorage(const Folder& folder);
 
 }  // namespace benchmarks

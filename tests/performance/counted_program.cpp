@@ -33,7 +33,6 @@ int main() {
   const VelWhiteBoard::ScopedClock scope(clock);
   const Folder folder;
   const auto storage = benchmarks::recordingStorage(folder);
-  storage->saveQueue()->waitUntilAllOperationsAreFinished();
 
   const auto texts = benchmarks::lessonTexts(40, 50, 20, 20, 10);
   VectorList records;
