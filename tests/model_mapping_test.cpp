@@ -25,7 +25,6 @@
 namespace VelWhiteBoard {
 namespace {
 
-
 constexpr const char* kKeys[] = {"text", "real", "whole", "natural", "flag", "path", "array"};
 
 /// One value under every key.

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "VelWhiteBoard/foundation/operation_queue.h"
+#include "VelWhiteBoard/foundation/thread_pool.h"
 
 #include "tests/support/gate.h"
 
@@ -116,7 +117,7 @@ TEST(OperationQueueLimits, ALowerCountHoldsForWhatHasNotBegun) {
 
 TEST(OperationQueueLimits, QueuesThatHangDoNotHoldUpAnother) {
   Gate gate;
-  std::vector<OperationQueue> hanging(10);
+  std::vector<OperationQueue> hanging(ThreadPool::kMaxThreads - 1);
   for (OperationQueue& queue : hanging) queue.addOperationWithBlock([&] { gate.pass(); });
   OperationQueue queue;
   bool hasRun = false;

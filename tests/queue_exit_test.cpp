@@ -18,8 +18,11 @@ class QueueExit : public ::testing::Test {
  protected:
   /// Answers the exit code of the process, -1 when it crashed.
   int endBy(const std::string& way) {
+    // A forked child has its parent's memory but not the threads that refer to it, so a sanitizer
+    // that looks for leaks there hangs or finds some.
+    const std::string sanitizer = way == "fork" ? "ASAN_OPTIONS=detect_leaks=0 " : "";
     const std::string command =
-        std::string("\"") + VELWB_QUEUE_EXIT_PROGRAM + "\" " + way + " \"" + folder_.path() + "\"";
+        sanitizer + "\"" + VELWB_QUEUE_EXIT_PROGRAM + "\" " + way + " \"" + folder_.path() + "\"";
     const int status = std::system(command.c_str());
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }

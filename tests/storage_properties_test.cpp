@@ -131,7 +131,8 @@ TEST(StorageProperties, LeaveNothingNewToAQueueThatWasReplaced) {
   Board board;
   board.show(page(1, 1));
   board.settle();
-  const QueueHold hold(board->saveQueue());
+  const std::shared_ptr<OperationQueue> replaced = board->saveQueue();
+  QueueHold hold(replaced);
   // As many as make later saves take the place of those that wait.
   for (int i = 0; i < 5; ++i) {
     board.save(line("a", i, 0, i + 1));
@@ -142,6 +143,9 @@ TEST(StorageProperties, LeaveNothingNewToAQueueThatWasReplaced) {
   board.show(page(1, 2, 1));
   EXPECT_EQ(board.wholeFile("1_1").size(), 6U);
   EXPECT_THAT(board.pageFile(), ElementsAre("1_1", "1_2"));
+  // The folder is looked at when the board goes; the old queue must have let go of it by then.
+  hold.letGo();
+  replaced->waitUntilAllOperationsAreFinished();
 }
 
 TEST(StorageProperties, CanAllBeUsedByAThreadThatHoldsTheSemaphore) {

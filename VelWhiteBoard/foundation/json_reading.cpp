@@ -86,28 +86,15 @@ std::optional<Scalar> scalarWithElement(const dom::element& element) {
   }
 }
 
-std::optional<double> numberWithElement(const dom::element& element) {
-  switch (element.type()) {
-    case dom::element_type::INT64:
-      return static_cast<double>(element.get_int64().value_unsafe());
-    case dom::element_type::UINT64:
-      return static_cast<double>(element.get_uint64().value_unsafe());
-    case dom::element_type::DOUBLE:
-      return element.get_double().value_unsafe();
-    default:
-      return std::nullopt;
-  }
-}
-
 /// Adds the position that `element` is; one that is not an array of numbers is dropped.
 void addPosition(Path& path, const dom::element& element, std::vector<double>& numbers) {
   dom::array position;
   if (element.get_array().get(position) != simdjson::SUCCESS) return;
   numbers.clear();
   for (const dom::element each : position) {
-    const auto number = numberWithElement(each);
-    if (!number) return;
-    numbers.push_back(*number);
+    double number = 0;
+    if (each.get_double().get(number) != simdjson::SUCCESS) return;
+    numbers.push_back(number);
   }
   path.push_back(Path::Position(numbers));
 }
@@ -166,54 +153,56 @@ RecordList recordsWithElements(const RecordClass& asked, const dom::array& eleme
   return records;
 }
 
+/// Puts a value into `field` if `Taken` says what it is; `field` stays as it is otherwise.
+template <class Taken, class Field>
+bool take(const dom::element& element, Field& field) {
+  Taken value;
+  if (element.get<Taken>().get(value) != simdjson::SUCCESS) return false;
+  field = value;
+  return true;
+}
+
 /// Puts a value into a property of just its kind, as nearly all are; false for any other value.
 bool assignOwnKind(const Property& property, Record& record, const dom::element& element) {
-  switch (element.type()) {
-    case dom::element_type::STRING:
-      if (property.kind != PropertyKind::text) return false;
-      property.in<std::optional<std::string>>(record) = element.get_string().value_unsafe();
+  switch (property.kind) {
+    case PropertyKind::text:
+      return take<std::string_view>(element, property.in<std::optional<std::string>>(record));
+    case PropertyKind::real:
+      return take<double>(element, property.in<double>(record));
+    case PropertyKind::signedInteger:
+      return take<std::int64_t>(element, property.in<std::int64_t>(record));
+    case PropertyKind::unsignedInteger:
+      return take<std::uint64_t>(element, property.in<std::uint64_t>(record));
+    case PropertyKind::boolean:
+      return take<bool>(element, property.in<bool>(record));
+    case PropertyKind::path: {
+      dom::array positions;
+      if (element.get_array().get(positions) != simdjson::SUCCESS) return false;
+      property.in<std::optional<Path>>(record) = pathWithElements(positions);
       return true;
-    case dom::element_type::DOUBLE:
-      if (property.kind != PropertyKind::real) return false;
-      property.in<double>(record) = element.get_double().value_unsafe();
+    }
+    case PropertyKind::records: {
+      dom::array elements;
+      if (element.get_array().get(elements) != simdjson::SUCCESS) return false;
+      property.list->set(record, recordsWithElements(property.list->elementClass(), elements));
       return true;
-    case dom::element_type::INT64:
-      if (property.kind != PropertyKind::signedInteger) return false;
-      property.in<std::int64_t>(record) = element.get_int64().value_unsafe();
+    }
+    case PropertyKind::array: {
+      if (!element.is_array()) return false;
+      auto& field = property.in<std::optional<Array>>(record);
+      auto value = valueWithElement(element, 1);
+      field.reset();
+      if (value) field = std::move(value->get_ref<Array&>());
       return true;
-    case dom::element_type::BOOL:
-      if (property.kind != PropertyKind::boolean) return false;
-      property.in<bool>(record) = element.get_bool().value_unsafe();
-      return true;
-    default:
-      return false;
+    }
   }
+  return false;
 }
 
 void assignElement(const Property& property, Record& record, const dom::element& element) {
   if (assignOwnKind(property, record, element)) return;
-  if (const auto scalar = scalarWithElement(element)) {
-    assign(property, record, *scalar);
-    return;
-  }
-  assign(property, record, Scalar());  // a key that occurs twice: its first value counts no more
-  dom::array elements;
-  if (element.get_array().get(elements) != simdjson::SUCCESS) return;
-  switch (property.kind) {
-    case PropertyKind::path:
-      property.in<std::optional<Path>>(record) = pathWithElements(elements);
-      return;
-    case PropertyKind::array:
-      if (auto value = valueWithElement(element, 1)) {
-        property.in<std::optional<Array>>(record) = std::move(value->get_ref<Array&>());
-      }
-      return;
-    case PropertyKind::records:
-      property.list->set(record, recordsWithElements(property.list->elementClass(), elements));
-      return;
-    default:
-      return;
-  }
+  // No property takes a list or an object of another kind; like null, they put it back.
+  assign(property, record, scalarWithElement(element).value_or(Scalar()));
 }
 
 std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::object& object) {

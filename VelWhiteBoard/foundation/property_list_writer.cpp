@@ -20,39 +20,50 @@ constexpr std::string_view kHead =
     "<plist version=\"1.0\">\n";
 constexpr std::string_view kFoot = "</plist>\n";
 
+/// An element as it is written: each piece in one go, for most of a file is elements.
+struct Tag {
+  std::string_view open;
+  std::string_view close;
+  std::string_view empty;
+};
+constexpr Tag kString{"<string>", "</string>\n", {}};
+constexpr Tag kInteger{"<integer>", "</integer>\n", {}};
+constexpr Tag kReal{"<real>", "</real>\n", {}};
+constexpr Tag kArray{"<array>\n", "</array>\n", "<array/>\n"};
+constexpr Tag kDict{"<dict>\n", "</dict>\n", "<dict/>\n"};
+
 /// The lines of one value, at a depth of indentation.
 class ValueLines {
  public:
-  ValueLines(std::string& text, std::size_t depth) : text_(text), depth_(depth) {}
+  ValueLines(std::string& text, std::size_t depth) : text_(text), indent_(depth, '\t') {}
 
-  void add(const std::string& field) { element("string", field); }
-  void add(bool field) { line(field ? "<true/>" : "<false/>"); }
-  void add(std::int64_t field) { number("integer", field); }
-  void add(std::uint64_t field) { number("integer", field); }
-  void add(double field) { number("real", field); }
+  void add(const std::string& field) { element(kString, field); }
+  void add(bool field) { line(field ? "<true/>\n" : "<false/>\n"); }
+  void add(std::int64_t field) { number(kInteger, field); }
+  void add(std::uint64_t field) { number(kInteger, field); }
+  void add(double field) { number(kReal, field); }
   void add(const Path& field) {
-    container("array", [&] {
+    container(kArray, [&] {
       for (const auto position : field) addPosition(position);
     });
   }
   void add(const Array& field) {
-    container("array", [&] {
+    container(kArray, [&] {
       for (const Value& element : field) addFree(element);
     });
   }
   void add(const RecordList& field) {
-    container("array", [&] {
+    container(kArray, [&] {
       for (const auto& record : field) {
         if (record) add(*record);
       }
     });
   }
   void add(const Record& record) {
-    container("dict", [&] {
+    container(kDict, [&] {
       for (const Property& property : record.recordClass().properties) {
         visitWrittenField(property, record, [&](const auto& field) {
-          indent();
-          text_ += "<key>";
+          line("<key>");
           text_ += property.name;  // a name of ours: nothing in it needs an escape
           text_ += "</key>\n";
           add(field);
@@ -62,59 +73,42 @@ class ValueLines {
   }
 
  private:
-  void indent() { text_.append(depth_, '\t'); }
-
   void line(std::string_view content) {
-    indent();
+    text_ += indent_;
     text_ += content;
-    text_ += '\n';
   }
 
-  void open(std::string_view name) {
-    indent();
-    text_ += '<';
-    text_ += name;
-    text_ += '>';
-  }
-  void close(std::string_view name) {
-    text_ += "</";
-    text_ += name;
-    text_ += ">\n";
-  }
-
-  void element(std::string_view name, std::string_view content) {
-    open(name);
+  void element(const Tag& tag, std::string_view content) {
+    line(tag.open);
     appendXMLText(text_, content);
-    close(name);
+    text_ += tag.close;
   }
 
   template <class Number>
-  void number(std::string_view name, Number content) {
-    open(name);
+  void number(const Tag& tag, Number content) {
+    line(tag.open);
     appendNumber(text_, content);
-    close(name);
+    text_ += tag.close;
   }
 
   /// A container without content is one element, also when its content came to nothing.
   template <class AddContent>
-  void container(std::string_view name, const AddContent& addContent) {
-    open(name);
-    text_ += '\n';
+  void container(const Tag& tag, const AddContent& addContent) {
+    line(tag.open);
     const std::size_t start = text_.size();
-    ++depth_;
+    indent_ += '\t';
     addContent();
-    --depth_;
+    indent_.pop_back();
     if (text_.size() == start) {
-      text_.resize(start - std::string_view(">\n").size());
-      text_ += "/>\n";
+      text_.erase(start - tag.open.size());
+      text_ += tag.empty;
       return;
     }
-    indent();
-    close(name);
+    line(tag.close);
   }
 
   void addPosition(Path::Position position) {
-    container("array", [&] {
+    container(kArray, [&] {
       for (const double coordinate : position) add(std::isfinite(coordinate) ? coordinate : 0.0);
     });
   }
@@ -123,7 +117,7 @@ class ValueLines {
   /// not finite, and what is nested deeper than anything that was taken in.
   void addFree(const Value& value) {
     // The depth of indentation stands for the nesting: a record's own array is at depth 2.
-    if (depth_ > kMaximumValueDepth + 2) return;
+    if (indent_.size() > kMaximumValueDepth + 2) return;
     switch (value.type()) {
       case Value::value_t::boolean:
         return add(value.get<bool>());
@@ -146,22 +140,21 @@ class ValueLines {
   }
 
   void addMembers(const Dictionary& members) {
-    container("dict", [&] {
+    container(kDict, [&] {
       for (const auto& [key, member] : members) {
         const std::size_t start = text_.size();
-        indent();
-        text_ += "<key>";
+        line("<key>");
         appendXMLText(text_, key);
         text_ += "</key>\n";
         const std::size_t end = text_.size();
         addFree(member);
-        if (text_.size() == end) text_.resize(start);  // no value: no key either
+        if (text_.size() == end) text_.erase(start);  // no value: no key either
       }
     });
   }
 
   std::string& text_;
-  std::size_t depth_;
+  std::string indent_;
 };
 
 }  // namespace

@@ -41,7 +41,7 @@ class ThreadPool {
   /// Starts a thread that runs the function; throws when it cannot.
   using ThreadStarter = std::function<std::thread(std::function<void()>)>;
 
-  static constexpr std::size_t kMaxThreads = 16;
+  static constexpr std::size_t kMaxThreads = 8;
 
   explicit ThreadPool(std::size_t maxThreads = kMaxThreads, ThreadStarter startThread = nullptr);
   ~ThreadPool();

@@ -13,59 +13,76 @@ PageList::PageList(const VectorList& vectors) {
 }
 
 PageList::PageList(const PageList& other)
-    : chunks_(other.chunks_), end_(other.end_), size_(other.size_) {
-  // From now on neither list may change a chunk that both have.
-  for (const ChunkReference& reference : chunks_) reference.own = false;
-  for (const ChunkReference& reference : other.chunks_) reference.own = false;
+    : blocks_(other.blocks_), end_(other.end_), size_(other.size_) {
+  // From now on neither list may change a block that both have.
+  for (Part<Block>& part : blocks_) part.own = false;
+  for (Part<Block>& part : other.blocks_) part.own = false;
 }
 
 PageList::PageList(PageList&& other) noexcept
-    : chunks_(std::exchange(other.chunks_, {})),
+    : blocks_(std::exchange(other.blocks_, {})),
       end_(std::exchange(other.end_, 0)),
       size_(std::exchange(other.size_, 0)) {}
 
 PageList& PageList::operator=(PageList other) noexcept {
-  std::swap(chunks_, other.chunks_);
+  std::swap(blocks_, other.blocks_);
   std::swap(end_, other.end_);
   std::swap(size_, other.size_);
   return *this;
 }
 
 const VectorPtr& PageList::at(Place place) const noexcept {
-  return (*chunks_[place / kChunkEntries].chunk)[place % kChunkEntries];
+  const Block& block = *blocks_[place / kBlockEntries].shared;
+  return (*block[place / kChunkEntries % kBlockChunks].shared)[place % kChunkEntries];
 }
 
-PageList::Chunk& PageList::ownChunk(std::size_t index) {
-  ChunkReference& reference = chunks_[index];
-  if (!reference.own) {
+PageList::Block& PageList::ownBlock(std::size_t index) {
+  Part<Block>& part = blocks_[index];
+  if (!part.own) {
+    auto copy = std::make_shared<Block>();
+    copy->reserve(kBlockChunks);
+    *copy = *part.shared;
+    for (Part<Chunk>& chunk : *copy) chunk.own = false;
+    part = {std::move(copy), true};
+  }
+  return *part.shared;
+}
+
+PageList::Chunk& PageList::ownChunk(Place place) {
+  Part<Chunk>& part = ownBlock(place / kBlockEntries)[place / kChunkEntries % kBlockChunks];
+  if (!part.own) {
     auto copy = std::make_shared<Chunk>();
     copy->reserve(kChunkEntries);
-    *copy = *reference.chunk;
-    reference = {std::move(copy), true};
+    *copy = *part.shared;
+    part = {std::move(copy), true};
   }
-  return *reference.chunk;
+  return *part.shared;
 }
 
 PageList::Place PageList::push_back(VectorPtr vector) {
-  const std::size_t index = end_ / kChunkEntries;
-  if (index == chunks_.size()) chunks_.push_back({std::make_shared<Chunk>(), true});
-  ownChunk(index).push_back(std::move(vector));
+  if (end_ % kBlockEntries == 0) blocks_.push_back({std::make_shared<Block>(), true});
+  if (end_ % kChunkEntries == 0) {
+    ownBlock(end_ / kBlockEntries).push_back({std::make_shared<Chunk>(), true});
+  }
+  ownChunk(end_).push_back(std::move(vector));
   ++size_;
   return end_++;
 }
 
 void PageList::erase(Place place) {
-  VectorPtr& entry = ownChunk(place / kChunkEntries)[place % kChunkEntries];
+  VectorPtr& entry = ownChunk(place)[place % kChunkEntries];
   if (!entry) return;
   entry.reset();
   --size_;
   // The last place always holds an entry.
-  while (end_ > 0 && !at(end_ - 1)) {
-    Chunk& chunk = ownChunk((end_ - 1) / kChunkEntries);
-    chunk.pop_back();
-    --end_;
-    if (chunk.empty()) chunks_.pop_back();
-  }
+  while (end_ > 0 && !at(end_ - 1)) dropLastEntry();
+}
+
+void PageList::dropLastEntry() {
+  --end_;
+  ownChunk(end_).pop_back();
+  if (end_ % kChunkEntries == 0) ownBlock(end_ / kBlockEntries).pop_back();
+  if (end_ % kBlockEntries == 0) blocks_.pop_back();
 }
 
 bool PageList::isSparse() const noexcept {

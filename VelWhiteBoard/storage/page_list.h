@@ -13,9 +13,9 @@
 
 namespace VelWhiteBoard {
 
-/// Vectors in order. Copying takes a few steps for each thousand entries, because copies share
-/// their entries until one of them changes; that is how a save takes a page as it is while the pen
-/// goes on.
+/// Vectors in order. Copying takes a step for each 65,536 entries, because copies share their
+/// entries until one of them changes; that is how a save takes a page as it is while the pen goes
+/// on.
 ///
 /// An entry keeps its place (a number) until `pack()`; a removed one leaves a gap.
 ///
@@ -65,17 +65,24 @@ class PageList {
 
  private:
   static constexpr std::size_t kChunkEntries = 256;
-  using Chunk = std::vector<VectorPtr>;
+  static constexpr std::size_t kBlockChunks = 256;
+  static constexpr std::size_t kBlockEntries = kBlockChunks * kChunkEntries;
 
-  struct ChunkReference {
-    std::shared_ptr<Chunk> chunk;
-    /// Whether no copy of the list shares the chunk.
-    mutable bool own;
+  /// A part that copies of a list share until one of them is about to change it.
+  template <class T>
+  struct Part {
+    std::shared_ptr<T> shared;
+    /// Whether no copy of what holds this reference has it, too.
+    bool own;
   };
+  using Chunk = std::vector<VectorPtr>;
+  using Block = std::vector<Part<Chunk>>;
 
-  Chunk& ownChunk(std::size_t index);
+  Block& ownBlock(std::size_t index);
+  Chunk& ownChunk(Place place);
+  void dropLastEntry();
 
-  std::vector<ChunkReference> chunks_;
+  mutable std::vector<Part<Block>> blocks_;
   Place end_ = 0;
   std::size_t size_ = 0;
 };

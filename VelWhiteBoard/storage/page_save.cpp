@@ -11,8 +11,9 @@ namespace VelWhiteBoard {
 
 namespace {
 
-/// How many vectors are copied at a time while the storage may have to wait: some microseconds.
-constexpr std::size_t kCopiedAtATime = 32;
+/// How many vectors are copied at a time while the storage may have to wait: about a microsecond,
+/// which is no longer than `Mutex` waits before it goes to sleep.
+constexpr std::size_t kCopiedAtATime = 8;
 
 /// How many saves of one page may wait. Usually none does; a disk that hangs must not make them
 /// pile up.

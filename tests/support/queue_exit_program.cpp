@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "VelWhiteBoard/foundation/operation_queue.h"
+#include "VelWhiteBoard/foundation/thread_pool.h"
 
 #include "tests/support/gate.h"
 
@@ -85,7 +86,7 @@ void addChain(OperationQueue& queue, int left) {
 /// Ends the process inside an operation that a waiting operation of another queue runs: all other
 /// threads of the pool hang, so nobody else can.
 [[noreturn]] void endInsideAnOperationThatAnotherWaitsFor() {
-  constexpr int kOtherThreads = 15;
+  constexpr int kOtherThreads = static_cast<int>(ThreadPool::kMaxThreads) - 1;
   static OperationQueue* const waiting = new OperationQueue;
   static auto* const hanging = new std::vector<OperationQueue>(kOtherThreads);
   addsWhileItIsDestroyed.queue = std::make_unique<OperationQueue>();
