@@ -63,9 +63,9 @@ class alignas(double) Path::Chunk {
     return used_.compare_exchange_strong(expected, expected + 1, std::memory_order_relaxed);
   }
 
-  /// Copies the first `count` positions of `source`; this chunk must be fresh.
-  void takeFirst(const Chunk& source, std::size_t count) noexcept {
-    std::copy_n(source.slot(0), count * kTriple, slot(0));
+  /// Copies the first `count` positions of those at `source`; this chunk must be fresh.
+  void takeFirst(const double* source, std::size_t count) noexcept {
+    std::copy_n(source, count * kTriple, slot(0));
     used_.store(static_cast<std::uint32_t>(count), std::memory_order_relaxed);
   }
 
@@ -126,6 +126,7 @@ Path::Path(std::initializer_list<std::initializer_list<double>> positions) {
 Path::Path(const Path& other) noexcept = default;
 Path::Path(Path&& other) noexcept
     : size_(std::exchange(other.size_, 0)),
+      only_{other.only_[0], other.only_[1], other.only_[2]},
       tail_(std::move(other.tail_)),
       rest_(std::move(other.rest_)) {}
 Path& Path::operator=(const Path& other) noexcept {
@@ -140,6 +141,7 @@ Path::~Path() = default;
 
 void Path::swap(Path& other) noexcept {
   std::swap(size_, other.size_);
+  std::swap(only_, other.only_);
   std::swap(tail_, other.tail_);
   std::swap(rest_, other.rest_);
 }
@@ -155,7 +157,7 @@ Path::Position Path::operator[](std::size_t index) const noexcept {
       return {rest_->chunks[chunk]->slot(index % kChunkPositions), kTriple};
     }
   }
-  return {tail_->slot(index % kChunkPositions), kTriple};
+  return {tail_ ? tail_->slot(index % kChunkPositions) : only_, kTriple};
 }
 
 void Path::push_back(Position position) {
@@ -168,7 +170,7 @@ void Path::push_back(Position position) {
 }
 
 void Path::reserve(std::size_t positions) {
-  if (!tail_ && !rest_ && positions > 0) {
+  if (size_ == 0 && !tail_ && !rest_ && positions > 1) {
     tail_ = Shared<Chunk>(Chunk::make(std::min(positions, kChunkPositions)));
   }
 }
@@ -176,6 +178,11 @@ void Path::reserve(std::size_t positions) {
 void Path::addTriple(Position position) {
   // Read first: the view may point into the chunk that is about to be replaced.
   const double triple[kTriple] = {position[0], position[1], position[2]};
+  if (size_ == 0 && !tail_ && !rest_) {
+    std::copy_n(triple, kTriple, only_);
+    size_ = 1;
+    return;
+  }
   std::size_t used = size_ == 0 ? 0 : (size_ - 1) % kChunkPositions + 1;
   if (used == kChunkPositions) {
     // A new chunk starts small only for a path's first positions; a stroke this long goes on.
@@ -194,9 +201,9 @@ void Path::addTriple(Position position) {
 
 void Path::growTail(std::size_t used) {
   constexpr std::size_t kSecondCapacity = 8;
-  const std::size_t wanted = used == 0 ? 1 : std::max(kSecondCapacity, used * 2);
+  const std::size_t wanted = std::max(kSecondCapacity, used * 2);
   Shared<Chunk> grown(Chunk::make(std::min(wanted, kChunkPositions)));
-  if (tail_) grown->takeFirst(*tail_, used);
+  if (used > 0) grown->takeFirst(tail_ ? tail_->slot(0) : only_, used);
   tail_ = std::move(grown);
 }
 
@@ -234,7 +241,8 @@ void Path::makeUneven() {
 
 bool Path::equals(const Path& other) const noexcept {
   if (size_ != other.size_) return false;
-  if (tail_.get() == other.tail_.get() && rest_.get() == other.rest_.get()) return true;
+  const bool sharesAll = tail_.get() == other.tail_.get() && rest_.get() == other.rest_.get();
+  if (sharesAll && !isInline()) return true;
   for (std::size_t index = 0; index < size_; ++index) {
     const Position left = (*this)[index];
     const Position right = other[index];

@@ -105,7 +105,11 @@ class VELWHITEBOARD_EXPORT Path {
   void growTail(std::size_t used);
   Rest& ownRest();
 
+  /// Whether the path is one triple that stands in `only_`. Pieces of a stroke are, nearly all.
+  bool isInline() const noexcept { return size_ == 1 && !tail_ && !rest_; }
+
   std::size_t size_ = 0;
+  double only_[3] = {};
   /// The newest positions, while every position of the path has three numbers.
   Shared<Chunk> tail_;
   /// What does not fit the tail: the full chunks before it, or all positions of an uneven path.

@@ -62,7 +62,9 @@ PageList::Chunk& PageList::ownChunk(Place place) {
 PageList::Place PageList::push_back(VectorPtr vector) {
   if (end_ % kBlockEntries == 0) blocks_.push_back({std::make_shared<Block>(), true});
   if (end_ % kChunkEntries == 0) {
-    ownBlock(end_ / kBlockEntries).push_back({std::make_shared<Chunk>(), true});
+    auto chunk = std::make_shared<Chunk>();
+    if (end_ > 0) chunk->reserve(kChunkEntries);  // the first one grows: most lists are short
+    ownBlock(end_ / kBlockEntries).push_back({std::move(chunk), true});
   }
   ownChunk(end_).push_back(std::move(vector));
   ++size_;

@@ -10,18 +10,20 @@ namespace VelWhiteBoard {
 
 namespace {
 
+/// Whether `vector` was a piece of the stroke that `entry` is, and has been folded into it.
+bool continueStroke(VelWbBaseVector& entry, const VelWbBaseVector& vector, PendingSaves& saves) {
+  auto* stroke = recordCast<VelWbVecLine>(entry);
+  if (stroke == nullptr || recordCast<const VelWbVecPoint>(vector) == nullptr) return false;
+  if (entry.ID != vector.ID) return false;
+  saves.aboutToChange(entry);
+  stroke->append(vector);
+  return true;
+}
+
 /// Applies a saved vector that belongs to `entry`, which the index has under the vector's
-/// identifier.
+/// identifier, and is no piece of a stroke.
 void continueEntry(const VectorPtr& entry, const VectorPtr& vector, SnapList& snap,
                    SnapQuery& query, PendingSaves& saves) {
-  auto* stroke = recordCast<VelWbVecLine>(entry.get());
-  if (stroke != nullptr && recordCast<VelWbVecPoint>(vector.get()) != nullptr &&
-      entry->ID == vector->ID) {
-    saves.aboutToChange(*entry);
-    stroke->append(*vector);
-    return;
-  }
-
   const bool vectorIsBox = recordCast<VelWbVecSquare>(vector.get()) != nullptr;
   if (!snap.empty()) {
     const VectorPtr& last = snap.back();
@@ -108,7 +110,8 @@ void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, Pendi
   if (!isTransient(*vector)) {
     const auto found = query.find(*vector->ID);
     if (found != query.end()) {
-      const VectorPtr entry = found->second;
+      if (continueStroke(*found->second, *vector, saves)) return;
+      const VectorPtr entry = found->second;  // its place in the index may be taken by another
       return continueEntry(entry, vector, snap, query, saves);
     }
   }

@@ -67,10 +67,12 @@ const RecordClass& VelWbVecPoint::ownClass() {
   return own;
 }
 
-void VelWbVecPoint::append(const VelWbBaseVector& update) {
-  if (!isSameStroke(update)) return;
+void VelWbVecPoint::append(const VelWbBaseVector& update) { appendPositions(update); }
+
+bool VelWbVecPoint::appendPositions(const VelWbBaseVector& update) {
+  if (!isSameStroke(update)) return false;
   const auto* positioned = recordCast<const VelWbVecPoint>(update);
-  if (positioned == nullptr) return;
+  if (positioned == nullptr) return true;
 
   const auto* line = recordCast<const VelWbVecLine>(update);
   const bool moves = line != nullptr && line->offset.has_value();
@@ -80,6 +82,7 @@ void VelWbVecPoint::append(const VelWbBaseVector& update) {
   end = positioned->end;
   x = positioned->x;
   y = positioned->y;
+  return true;
 }
 
 double VelWbVecPoint::startTimeStamp() const {
@@ -98,9 +101,9 @@ const RecordClass& VelWbVecLine::ownClass() {
 }
 
 void VelWbVecLine::append(const VelWbBaseVector& update) {
-  VelWbVecPoint::append(update);
+  if (!appendPositions(update)) return;
   const auto* line = recordCast<const VelWbVecLine>(update);
-  if (line == nullptr || !isSameStroke(update)) return;
+  if (line == nullptr) return;
   if (line->pixel >= 1) pixel = line->pixel;
   if (line->ps >= 1) ps = line->ps;
   if (line->widthIndex >= 0) widthIndex = line->widthIndex;

@@ -55,6 +55,9 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
   }
 
  protected:
+  /// What `append` does here; answers whether `update` belongs to this stroke.
+  bool appendPositions(const VelWbBaseVector& update);
+
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 

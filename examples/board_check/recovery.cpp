@@ -1,7 +1,9 @@
 #include "recovery.h"
 
+#include <algorithm>
 #include <memory>
 #include <ostream>
+#include <set>
 #include <string>
 
 #include "VelWhiteBoard/foundation/file_system.h"
@@ -38,14 +40,12 @@ std::shared_ptr<VelWbVecSwitchPage> pageOfKey(const std::string& key) {
 }
 
 /// The present state of a page, from its log: the log is played into a board of its own, since only
-/// the storage knows how vectors become a page.
-VectorList replay(const std::string& key, const fs::path& log, const fs::path& scratch) {
-  // Read anew: the storage keeps and changes what it is given.
-  const ListFile again = inspectFile(log, VelWbBaseVector::ownClass());
+/// the storage knows how vectors become a page. Changes the records.
+VectorList replay(const std::string& key, const RecordList& log, const fs::path& scratch) {
   const auto storage = VWBVectorStorage::initWithPath(scratch.string());
   storage->setIgnoreChanges(false);
   storage->switchPage(pageOfKey(key));
-  for (const auto& record : again.records) {
+  for (const auto& record : log) {
     storage->saveVector(std::static_pointer_cast<VelWbBaseVector>(record));
   }
   const auto lists = storage->snapVectorss();
@@ -54,64 +54,113 @@ VectorList replay(const std::string& key, const fs::path& log, const fs::path& s
   return lists.at(key);
 }
 
-std::string count(std::size_t records) { return std::to_string(records) + " records"; }
+std::string count(std::size_t records) {
+  return std::to_string(records) + (records == 1 ? " record" : " records");
+}
+
+/// What a list was pieced together from, where that is not simply its file.
+std::string origin(const StoredList& list) {
+  std::string text;
+  if (!list.setAside.records.empty()) {
+    text += ", " + std::to_string(list.setAside.records.size()) + " of them set aside earlier";
+  }
+  if (!list.temporary.records.empty() && &list.best() == &list.temporary) {
+    text += ", " + std::to_string(list.temporary.records.size()) +
+            " of them from a write that did not end";
+  }
+  return text;
+}
+
+/// Writes the log and answers what it holds.
+RecordList recoverLog(const PageFiles& page, const fs::path& file, std::ostream& out) {
+  RecordList log = page.whole.savedRecords();
+  if (!log.empty() || page.whole.isComplete()) {
+    writeList(file, log);
+    out << "log of " << count(log.size()) << origin(page.whole);
+    return log;
+  }
+  // Without a log, the state is all that is known of how the page came about.
+  const RecordList state = page.snap.savedRecords();
+  writeList(file, state);
+  out << "log lost, its place taken by the " << count(state.size()) << " of the snapshot";
+  return {};
+}
 
 void recoverPage(const std::string& key, const PageFiles& page, const fs::path& folder,
                  const fs::path& scratch, std::ostream& out) {
-  const fs::path whole = folder / ("whole_" + key + ".plist");
-  const fs::path snap = folder / ("snap_" + key + ".plist");
   out << "page " << key << ": ";
-  // Without a log, the state is all that is known of how the page came about.
-  const bool hasLog = !page.whole.records.empty() || page.whole.isSound();
-  writeList(whole, hasLog ? page.whole.records : page.snap.records);
-  out << (hasLog ? "log of " + count(page.whole.records.size())
-                 : "log lost, its place taken by the " + count(page.snap.records.size()) +
-                       " of the snapshot");
-  if (page.snap.isSound()) {
-    writeList(snap, page.snap.records);
-    out << "; snapshot of " << count(page.snap.records.size()) << ".\n";
+  const RecordList log = recoverLog(page, folder / ("whole_" + key + ".plist"), out);
+  const fs::path snap = folder / ("snap_" + key + ".plist");
+  const RecordList left = page.snap.savedRecords();
+  if (page.snap.isFine()) {
+    writeList(snap, left);
+    out << "; snapshot of " << count(left.size()) << ".\n";
     return;
   }
-  const VectorList rebuilt = hasLog ? replay(key, page.whole.path, scratch) : VectorList();
-  // A log that broke off early may say less than what is left of the snapshot.
-  if (page.whole.isSound() || rebuilt.size() >= page.snap.records.size()) {
+  const VectorList rebuilt = replay(key, log, scratch);
+  // A log that is not whole may say less than what is left of the snapshot.
+  if (page.whole.isComplete() || rebuilt.size() > left.size()) {
     writeList(snap, rebuilt);
     out << "; snapshot rebuilt from the log, " << count(rebuilt.size()) << ".\n";
   } else {
-    writeList(snap, page.snap.records);
-    out << "; snapshot cut off after " << count(page.snap.records.size()) << ".\n";
+    writeList(snap, left);
+    out << "; snapshot " << (page.snap.isComplete() ? "of " : "cut off after ")
+        << count(left.size()) << origin(page.snap) << ".\n";
   }
 }
 
 RecordList visitedPages(const BoardFiles& board, std::ostream& out) {
   RecordList pages;
-  for (const auto& record : board.pageList.records) {
-    if (recordCast<VelWbVecSwitchPage>(record.get()) != nullptr) pages.push_back(record);
+  std::set<std::string> listed;
+  for (const auto& record : board.pageList.savedRecords()) {
+    const auto* page = recordCast<VelWbVecSwitchPage>(record.get());
+    if (page == nullptr) continue;
+    pages.push_back(record);
+    listed.insert(page->pageInfo());
   }
-  if (board.pageList.isSound()) return pages;
+  if (board.pageList.isFine()) return pages;
   // What is missing in the list of visits is at least findable: each page once, at the beginning.
   RecordList all;
   for (const auto& [key, page] : board.pages) {
-    bool isListed = false;
-    for (const auto& record : pages) {
-      isListed = isListed || static_cast<const VelWbVecSwitchPage&>(*record).pageInfo() == key;
-    }
-    if (!isListed) all.push_back(pageOfKey(key));
+    if (!listed.contains(key)) all.push_back(pageOfKey(key));
   }
-  out << "page.plist: " << count(pages.size()) << " kept, " << all.size()
-      << " made up from the names of files.\n";
+  out << "page.plist: " << count(pages.size()) << " kept" << origin(board.pageList) << "; "
+      << all.size() << " made up from the names of files.\n";
   all.insert(all.end(), pages.begin(), pages.end());
   return all;
+}
+
+/// Whether `path` is `folder` or lies in it, or will once it has been made.
+bool liesIn(const fs::path& path, const fs::path& folder) {
+  const fs::path inner = fs::weakly_canonical(fs::absolute(path) / "");
+  const fs::path outer = fs::weakly_canonical(fs::absolute(folder) / "");
+  return std::mismatch(outer.begin(), std::prev(outer.end()), inner.begin(), inner.end()).first ==
+         std::prev(outer.end());
+}
+
+/// Only where nothing is may anything be written.
+void requireNothingAt(const fs::path& target, const BoardFiles& board) {
+  const std::string name = target.string();
+  const fs::file_status status = fs::status(target);
+  if (fs::exists(status) && !fs::is_directory(status)) {
+    throw CannotRecover(name + " exists and is no folder");
+  }
+  if (fs::exists(status) && !fs::is_empty(target)) {
+    throw CannotRecover(name + " exists and is not empty");
+  }
+  for (const fs::path& folder : {board.asked, board.folder}) {
+    if (liesIn(target, folder)) {
+      throw CannotRecover(name + " lies in " + folder.string() + ", in which nothing is changed");
+    }
+  }
 }
 
 }  // namespace
 
 void recover(const BoardFiles& board, const fs::path& target, std::ostream& out) {
-  std::error_code error;
-  if (fs::exists(target, error) && !fs::is_empty(target, error)) {
-    throw CannotRecover(target.string() + " exists and is not empty");
-  }
+  requireNothingAt(target, board);
   const fs::path folder = target / "whiteBoard";
+  std::error_code error;
   if (!fs::create_directories(folder, error)) {
     throw CannotRecover("cannot make " + folder.string() + ": " + error.message());
   }

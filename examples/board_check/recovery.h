@@ -15,8 +15,8 @@ class CannotRecover : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Writes a board below `target`, which must be missing or empty, and tells what each page is made
-/// of.
+/// Writes a board below `target`, which must be missing or empty and lie outside the old board, and
+/// tells what each page is made of. Changes the records of `board`.
 void recover(const BoardFiles& board, const std::filesystem::path& target, std::ostream& out);
 
 }  // namespace board_check

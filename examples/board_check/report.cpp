@@ -1,61 +1,104 @@
 #include "report.h"
 
+#include <algorithm>
 #include <ostream>
+#include <string>
+#include <string_view>
 
 namespace board_check {
 
 namespace {
 
+constexpr const char* kStrictReader = "  A strict reader ";
+
+/// A text from a file for a terminal: short, and without what a terminal would obey.
+std::string printable(std::string_view text) {
+  constexpr std::size_t kLongest = 100;
+  std::string shown(text.substr(0, kLongest));
+  std::replace_if(
+      shown.begin(), shown.end(),
+      [](char byte) { return (byte >= '\0' && byte < ' ') || byte == '\x7F'; }, '?');
+  return text.size() > kLongest ? shown + "..." : shown;
+}
+
 void printTypes(const ListFile& file, std::ostream& out) {
-  const char* before = ": ";
+  constexpr std::size_t kMostTypes = 30;
+  std::size_t shown = 0;
   for (const auto& [type, count] : file.types) {
-    out << before << count << ' ' << type;
-    before = ", ";
+    if (shown == kMostTypes) {
+      out << ", and " << file.types.size() - shown << " types more";
+      return;
+    }
+    out << (shown++ == 0 ? ": " : ", ") << count << ' ' << printable(type);
   }
 }
 
 void printRecords(const ListFile& file, std::ostream& out) {
   out << file.records.size() << (file.records.size() == 1 ? " record" : " records");
   printTypes(file, out);
+  out << ".\n";
 }
 
-void printFile(const ListFile& file, const std::string& name, std::ostream& out) {
-  out << name << ": ";
-  if (!file.exists) {
-    out << "MISSING.\n";
-  } else if (file.cannotRead) {
+/// What the file holds, up to where it breaks.
+void printContents(const ListFile& file, std::ostream& out) {
+  if (file.cannotRead) {
     out << "CANNOT BE OPENED: " << *file.cannotRead << ".\n";
   } else if (file.result.ok()) {
     out << "readable, ";
     printRecords(file, out);
-    out << ".\n";
-    if (!file.isAsWritten) {
-      out << "  It is not byte for byte what the library writes; the next save may change it.\n";
-    }
+    if (!file.differsAt) return;
+    out << kStrictReader << "may object at line " << file.differsAt->line << ", column "
+        << file.differsAt->column
+        << ": from there on\n  it is not what the library writes, and the next save may change "
+           "it.\n";
   } else {
     out << "DAMAGED at line " << file.result.line << ", column " << file.result.column << ": "
-        << file.result.error << ".\n  A strict reader refuses the whole file. Before that place: ";
+        << printable(file.result.error) << ".\n"
+        << kStrictReader << "refuses the whole file. Before that place: ";
     printRecords(file, out);
-    out << ".\n";
   }
 }
 
-void printNames(const std::vector<std::string>& names, const char* what, std::ostream& out) {
-  for (const std::string& name : names) out << name << ": " << what << '\n';
+void printList(const StoredList& list, const std::string& name, std::ostream& out) {
+  out << name << ": ";
+  if (list.current.exists) {
+    printContents(list.current, out);
+  } else {
+    out << "MISSING.\n";
+  }
+  if (list.setAside.exists) {
+    out << name
+        << ".damaged: set aside, before it was replaced, because it could not be read.\n  Now: ";
+    printContents(list.setAside, out);
+  }
+  if (list.temporary.exists) {
+    out << name << ".tmp: a write that did not end; ";
+    printRecords(list.temporary, out);
+  }
+}
+
+/// A page of which nothing but the beginning of its first write was left by a crash.
+void printTemporary(const StoredList& list, const std::string& name, std::ostream& out) {
+  if (!list.temporary.exists) return;
+  out << name << ".tmp: a first write that did not end; ";
+  printRecords(list.temporary, out);
 }
 
 }  // namespace
 
 void printReport(const BoardFiles& board, std::ostream& out) {
   out << board.folder.string() << '\n';
-  if (board.pageList.exists || !board.pages.empty()) printFile(board.pageList, "page.plist", out);
+  if (board.isEmpty()) out << "The board is empty.\n";
+  const bool needsPageList = board.pageList.isKnown() || board.hasKnownPages();
+  (needsPageList ? printList : printTemporary)(board.pageList, "page.plist", out);
   for (const auto& [key, page] : board.pages) {
-    printFile(page.whole, "whole_" + key + ".plist", out);
-    printFile(page.snap, "snap_" + key + ".plist", out);
+    const auto print = page.isKnown() ? printList : printTemporary;
+    print(page.whole, "whole_" + key + ".plist", out);
+    print(page.snap, "snap_" + key + ".plist", out);
   }
-  printNames(board.setAside, "DAMAGED earlier, and set aside before it was replaced.", out);
-  printNames(board.temporaries, "a write that did not end; it means nothing.", out);
-  printNames(board.strangers, "no file of a board.", out);
+  for (const std::string& name : board.strangers) {
+    out << printable(name) << ": no file of a board.\n";
+  }
   out << (board.isAllFine() ? "All is fine.\n" : "Something is damaged.\n");
 }
 
