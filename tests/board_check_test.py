@@ -4,6 +4,8 @@
     board_check_test.py BOARD_CHECK LESSON
 """
 
+import filecmp
+import os
 import pathlib
 import plistlib
 import shutil
@@ -55,10 +57,12 @@ class Boards(unittest.TestCase):
         self.files = self.board / "whiteBoard"
 
     def check(self, *arguments):
-        return subprocess.run([BOARD_CHECK, *map(str, arguments)], capture_output=True, text=True)
+        return subprocess.run([BOARD_CHECK, *map(str, arguments)], capture_output=True, text=True,
+                              timeout=120)
 
     def contents(self):
-        return {file.name: file.read_bytes() for file in self.files.iterdir()}
+        return {str(file): file.read_bytes() if file.is_file() else file.lstat().st_mtime_ns
+                for file in [self.board, *self.board.rglob("*")]}
 
     def recovered(self, name):
         return plist(self.out / "whiteBoard" / name)
@@ -82,8 +86,11 @@ class Boards(unittest.TestCase):
     def test_a_sound_board_is_recovered_as_it_is(self):
         result = self.check(self.board, "--recover", self.out)
         self.assertEqual(result.returncode, 0, result.stderr)
-        for name, contents in self.contents().items():
-            self.assertEqual((self.out / "whiteBoard" / name).read_bytes(), contents, name)
+        files = [file.name for file in self.files.iterdir()]
+        self.assertEqual(sorted(files), sorted(file.name for file in (self.out / "whiteBoard").iterdir()))
+        self.assertEqual(filecmp.cmpfiles(self.files, self.out / "whiteBoard", files, shallow=False),
+                         (files, [], []))
+        self.assertEqual([file.name for file in self.out.iterdir()], ["whiteBoard"])
 
     def test_of_a_log_cut_off_anywhere_the_records_before_are_saved(self):
         file = self.files / "whole_7_1.plist"
@@ -138,31 +145,90 @@ class Boards(unittest.TestCase):
             self.assertEqual([(page["WBID"], page["curPage"]) for page in self.recovered("page.plist")],
                              [(7, 1), (7, 2)])
 
-    def test_what_was_set_aside_counts_as_damage_and_strangers_do_not(self):
-        (self.files / "notes.txt").write_text("mine")
-        (self.files / "snap_x.plist").write_text("mine")
+    def test_strangers_and_temporaries_do_no_harm(self):
+        strangers = ["notes.txt", "snap_x.plist", "snap_07_1.plist", "whole_7_1.plist.old", ".DS_Store",
+                     "mine.tmp", "mine.plist.damaged", "snap_7_1.plist.damaged.tmp"]
+        for name in strangers:
+            (self.files / name).write_text("mine")
+        (self.files / "folder").mkdir()
         (self.files / "page.plist.tmp").write_text("")
         result = self.check(self.board)
         self.assertEqual(result.returncode, 0)
-        for line in ["notes.txt: no file of a board.", "snap_x.plist: no file of a board.",
-                     "page.plist.tmp: a write that did not end; it means nothing."]:
-            self.assertIn(line + "\n", result.stdout)
-        (self.files / "snap_7_1.plist.damaged").write_text("")
+        for name in [*strangers, "folder"]:
+            self.assertIn(name + ": no file of a board.\n", result.stdout)
+        self.assertIn("page.plist.tmp: a write that did not end; 0 records.\n", result.stdout)
+
+    def test_a_page_of_which_a_crash_left_only_a_temporary_counts_as_none(self):
+        text = (self.files / "whole_7_2.plist").read_bytes()
+        (self.files / "whole_7_3.plist.tmp").write_bytes(text[:-60])
         result = self.check(self.board)
-        self.assertEqual(result.returncode, 1)
-        self.assertIn("snap_7_1.plist.damaged: DAMAGED earlier", result.stdout)
+        self.assertEqual(result.returncode, 0, result.stdout)
+        self.assertIn("whole_7_3.plist.tmp: a first write that did not end; 1 record: ", result.stdout)
+        self.assertNotIn("MISSING", result.stdout)
+        self.check(self.board, "--recover", self.out)
+        self.assertEqual(self.recovered("snap_7_3.plist"), plist(self.files / "snap_7_2.plist"))
+
+    def test_a_write_that_did_not_end_stands_in_when_it_holds_more(self):
+        for name in ["whole_7_1.plist", "snap_7_1.plist"]:
+            (self.files / name).rename(self.files / (name + ".tmp"))
+        result = self.recover()
+        self.assertIn("log of 8 records, 8 of them from a write that did not end; snapshot rebuilt", result.stdout)
+        for name in ["whole_7_1.plist", "snap_7_1.plist"]:
+            self.assertEqual(self.recovered(name), plist(self.files / (name + ".tmp")))
+        (self.files / "whole_7_1.plist.tmp").rename(self.files / "whole_7_1.plist")
+        (self.files / "whole_7_1.plist.tmp").write_bytes(b"<plist><array>")
+        self.assertNotIn("of them from a write", self.recover().stdout)
+
+    def test_an_empty_board_is_fine_and_a_folder_without_a_board_is_a_mistake(self):
+        shutil.rmtree(self.files)
+        self.files.mkdir()
+        for folder in [self.board, self.files, str(self.files) + "/."]:
+            result = self.check(folder)
+            self.assertEqual((result.returncode, result.stderr), (0, ""))
+            self.assertIn("The board is empty.\nAll is fine.\n", result.stdout)
+        self.files.rmdir()
+        for stranger in [None, "notes.txt"]:
+            if stranger:
+                (self.board / stranger).write_text("mine")
+            result = self.check(self.board, "--recover", self.out)
+            self.assertEqual((result.returncode, result.stdout), (2, ""))
+            self.assertIn("there is no board", result.stderr)
+            self.assertFalse(self.out.exists())
 
     def test_mistakes_have_a_status_of_their_own_and_write_nothing(self):
         self.out.mkdir()
         (self.out / "mine").write_text("mine")
-        for arguments in [(), (self.board / "nothing",), (self.board, "--unknown"),
-                          (self.board, "--recover", self.out),
-                          (self.board, "--recover", "/proc/nowhere")]:
+        file = self.out / "mine"
+        missing = self.board / "nothing"
+        before = self.contents()
+        for arguments, message in [
+                ((), "DIR is required"), ((self.board, "--unknown"), "--unknown"),
+                ((missing,), f"{missing}: No such file or directory"),
+                ((file,), f"{file}: Not a directory"),
+                ((self.board, "--recover", self.out), f"{self.out} exists and is not empty"),
+                ((self.board, "--recover", file), f"{file} exists and is no folder"),
+                ((self.board, "--recover", "/proc/nowhere"), "cannot make /proc/nowhere/whiteBoard: "),
+                ((self.board, "--recover", missing), f"{missing} lies in {self.board}, in which nothing is changed"),
+                ((self.files, "--recover", self.files / ".." / "whiteBoard" / "a" / "b"), "nothing is changed")]:
             with self.subTest(arguments=arguments):
                 result = self.check(*arguments)
                 self.assertEqual(result.returncode, 2)
-                self.assertNotEqual(result.stderr, "")
+                self.assertIn(message, result.stderr)
         self.assertEqual([file.name for file in self.out.iterdir()], ["mine"])
+        self.assertEqual(self.contents(), before)
+
+    def test_an_empty_board_is_not_recovered_into_itself(self):
+        shutil.rmtree(self.files)
+        self.files.mkdir()
+        self.assertEqual(self.check(self.files, "--recover", self.files).returncode, 2)
+        self.assertEqual(list(self.files.iterdir()), [])
+        self.assertEqual(self.check(self.board, "--recover", self.out).returncode, 0)
+        self.assertEqual(self.recovered("page.plist"), [])
+
+    def test_a_neighbour_whose_name_begins_the_same_is_outside(self):
+        neighbour = self.board.with_name("board2")
+        self.assertEqual(self.check(self.board, "--recover", str(neighbour) + "/").returncode, 0)
+        self.assertEqual(self.check(neighbour).returncode, 0)
 
 
 if __name__ == "__main__":

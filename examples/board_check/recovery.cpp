@@ -99,7 +99,8 @@ void recoverPage(const std::string& key, const PageFiles& page, const fs::path& 
   }
   const VectorList rebuilt = replay(key, log, scratch);
   // A log that is not whole may say less than what is left of the snapshot.
-  if (page.whole.isComplete() || rebuilt.size() > left.size()) {
+  const bool isRebuiltBetter = !log.empty() && rebuilt.size() >= left.size();
+  if (page.whole.isComplete() || isRebuiltBetter) {
     writeList(snap, rebuilt);
     out << "; snapshot rebuilt from the log, " << count(rebuilt.size()) << ".\n";
   } else {
