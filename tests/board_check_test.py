@@ -1,81 +1,18 @@
 #!/usr/bin/env python3
-"""What `board-check` tells of damaged boards, and what it saves of them.
+"""What `board-check` tells of boards, and what it saves of them.
 
     board_check_test.py BOARD_CHECK LESSON
 """
 
 import filecmp
-import os
-import pathlib
-import plistlib
 import shutil
-import subprocess
 import sys
-import tempfile
 import unittest
 
-BOARD_CHECK, LESSON = sys.argv[1:3]
-PAGE = '{"type":"switchPage","ts":%d,"ID":"p%d","WBID":7,"resource":1,"curPage":%d,"totalPage":2}'
-LINE = ('{"type":"line","ts":%d,"ID":"%s","x":0.1,"y":0.2,"color":"#FF3467FF","pixel":4,"ps":400,'
-        '"path":[[0.1,0.2,%d]]}')
-TEXT = '{"type":"text","ts":9,"ID":"t","x":0,"y":0,"w":9,"h":9,"text":"hello"}'
-REMOVE = '{"type":"remove","ts":10,"ID":"r","rmID":"b"}'
+from support.checked_boards import CheckedBoards, plist
 
 
-def small_lesson():
-    lines = [PAGE % (1, 1, 1)]
-    lines += [LINE % (ts, "abc"[ts % 3], ts) for ts in range(2, 8)]
-    lines += [TEXT, REMOVE, PAGE % (20, 2, 2), LINE % (21, "d", 21)]
-    return "\n".join(lines) + "\n"
-
-
-def plist(path):
-    with open(path, "rb") as file:
-        return plistlib.load(file, fmt=plistlib.FMT_XML)
-
-
-class Boards(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        cls.home = tempfile.TemporaryDirectory()
-        cls.whole_board = pathlib.Path(cls.home.name) / "whole"
-        lesson = pathlib.Path(cls.home.name) / "lesson.ndjson"
-        lesson.write_text(small_lesson(), encoding="utf-8")
-        subprocess.run([LESSON, lesson, "--board", cls.whole_board], check=True,
-                       stdout=subprocess.DEVNULL)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.home.cleanup()
-
-    def setUp(self):
-        self.temporary = tempfile.TemporaryDirectory()
-        self.addCleanup(self.temporary.cleanup)
-        self.board = pathlib.Path(self.temporary.name) / "board"
-        self.out = pathlib.Path(self.temporary.name) / "out"
-        shutil.copytree(self.whole_board, self.board)
-        self.files = self.board / "whiteBoard"
-
-    def check(self, *arguments):
-        return subprocess.run([BOARD_CHECK, *map(str, arguments)], capture_output=True, text=True,
-                              timeout=120)
-
-    def contents(self):
-        return {str(file): file.read_bytes() if file.is_file() else file.lstat().st_mtime_ns
-                for file in [self.board, *self.board.rglob("*")]}
-
-    def recovered(self, name):
-        return plist(self.out / "whiteBoard" / name)
-
-    def recover(self):
-        before = self.contents()
-        shutil.rmtree(self.out, ignore_errors=True)
-        result = self.check(self.board, "--recover", self.out)
-        self.assertEqual(self.contents(), before, "the board itself is never changed")
-        self.assertEqual(result.returncode, 1, result.stdout + result.stderr)
-        self.assertEqual(self.check(self.out).returncode, 0, "what is recovered is fine")
-        return result
-
+class Boards(CheckedBoards):
     def test_a_sound_board_is_all_fine(self):
         for folder in [self.board, self.files]:
             result = self.check(folder)
@@ -160,7 +97,7 @@ class Boards(unittest.TestCase):
 
     def test_a_page_of_which_a_crash_left_only_a_temporary_counts_as_none(self):
         text = (self.files / "whole_7_2.plist").read_bytes()
-        (self.files / "whole_7_3.plist.tmp").write_bytes(text[:-60])
+        (self.files / "whole_7_3.plist.tmp").write_bytes(text[:-10])
         result = self.check(self.board)
         self.assertEqual(result.returncode, 0, result.stdout)
         self.assertIn("whole_7_3.plist.tmp: a first write that did not end; 1 record: ", result.stdout)
@@ -169,13 +106,18 @@ class Boards(unittest.TestCase):
         self.assertEqual(self.recovered("snap_7_3.plist"), plist(self.files / "snap_7_2.plist"))
 
     def test_a_write_that_did_not_end_stands_in_when_it_holds_more(self):
-        for name in ["whole_7_1.plist", "snap_7_1.plist"]:
-            (self.files / name).rename(self.files / (name + ".tmp"))
-        result = self.recover()
-        self.assertIn("log of 8 records, 8 of them from a write that did not end; snapshot rebuilt", result.stdout)
-        for name in ["whole_7_1.plist", "snap_7_1.plist"]:
-            self.assertEqual(self.recovered(name), plist(self.files / (name + ".tmp")))
-        (self.files / "whole_7_1.plist.tmp").rename(self.files / "whole_7_1.plist")
+        log, snap = self.files / "whole_7_1.plist", self.files / "snap_7_1.plist"
+        log.rename(self.files / "whole_7_1.plist.tmp")
+        for state, replacement in [("missing", None), ("cut off", b"<plist><array>")]:
+            with self.subTest(log=state):
+                if replacement is not None:
+                    log.write_bytes(replacement)
+                snap.write_bytes(b"")
+                self.assertIn("log of 8 records, 8 of them from a write that did not end; snapshot rebuilt",
+                              self.recover().stdout)
+                for name in [log.name, snap.name]:
+                    self.assertEqual(self.recovered(name), plist(self.whole_board / "whiteBoard" / name))
+        shutil.copy(self.whole_board / "whiteBoard" / log.name, log)
         (self.files / "whole_7_1.plist.tmp").write_bytes(b"<plist><array>")
         self.assertNotIn("of them from a write", self.recover().stdout)
 

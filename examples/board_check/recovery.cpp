@@ -43,8 +43,8 @@ std::shared_ptr<VelWbVecSwitchPage> pageOfKey(const std::string& key) {
 /// the storage knows how vectors become a page. Changes the records.
 VectorList replay(const std::string& key, const RecordList& log, const fs::path& scratch) {
   const auto storage = VWBVectorStorage::initWithPath(scratch.string());
+  storage->switchPage(pageOfKey(key));  // not to be recorded: nobody asks for the pages visited
   storage->setIgnoreChanges(false);
-  storage->switchPage(pageOfKey(key));
   for (const auto& record : log) {
     storage->saveVector(std::static_pointer_cast<VelWbBaseVector>(record));
   }
@@ -97,7 +97,7 @@ void recoverPage(const std::string& key, const PageFiles& page, const fs::path& 
     out << "; snapshot of " << count(left.size()) << ".\n";
     return;
   }
-  const VectorList rebuilt = replay(key, log, scratch);
+  const VectorList rebuilt = log.empty() ? VectorList() : replay(key, log, scratch);
   // A log that is not whole may say less than what is left of the snapshot.
   const bool isRebuiltBetter = !log.empty() && rebuilt.size() >= left.size();
   if (page.whole.isComplete() || isRebuiltBetter) {
@@ -131,12 +131,16 @@ RecordList visitedPages(const BoardFiles& board, std::ostream& out) {
   return all;
 }
 
+fs::path withoutLinks(const fs::path& path) {
+  const fs::path real = fs::weakly_canonical(fs::absolute(path));
+  return real.has_filename() ? real : real.parent_path();
+}
+
 /// Whether `path` is `folder` or lies in it, or will once it has been made.
 bool liesIn(const fs::path& path, const fs::path& folder) {
-  const fs::path inner = fs::weakly_canonical(fs::absolute(path) / "");
-  const fs::path outer = fs::weakly_canonical(fs::absolute(folder) / "");
-  return std::mismatch(outer.begin(), std::prev(outer.end()), inner.begin(), inner.end()).first ==
-         std::prev(outer.end());
+  const fs::path inner = withoutLinks(path);
+  const fs::path outer = withoutLinks(folder);
+  return std::mismatch(outer.begin(), outer.end(), inner.begin(), inner.end()).first == outer.end();
 }
 
 /// Only where nothing is may anything be written.

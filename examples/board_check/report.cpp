@@ -11,14 +11,23 @@ namespace {
 
 constexpr const char* kStrictReader = "  A strict reader ";
 
+bool continuesCharacter(char byte) { return (byte & '\xC0') == '\x80'; }
+
 /// A text from a file for a terminal: short, and without what a terminal would obey.
 std::string printable(std::string_view text) {
   constexpr std::size_t kLongest = 100;
-  std::string shown(text.substr(0, kLongest));
-  std::replace_if(
-      shown.begin(), shown.end(),
-      [](char byte) { return (byte >= '\0' && byte < ' ') || byte == '\x7F'; }, '?');
-  return text.size() > kLongest ? shown + "..." : shown;
+  std::size_t size = std::min(text.size(), kLongest);
+  while (size > 0 && size < text.size() && continuesCharacter(text[size])) --size;
+  std::string shown(text.substr(0, size));
+  for (std::size_t i = 0; i < size; ++i) {
+    const bool isControl = (shown[i] >= '\0' && shown[i] < ' ') || shown[i] == '\x7F';
+    // U+0080 to U+009F are controls as well; the first byte of each is C2.
+    const bool isLateControl =
+        shown[i] == '\xC2' && i + 1 < size && (shown[i + 1] & '\xE0') == '\x80';
+    if (isControl || isLateControl) shown[i] = '?';
+    if (isLateControl) shown[i + 1] = '?';
+  }
+  return size < text.size() ? shown + "..." : shown;
 }
 
 void printTypes(const ListFile& file, std::ostream& out) {
