@@ -124,7 +124,8 @@ TEST(Path, NumbersAreKeptToTheLastBit) {
 }
 
 TEST(Path, ACopySharesThePositionsInsteadOfCopyingThem) {
-  for (const std::size_t count : {1U, 10U, 1024U, 3500U}) {
+  // An only position stands in the path itself.
+  for (const std::size_t count : {2U, 10U, 1024U, 3500U}) {
     const Path path = longPath(count);
     const Path copy = path;  // NOLINT(performance-unnecessary-copy-initialization): the point
     for (std::size_t index = 0; index < count; ++index) {
@@ -134,6 +135,30 @@ TEST(Path, ACopySharesThePositionsInsteadOfCopyingThem) {
   const Path uneven{{1, 2}, {3, 4, 5}};
   const Path copy = uneven;  // NOLINT(performance-unnecessary-copy-initialization): the point
   EXPECT_EQ(copy[1].data(), uneven[1].data());
+}
+
+TEST(Path, OfOnePositionIsAValueLikeAnyOther) {
+  Path path{{1, 2, 3}};
+  const Path copy = path;  // NOLINT(performance-unnecessary-copy-initialization): the point
+  EXPECT_EQ(copy, path);
+  EXPECT_NE(copy, (Path{{1, 2, 4}}));
+  EXPECT_NE(copy, Path());
+  EXPECT_NE(copy, (Path{{1, 2}}));
+
+  path.push_back(path[0]);
+  EXPECT_EQ(path, (Path{{1, 2, 3}, {1, 2, 3}}));
+  EXPECT_EQ(copy, (Path{{1, 2, 3}}));
+
+  Path moved = std::move(path);
+  Path single = copy;
+  moved.swap(single);
+  EXPECT_EQ(moved, copy);
+  EXPECT_EQ(single, (Path{{1, 2, 3}, {1, 2, 3}}));
+  Path taken = std::move(moved);
+  EXPECT_EQ(taken, copy);
+
+  taken.push_back({4, 5});
+  EXPECT_EQ(taken, (Path{{1, 2, 3}, {4, 5}}));
 }
 
 TEST(Path, WhatIsAddedAfterACopyIsSeenOnlyByThePathItWasAddedTo) {

@@ -16,8 +16,8 @@ namespace VelWhiteBoard {
 /// The positions of a stroke, oldest first, as a value.
 ///
 /// A position is a short row of numbers: horizontal, vertical and usually the time of the position.
-/// Rows of three take 24 bytes each; rows of any other length are kept exactly, at a few bytes
-/// more.
+/// Rows of three take 24 bytes each, an only one no allocation; rows of any other length are kept
+/// exactly, at a few bytes more.
 ///
 /// Adding a position costs the same however long the path is, and so does copying a path: copies
 /// share the positions that they have in common. That is what lets a save take a stroke as it is at

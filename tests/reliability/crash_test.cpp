@@ -2,25 +2,18 @@
 // then every file of its board must be one whole generation that the process had announced.
 //
 // VELWB_KILLS sets the number of kills, VELWB_SEED the seed of all chances.
-#include <algorithm>
-#include <array>
-#include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <memory>
-#include <poll.h>
 #include <random>
 #include <set>
-#include <spawn.h>
 #include <sstream>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -28,9 +21,8 @@
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 #include "tests/reliability/generations.h"
+#include "tests/reliability/player_process.h"
 #include "tests/support/temporary_folder.h"
-
-extern char** environ;
 
 namespace VelWhiteBoard {
 namespace {
@@ -43,90 +35,6 @@ std::uint32_t numberFrom(const char* variable, std::uint32_t otherwise) {
   const char* const text = std::getenv(variable);
   return text ? static_cast<std::uint32_t>(std::strtoul(text, nullptr, 10)) : otherwise;
 }
-
-/// A process that plays, and what it announces.
-class Player {
- public:
-  Player(const std::string& directory, std::uint32_t seed, const std::string& steps = "") {
-    std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) std::abort();
-    posix_spawn_file_actions_t actions;
-    ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-    ::posix_spawn_file_actions_addclose(&actions, ends[0]);
-    ::posix_spawn_file_actions_addclose(&actions, ends[1]);
-    std::vector<std::string> words = {VELWB_CRASH_PLAYER, directory, VELWB_LESSON,
-                                      std::to_string(seed)};
-    if (!steps.empty()) words.push_back(steps);
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    if (::posix_spawn(&process_, words[0].c_str(), &actions, nullptr, arguments.data(), environ)) {
-      process_ = -1;
-    }
-    ::posix_spawn_file_actions_destroy(&actions);
-    ::close(ends[1]);
-    output_ = ends[0];
-  }
-  ~Player() {
-    kill();
-    ::close(output_);
-  }
-  Player(const Player&) = delete;
-  Player& operator=(const Player&) = delete;
-
-  bool isRunning() const { return process_ > 0; }
-  std::size_t lines() const { return lines_; }
-  const std::string& output() const { return text_; }
-
-  /// Waits for output, at most so long; false at its end.
-  bool read(std::chrono::milliseconds atMost) {
-    pollfd waiting{output_, POLLIN, 0};
-    if (::poll(&waiting, 1, static_cast<int>(atMost.count())) <= 0) return true;
-    std::array<char, 65536> block;
-    const ssize_t size = ::read(output_, block.data(), block.size());
-    if (size <= 0) return false;
-    const std::string_view piece(block.data(), static_cast<std::size_t>(size));
-    lines_ += static_cast<std::size_t>(std::count(piece.begin(), piece.end(), '\n'));
-    text_ += piece;
-    return true;
-  }
-
-  /// Reads until the process has announced so much, then for so long; false when it ended before.
-  bool readUntil(std::size_t lines, std::chrono::microseconds andThen) {
-    while (lines_ < lines) {
-      if (!read(std::chrono::seconds(60))) return false;
-    }
-    const auto end = std::chrono::steady_clock::now() + andThen;
-    while (std::chrono::steady_clock::now() < end) {
-      if (!read(std::chrono::milliseconds(0))) return false;
-    }
-    return true;
-  }
-
-  /// Kills the process, and reads what it still had said.
-  void kill() {
-    if (!isRunning()) return;
-    ::kill(process_, SIGKILL);
-    finish();
-  }
-
-  /// Waits for the end of the process; its exit status.
-  int finish() {
-    while (read(std::chrono::seconds(60))) {
-    }
-    int status = -1;
-    ::waitpid(process_, &status, 0);
-    process_ = -1;
-    return status;
-  }
-
- private:
-  pid_t process_ = -1;
-  int output_ = -1;
-  std::size_t lines_ = 0;
-  std::string text_;
-};
 
 /// A board that is played into and crashes, again and again.
 class CrashingBoard {
@@ -277,7 +185,7 @@ TEST(ACrash, LeavesEveryFileAWholeGeneration) {
                                                             : TemporaryFolder::Volume::kMemory);
       board->gatherIn(gathered.path());
     }
-    Player player(board->parent(), static_cast<std::uint32_t>(random()));
+    PlayerProcess player(board->parent(), static_cast<std::uint32_t>(random()));
     ASSERT_TRUE(player.isRunning());
     ASSERT_TRUE(player.readUntil(random() % kMostLines,
                                  std::chrono::microseconds(random() % kMostMicroseconds)))
@@ -296,7 +204,7 @@ TEST(ACrash, LeavesEveryFileAWholeGeneration) {
 // The harness sees what it is there for: it must not be content with just anything.
 TEST(ACrash, IsNoticedWhenAFileHoldsSomethingElse) {
   CrashingBoard board(TemporaryFolder::Volume::kMemory);
-  Player player(board.parent(), 1, "400");
+  PlayerProcess player(board.parent(), 1, "400");
   ASSERT_EQ(player.finish(), 0);
   ASSERT_TRUE(player.output().ends_with("settled\nover\n"));
   Generations generations;

@@ -2,25 +2,15 @@
 // that somebody may still recover it.
 #include <cerrno>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/foundation/disk_file_system.h"
-#include "VelWhiteBoard/storage/board_files.h"
-#include "VelWhiteBoard/storage/vector_storage.h"
-
-#include "tests/reliability/generations.h"
-#include "tests/support/faulty_calls.h"
-#include "tests/support/storage_story.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/reliability/damaged_board.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-using Names = std::vector<std::string>;
 
 struct Damage {
   std::string name;
@@ -46,60 +36,6 @@ const std::vector<Damage>& damages() {
   };
   return all;
 }
-
-/// A board on a disk that can be made to fail.
-class DamagedBoard {
- public:
-  DamagedBoard() {
-    open();
-    for (std::uint64_t number = 1; number <= 2; ++number) {
-      show(number);
-      storage_->saveVector(line("old " + std::to_string(number), 1, 2, 3));
-    }
-    save();
-    storage_.reset();
-  }
-
-  VWBVectorStorage* operator->() const { return storage_.get(); }
-  FaultyCalls& calls() { return calls_; }
-  std::string at(const std::string& name) const { return boardFolder(parent_.path()) + "/" + name; }
-
-  void open() {
-    storage_ = VWBVectorStorage::initWithPath(parent_.path());
-    storage_->setIgnoreChanges(false);
-  }
-  Tale show(std::uint64_t number) { return tell(storage_->switchPage(page(1, number, ++time_))); }
-  void draw(const std::string& id) { storage_->saveVector(line(id, 1, 2, 3)); }
-  void save() {
-    storage_->saveFile(true);
-    settle();
-  }
-  void settle() { storage_->saveQueue()->waitUntilAllOperationsAreFinished(); }
-
-  std::string contents(const std::string& name) {
-    std::string text;
-    const FileResult read = disk_.readAll(at(name), text);
-    return read ? text : "(" + read.describe() + ")";
-  }
-  void put(const std::string& name, const std::string& text) {
-    const FileResult written = disk_.writeAll(at(name), text);
-    ASSERT_TRUE(written) << written.describe();
-  }
-  Names setAside() const { return namesIn(boardFolder(parent_.path()), ".damaged"); }
-  std::set<std::string> identifiers(const std::string& name) const {
-    return identifiersIn(at(name));
-  }
-
- private:
-  TemporaryFolder parent_{TemporaryFolder::Volume::kMemory};
-  FaultyCalls calls_;
-  DiskFileSystem disk_{calls_};
-  ScopedFileSystem scope_{disk_};
-  std::shared_ptr<VWBVectorStorage> storage_;
-  double time_ = 0;
-};
-
-using Strings = std::set<std::string>;
 
 TEST(ADamagedFile, IsSetAsideByteForByteBeforeTheFirstSaveThatReplacesIt) {
   for (const Damage& damage : damages()) {
@@ -239,118 +175,6 @@ TEST(ADamagedFile, IsSetAsideOnceNotWithEverySave) {
   }
   EXPECT_EQ(board.contents(snapName("1_1") + ".damaged"), "garbage");
   EXPECT_EQ(board.identifiers(snapName("1_1")), (Strings{"new 0", "new 1", "new 2"}));
-}
-
-TEST(ADamagedFile, IsNotReplacedWhileItCannotBeSetAside) {
-  DamagedBoard board;
-  board.put(snapName("1_1"), "garbage");
-  board.open();
-  board.show(1);
-  board.draw("new");
-  board.settle();
-  board.calls().inject(Fault::failingFrom(Call::kRename, 1, EACCES));
-  for (int i = 0; i < 3; ++i) board.save();
-  EXPECT_EQ(board.setAside(), Names());
-  EXPECT_EQ(board.contents(snapName("1_1")), "garbage");
-  board.calls().heal();
-  board.save();
-  EXPECT_EQ(board.contents(snapName("1_1") + ".damaged"), "garbage");
-  EXPECT_EQ(board.identifiers(snapName("1_1")), Strings{"new"});
-}
-
-TEST(ADamagedFile, IsNotReplacedWhileNobodyCanTellWhatItIs) {
-  DamagedBoard board;
-  board.put(snapName("1_1"), "garbage");
-  board.open();
-  board.show(1);
-  board.draw("new");
-  board.settle();
-  board.calls().inject(Fault::failingFrom(Call::kStatus, 1, EIO));
-  board.save();
-  board.calls().heal();
-  EXPECT_EQ(board.contents(snapName("1_1")), "garbage");
-  board.save();
-  EXPECT_EQ(board.contents(snapName("1_1") + ".damaged"), "garbage");
-  EXPECT_EQ(board.identifiers(snapName("1_1")), Strings{"new"});
-}
-
-TEST(ADamagedFile, GoesWithItsPageWhenThatIsCleared) {
-  DamagedBoard board;
-  board.put(snapName("1_1"), "garbage");
-  board.put(wholeName("1_1"), "garbage");
-  board.open();
-  board.show(1);
-  board->clearPage(*page(1, 1));
-  board.settle();
-  EXPECT_EQ(board.setAside(), Names());
-  EXPECT_FALSE(FileSystem::current().exists(board.at(snapName("1_1"))));
-  EXPECT_FALSE(FileSystem::current().exists(board.at(wholeName("1_1"))));
-  // What comes after it is a page like any other.
-  board.draw("new");
-  board.save();
-  EXPECT_EQ(board.setAside(), Names());
-  EXPECT_EQ(board.identifiers(snapName("1_1")), Strings{"new"});
-}
-
-TEST(ADamagedFile, ThatWasSetAsideStaysWhenItsPageIsCleared) {
-  DamagedBoard board;
-  board.put(snapName("1_1"), "garbage");
-  board.open();
-  board.show(1);
-  board.draw("new");
-  board.save();
-  board->clearPage(*page(1, 1));
-  board.settle();
-  EXPECT_EQ(board.setAside(), Names{snapName("1_1") + ".damaged"});
-}
-
-TEST(ADamagedFile, GoesWithTheWholeBoardWhenThatIsCleared) {
-  DamagedBoard board;
-  board.put(snapName("1_1"), "garbage");
-  board.put(snapName("1_2"), "garbage");
-  board.open();
-  board.show(1);
-  board.draw("new");
-  board.save();
-  board.show(2);
-  board.settle();
-  board->clear();
-  board.settle();
-  EXPECT_EQ(board.setAside(), Names());
-  board.draw("new");
-  board.save();
-  EXPECT_EQ(board.setAside(), Names());
-  EXPECT_EQ(board.identifiers(snapName("1_2")), Strings{"new"});
-}
-
-TEST(ADamagedFile, IsNoneThatIsSoundOrMissing) {
-  DamagedBoard board;
-  board.open();
-  for (std::uint64_t number = 1; number <= 3; ++number) {
-    board.show(number);
-    board.draw("new " + std::to_string(number));
-  }
-  board->appendVectors({line("appended", 1, 2, 3)}, page(1, 4));
-  EXPECT_EQ(board->snapWithPage(*page(1, 5)).size(), 0U);
-  board.save();
-  EXPECT_EQ(board.setAside(), Names());
-  EXPECT_EQ(board.identifiers(wholeName("1_1")), (Strings{"old 1", "new 1"}));
-}
-
-// Repaired by somebody while the board is open, and read again: then it is sound.
-TEST(ADamagedFile, IsNoneAnyMoreOnceItHasBeenRead) {
-  DamagedBoard board;
-  const std::string sound = board.contents(snapName("1_2"));
-  board.put(snapName("1_2"), "garbage");
-  board.open();
-  board.show(1);
-  EXPECT_EQ(board->snapWithPage(*page(1, 2)).size(), 0U);
-  board.put(snapName("1_2"), sound);
-  EXPECT_EQ(board->snapWithPage(*page(1, 2)).size(), 1U);
-  board->appendVectors({line("appended", 1, 2, 3)}, page(1, 2));
-  board.settle();
-  EXPECT_EQ(board.setAside(), Names());
-  EXPECT_EQ(board.identifiers(snapName("1_2")), (Strings{"old 2", "appended"}));
 }
 
 }  // namespace

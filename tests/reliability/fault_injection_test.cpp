@@ -3,10 +3,10 @@
 // no temporary may be left, and the next save must write everything.
 #include <cerrno>
 #include <filesystem>
-#include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,6 +16,7 @@
 #include "VelWhiteBoard/storage/board_files.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
+#include "tests/reliability/faulty_lesson.h"
 #include "tests/reliability/generations.h"
 #include "tests/support/faulty_calls.h"
 #include "tests/support/manual_clock.h"
@@ -24,134 +25,6 @@
 
 namespace VelWhiteBoard {
 namespace {
-
-const std::vector<std::string> kKeys = {"1_1", "1_2", "1_3", "1_4"};
-
-std::vector<std::string> listNames() {
-  std::vector<std::string> names = {kPagesName};
-  for (const std::string& key : kKeys) {
-    names.push_back(wholeName(key));
-    names.push_back(snapName(key));
-  }
-  return names;
-}
-
-std::string keyOf(std::uint64_t number) { return "1_" + std::to_string(number); }
-
-/// A lesson in a folder. After each of its steps it waits for the queue and notes what the files
-/// that the step writes are to hold.
-class Lesson {
- public:
-  explicit Lesson(const std::string& parent)
-      : parent_(parent), storage_(VWBVectorStorage::initWithPath(parent)) {
-    storage_->setIgnoreChanges(false);
-  }
-
-  VWBVectorStorage& storage() { return *storage_; }
-  Generations& generations() { return generations_; }
-
-  void show(std::uint64_t number) {
-    const auto left = storage_->currentPage();
-    const bool isSaved = left && storage_->hasNewChange();
-    storage_->switchPage(page(1, number, ++time_));
-    if (isSaved) notePage(left->pageInfo());
-    generations_.add(kPagesName, digestOf(vectorsOf(storage_->pageArray())));
-    settle();
-  }
-
-  void draw(const std::string& id) {
-    storage_->saveVector(line(id, 0.25, 0.5, ++time_));
-    storage_->saveVector(line(id, 0.5, 0.75, ++time_));
-    storage_->saveVector(text(id + " text", "words of " + id, ++time_));
-  }
-
-  void save() {
-    storage_->saveFile(true);
-    notePage(storage_->currentPage()->pageInfo());
-    settle();
-  }
-
-  void append(std::uint64_t number, const std::string& id) {
-    storage_->appendVectors({line(id, 0.1, 0.2, ++time_), box(id + " box", 0, 0, 0.1, 0.1)},
-                            page(1, number));
-    notePage(keyOf(number));
-    settle();
-  }
-
-  void clearPage(std::uint64_t number) {
-    storage_->clearPage(*page(1, number));
-    generations_.add(wholeName(keyOf(number)), kAbsentFile);
-    generations_.add(snapName(keyOf(number)), kAbsentFile);
-    settle();
-  }
-
-  void look(std::uint64_t number) { static_cast<void>(storage_->snapWithPage(*page(1, number))); }
-
-  void settle() { storage_->saveQueue()->waitUntilAllOperationsAreFinished(); }
-
- private:
-  void notePage(const std::string& key) {
-    generations_.add(wholeName(key), digestOf(storage_->wholeVectorss()[key]));
-    generations_.add(snapName(key), digestOf(storage_->snapVectorss()[key]));
-  }
-
-  std::string parent_;
-  std::shared_ptr<VWBVectorStorage> storage_;
-  Generations generations_;
-  double time_ = 1000;
-};
-
-/// The board as it was the day before.
-void playTheFirstDay(const std::string& parent) {
-  Lesson lesson(parent);
-  for (std::uint64_t number = 1; number <= 3; ++number) {
-    lesson.show(number);
-    lesson.draw("first day " + std::to_string(number));
-  }
-  lesson.save();
-}
-
-/// The day on which things go wrong: every road on which the storage comes to its files.
-void playTheSecondDay(Lesson& lesson) {
-  lesson.look(2);  // a page that is not cached
-  lesson.show(1);
-  lesson.draw("a");
-  lesson.save();
-  lesson.append(2, "b");  // a page with files that is not cached
-  lesson.append(4, "c");  // a page without files
-  lesson.show(2);         // a cached page
-  lesson.draw("d");
-  lesson.clearPage(3);
-  lesson.show(4);  // saves the page that is left
-  lesson.draw("e");
-  lesson.append(1, "f");
-  lesson.save();
-}
-
-struct Trouble {
-  std::string name;
-  Fault fault;
-};
-
-/// Everything that can happen to the `nth` call of a kind.
-std::vector<Trouble> troublesOf(Call call, int nth) {
-  const int usual = call == Call::kRename ? EACCES : EIO;
-  std::vector<Trouble> troubles = {
-      {"fails once", Fault::failing(call, nth, usual)},
-      {"fails for ever", Fault::failingFrom(call, nth, usual)},
-      {"is interrupted", Fault::failing(call, nth, EINTR)},
-  };
-  if (call == Call::kOpen) {
-    troubles.push_back({"finds no handle", Fault::failing(call, nth, EMFILE)});
-    troubles.push_back({"is not permitted", Fault::failing(call, nth, EACCES)});
-  }
-  if (call == Call::kWrite) {
-    troubles.push_back({"is short", Fault::shortWrite(nth)});
-    troubles.push_back({"writes nothing", Fault::writingNothing(nth)});
-    troubles.push_back({"finds the disk full", Fault::noSpace(nth)});
-  }
-  return troubles;
-}
 
 class AFault : public ::testing::Test {
  protected:
