@@ -2,6 +2,7 @@
 #include <atomic>
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -98,6 +99,59 @@ TEST(OperationQueueConcurrency, OperationsMayAddToAndWaitForOtherQueues) {
   for (OperationQueue& queue : queues) queue.waitUntilAllOperationsAreFinished();
   queues.back().waitUntilAllOperationsAreFinished();
   EXPECT_EQ(last, kThreads * 200);
+}
+
+TEST(OperationQueueConcurrency, EveryOperationMayMeetEveryOther) {
+  constexpr int kRounds = 500;
+  std::mutex mutex;
+  auto shared = std::make_shared<OperationQueue>();
+  const auto current = [&] {
+    const std::lock_guard<std::mutex> hold(mutex);
+    return shared;
+  };
+  std::atomic<int> added{0};
+  std::atomic<int> done{0};
+  const auto add = [&](OperationQueue& queue) {
+    ++added;
+    queue.addOperationWithBlock([&] { ++done; });
+  };
+  together(2 * kThreads, [&](int thread) {
+    for (int i = 0; i < kRounds; ++i) {
+      const auto queue = current();
+      switch ((i + thread) % 7) {
+        case 0:
+          queue->setMaxConcurrentOperationCount(i % 5);
+          break;
+        case 1:
+          queue->waitUntilAllOperationsAreFinished();
+          break;
+        case 2: {
+          auto fresh = std::make_shared<OperationQueue>();
+          const std::lock_guard<std::mutex> hold(mutex);
+          std::swap(shared, fresh);
+          break;
+        }
+        case 3:
+          ++added;
+          queue->addOperationWithBlock([&, inner = current()] {
+            add(*inner);
+            ++done;
+          });
+          break;
+        case 4:
+          ++added;
+          queue->addOperationWithBlock([&, queue] {
+            queue->waitUntilAllOperationsAreFinished();  // its own: it returns at once
+            ++done;
+          });
+          break;
+        default:
+          add(*queue);
+      }
+    }
+  });
+  while (done < added) std::this_thread::yield();
+  EXPECT_GT(done, 2 * kThreads * kRounds / 2);
 }
 
 }  // namespace

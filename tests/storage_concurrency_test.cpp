@@ -1,9 +1,7 @@
-// Many threads at one storage.
+// Many threads at one storage: where two of them meet.
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 #include <thread>
@@ -14,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include "VelWhiteBoard/foundation/file_system.h"
-#include "VelWhiteBoard/services/vector_manager.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 #include "tests/support/gate.h"
@@ -23,177 +20,6 @@
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr int kThreads = 8;
-
-// A small generator of a thread's own.
-class Dice {
- public:
-  explicit Dice(int thread) : state_(static_cast<std::uint64_t>(thread) * 2'654'435'761U + 1) {}
-  int below(int limit) {
-    state_ = state_ * 6'364'136'223'846'793'005U + 1'442'695'040'888'963'407U;
-    return static_cast<int>((state_ >> 33U) % static_cast<std::uint64_t>(limit));
-  }
-
- private:
-  std::uint64_t state_;
-};
-
-std::shared_ptr<VelWbVecSwitchPage> sharedPage(Dice& dice) {
-  return page(1, static_cast<std::uint64_t>(dice.below(4)), dice.below(1000), dice.below(2));
-}
-
-// What only asks. Reads no vector's contents: those belong to the storage while others save.
-void ask(const Board& board, Dice& dice) {
-  const auto where = sharedPage(dice);
-  board->snapWithPage(*where);
-  board->hasVectorsWithPage(*where);
-  board->ignoreVector(*where);
-  board->snapVectorss();
-  board->wholeVectorss();
-  board->snapQuery();
-  board->pageCacheList();
-  board->pageArray();
-  if (const auto latest = board->latestPage()) {
-    EXPECT_EQ(latest->WBID, 1);
-  }
-  if (const auto current = board->currentPage()) {
-    EXPECT_EQ(current->WBID, 1);
-  }
-  board->wholeFile();
-  board->snapFile();
-  board->folder();
-  board->pageFile();
-  board->hasNewChange();
-  board->ignoreChanges();
-  board->lastSaveDate();
-  board->semphore();
-}
-
-void useTheManager(Dice& dice) {
-  VelWbVectorManager& manager = VelWbVectorManager::shareManager();
-  manager.genID();
-  manager.genTs();
-  switch (dice.below(4)) {
-    case 0:
-      manager.setCourseCreateTs(1, 2, 3);
-      break;
-    case 1:
-      manager.clear();
-      break;
-    case 2:
-      manager.setIsRunning(dice.below(2) == 0);
-      break;
-    default:
-      manager.setUserID("u" + std::to_string(dice.below(3)));
-  }
-}
-
-void useTheQueue(const Board& board, Dice& dice) {
-  board->saveQueue()->addOperationWithBlock([] {});
-  if (dice.below(10) == 0) board.settle();
-}
-
-// What one thread saves: vectors with identifiers of its own, in order.
-class Client {
- public:
-  explicit Client(int number) : number_(number), dice_(number) {}
-
-  void act(Board& board) {
-    switch (dice_.below(12)) {
-      case 0:
-        board->appendVectors({next(), next(), next()}, sharedPage(dice_));
-        break;
-      case 1:
-        board->switchPage(sharedPage(dice_));
-        break;
-      case 2:
-        board->saveFile(dice_.below(3) == 0);
-        break;
-      case 3:
-        // A page that no vector of the count is on.
-        board->appendVectors({line("lost", 1, 2, dice_.below(100))}, page(1, 99));
-        board->clearPage(*page(1, 99));
-        break;
-      case 4:
-        ask(board, dice_);
-        break;
-      case 5:
-        useTheManager(dice_);
-        break;
-      case 6:
-        useTheQueue(board, dice_);
-        break;
-      case 7:
-        board.clock().advance(std::chrono::milliseconds(dice_.below(15'000)));
-        break;
-      default:
-        board.save(next());
-    }
-  }
-
-  const std::vector<VectorPtr>& saved() const { return saved_; }
-
- private:
-  VectorPtr next() {
-    const double ts = static_cast<double>(saved_.size());
-    const std::string id = std::to_string(number_) + "-" + std::to_string(dice_.below(5));
-    VectorPtr vector = line(id, 1, 2, ts);
-    if (dice_.below(4) == 0) vector = text(id + "t", "x", ts);
-    if (dice_.below(20) == 0) vector = cursor(id + "c");
-    if (dice_.below(20) == 0) vector = removal(id);
-    saved_.push_back(vector);
-    return vector;
-  }
-
-  int number_;
-  Dice dice_;
-  std::vector<VectorPtr> saved_;
-};
-
-// Where a vector stands in the whole lists.
-struct Place {
-  std::string key;
-  std::size_t index;
-};
-
-void expectAllOnce(const Board& board, const std::vector<Client>& clients) {
-  std::map<const VelWbBaseVector*, std::vector<Place>> places;
-  for (const auto& [key, list] : board->wholeVectorss()) {
-    for (std::size_t i = 0; i < list.size(); ++i) places[list[i].get()].push_back({key, i});
-  }
-  for (const Client& client : clients) {
-    std::map<std::string, std::size_t> reached;
-    for (const VectorPtr& vector : client.saved()) {
-      const auto& found = places[vector.get()];
-      ASSERT_EQ(found.size(), 1U) << tell(*vector);
-      const auto [at, isFirst] = reached.try_emplace(found[0].key, found[0].index);
-      EXPECT_TRUE(isFirst || at->second < found[0].index) << tell(*vector) << " came too early";
-      at->second = found[0].index;
-    }
-  }
-}
-
-TEST(StorageThreads, LoseNothingOnPagesThatNobodyClears) {
-  Board board;
-  board.show(page(1, 0));
-  std::vector<Client> clients;
-  for (int i = 0; i < kThreads; ++i) clients.emplace_back(i);
-  together(kThreads, [&](int number) {
-    for (int i = 0; i < 250; ++i) clients[static_cast<std::size_t>(number)].act(board);
-  });
-  expectAllOnce(board, clients);
-  // And all of it reaches the disk.
-  for (std::uint64_t i = 0; i < 4; ++i) board->appendVectors({}, page(1, i));
-  board.write();
-  for (std::uint64_t i = 0; i < 4; ++i) {
-    const std::string key = "1_" + std::to_string(i);
-    EXPECT_EQ(board.wholeFile(key).size(), board.whole(key).size()) << key;
-    if (board.has("snap_" + key + ".plist")) {
-      EXPECT_EQ(board.snapFile(key), board.snap(key)) << key;
-    }
-  }
-}
 
 TEST(StorageThreads, LoseNothingWhenTwoAppendToAPageThatIsNotCached) {
   constexpr int kPages = 40;
@@ -291,62 +117,6 @@ TEST(StorageThreads, SaveEachFileAsItWasAtOneInstantWhileStrokesGrow) {
   expectSomeInstant(board.at("whole_1_1.plist"), true);
   EXPECT_EQ(board.wholeFile("1_1").size(), 1500U);
   EXPECT_EQ(board.snapFile("1_1"), board.snap("1_1"));
-}
-
-TEST(StorageThreads, MayClearReloadAndSetPropertiesBesideEverythingElse) {
-  // Vectors may be lost here, as the rules of clearing say; nothing may break.
-  Board board;
-  board.show(page(1, 0));
-  together(kThreads, [&](int number) {
-    Client client(number);
-    Dice dice(number + 100);
-    for (int i = 0; i < 150; ++i) {
-      client.act(board);
-      switch (dice.below(16)) {
-        case 0:
-          board->clear();
-          break;
-        case 1:
-          board->reload();
-          break;
-        case 2:
-          board->clearPage(*sharedPage(dice));
-          break;
-        case 3:
-          board->setSnapQuery({});
-          board->setPageCacheList({"x"});
-          break;
-        case 4:
-          board->setHasNewChange(dice.below(2) == 0);
-          board->setLastSaveDate({});
-          break;
-        case 5:
-          board->setPageArray({page(1, 1)});
-          break;
-        case 6:
-          board->setSnapVectorss(board->snapVectorss());
-          board->setWholeVectorss(board->wholeVectorss());
-          break;
-        case 7:
-          board->setSnapFile(board->snapFile());
-          board->setWholeFile(board->wholeFile());
-          board->setPageFile(board->pageFile());
-          break;
-        case 8:
-          board->setIgnoreChanges(dice.below(4) == 0);
-          break;
-        default:
-          break;
-      }
-    }
-  });
-  board->setIgnoreChanges(false);
-  board->clear();
-  board.settle();
-  board.show(page(2, 2, 5000));
-  board.save(line("a", 1, 2, 3));
-  board.write();
-  EXPECT_EQ(board.wholeFile("2_2"), Tale{"line a (1 2 3)"});
 }
 
 TEST(StorageThreads, WaitForTheSemaphoreBeforeTheyChangeAnything) {

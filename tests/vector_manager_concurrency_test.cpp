@@ -7,6 +7,7 @@
 
 #include "VelWhiteBoard/services/vector_manager.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
+#include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/manual_clock.h"
 #include "tests/support/together.h"
@@ -86,9 +87,9 @@ TEST_F(VectorManagerConcurrency, AnIdentifierCarriesOneUserWhole) {
 TEST_F(VectorManagerConcurrency, EveryOperationMayMeetEveryOther) {
   auto& manager = VelWbVectorManager::shareManager().init();
   std::atomic<int> nulls{0};
-  together(kThreads, [&](int thread) {
+  together(2 * kThreads, [&](int thread) {
     for (int i = 0; i < kRounds; ++i) {
-      switch ((i + thread) % 8) {
+      switch ((i + thread) % 13) {
         case 0:
           manager.setCourseCreateTs(i, i, i);
           break;
@@ -110,6 +111,28 @@ TEST_F(VectorManagerConcurrency, EveryOperationMayMeetEveryOther) {
         case 6:
           manager.genTs();
           break;
+        case 7:
+          manager.setCreateTs(i);
+          break;
+        case 8:
+          manager.setServerTs(i);
+          break;
+        case 9:
+          manager.setLocalTs(i);
+          break;
+        case 10:
+          manager.createTs();
+          manager.serverTs();
+          manager.localTs();
+          manager.isRunning();
+          break;
+        case 11: {
+          VelWbVecPoint point;
+          manager.coordinateSystemTransFromPC(point);
+          manager.coordinateSystemTransToPC(point);
+          manager.userID();
+          break;
+        }
         default:
           manager.genID();
       }
