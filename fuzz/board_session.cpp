@@ -146,6 +146,7 @@ void BoardSession::damageAFile(Decisions& decisions) {
 
 void BoardSession::look(Decisions& decisions) const {
   const auto page = makePage(decisions);
+  settle();  // a removal that is queued must not take a file between the read and the question
   const VectorList snap = storage_->snapWithPage(*page);
   require(snap.empty() || storage_->snapVectorss().contains(page->pageInfo()) ||
               files_.exists(snapListFile(storage_->folder(), page->pageInfo())),

@@ -87,6 +87,10 @@ void tryAs(const RecordClass& asked, std::string_view text) {
   require(again.result.ok(), "what is written can be read");
   requireFirstRound(whole.records, again.records, asked);
 
+  // A record without a type is read as what its keys look like, so it may become another one.
+  for (const auto& record : again.records) {
+    if (!fuzz::keepsItsClass(*record, asked)) return;
+  }
   const std::string second = write(again.records);
   const ReadList third = read(asked, second, 4096);
   requireEqual(again.records, third.records, "the second round changes nothing");
