@@ -92,10 +92,12 @@ void BoardSession::step(Decisions& decisions) {
   switch (decisions.below(16)) {
     case 0:
     case 1:
+      settleRemovals();
       storage_->switchPage(makePage(decisions));
       return;
     case 2:
     case 3: {
+      settleRemovals();
       VectorList vectors;
       for (std::size_t count = decisions.below(4); count > 0; --count) {
         vectors.push_back(decisions.below(16) == 15 ? nullptr : makeVector(decisions));
@@ -105,6 +107,7 @@ void BoardSession::step(Decisions& decisions) {
     case 4:
       return storage_->saveFile(decisions.flip());
     case 5:
+      isRemovalQueued_ = true;
       return storage_->clearPage(*makePage(decisions));
     case 6:
       return letTimePass(decisions);
@@ -117,6 +120,13 @@ void BoardSession::step(Decisions& decisions) {
     default:
       return storage_->saveVector(makeVector(decisions));
   }
+}
+
+/// Files are read on the calling thread and removed on the queue: who wants a page back that has
+/// just been cleared may still find its old files, which then go.
+void BoardSession::settleRemovals() {
+  if (isRemovalQueued_) settle();
+  isRemovalQueued_ = false;
 }
 
 void BoardSession::letTimePass(Decisions& decisions) {

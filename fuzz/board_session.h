@@ -34,6 +34,7 @@ class BoardSession {
 
   void open();
   void settle() const;
+  void settleRemovals();
   void letTimePass(Decisions& decisions);
   void clear();
   void damageAFile(Decisions& decisions);
@@ -48,6 +49,7 @@ class BoardSession {
   VelWhiteBoard::ScopedClock clockScope_{clock_};
   std::chrono::seconds now_{1'700'000'000};
   std::shared_ptr<VelWhiteBoard::VWBVectorStorage> storage_;
+  bool isRemovalQueued_ = false;
 };
 
 }  // namespace fuzz
