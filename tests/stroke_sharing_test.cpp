@@ -14,26 +14,10 @@
 #include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/print_records.h"
+#include "tests/support/strokes.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-/// A piece of the stroke "s".
-VelWbVecLine piece(double x, double y, double ts) {
-  VelWbVecLine line;
-  line.type = "line";
-  line.ID = "s";
-  line.x = x;
-  line.y = y;
-  line.ts = ts;
-  return line;
-}
-
-VelWbVecLine piece(double x, double y, double ts, Path path) {
-  VelWbVecLine line = piece(x, y, ts);
-  line.path = std::move(path);
-  return line;
-}
 
 TEST(StrokeSharing, AStrokeAppendedToItselfGivesWhatTheRulesSay) {
   VelWbVecLine seeded = piece(1, 2, 3);

@@ -16,28 +16,12 @@
 #include "VelWhiteBoard/vectors/commands.h"
 
 #include "tests/support/print_records.h"
+#include "tests/support/strokes.h"
 
 namespace VelWhiteBoard {
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-/// A piece of the stroke "s".
-VelWbVecLine piece(double x, double y, double ts) {
-  VelWbVecLine line;
-  line.type = "line";
-  line.ID = "s";
-  line.x = x;
-  line.y = y;
-  line.ts = ts;
-  return line;
-}
-
-VelWbVecLine piece(double x, double y, double ts, Path path) {
-  VelWbVecLine line = piece(x, y, ts);
-  line.path = std::move(path);
-  return line;
-}
 
 /// The path of a stroke with `stored` after an update with `incoming`.
 Path folded(Path stored, Path incoming) {
