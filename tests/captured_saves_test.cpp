@@ -207,6 +207,58 @@ TEST_F(CapturedSaves, OfThePageListHoldTheRecordsOfTheSwitches) {
   EXPECT_THAT(board.pageFile(), ElementsAre("1_1", "1_2"));
 }
 
+TEST_F(CapturedSaves, OfThePageListHoldEveryRecordAsItIsAtTheNewestSwitch) {
+  const auto first = page(1, 2, 2);
+  board.show(first);
+  first->totalPage = 77;
+  board.show(page(1, 3, 3));
+  letGo();
+  board.settle();
+  const auto records = recordsOfFile(VelWbVecSwitchPage::ownClass(), board.at("page.plist"));
+  ASSERT_EQ(records.size(), 3U);
+  EXPECT_EQ(static_cast<const VelWbVecSwitchPage&>(*records[1]).totalPage, 77U);
+}
+
+TEST_F(CapturedSaves, KeepTheirOrderWhenTheyShareOneOfTheirFiles) {
+  const std::optional<std::string> own = board->wholeFile();
+  for (const char* identifier : {"a", "b", "c"}) {
+    board.save(line(identifier, 1, 2, 3));
+    board.write();
+  }
+  board->setWholeFile(board.at("whole_other.plist"));
+  board.save(line("d", 1, 2, 3));
+  board.write();
+  board->setWholeFile(own);
+  board.save(line("e", 1, 2, 3));
+  board.write();
+  letGo();
+  EXPECT_EQ(board.snapFile("1_1"), board.snap());
+  EXPECT_EQ(board.wholeFile("1_1"), board.whole());
+  EXPECT_EQ(board.wholeFile("other").size(), 4U);
+}
+
+TEST(CapturedSavesOfAnUnreadLog, NeverTakeItsVectorsForOnesThatHaveGone) {
+  constexpr int kVectors = 20;
+  Board board;
+  board.show(page(1, 1));
+  for (int i = 0; i < kVectors; ++i) board.save(line("old" + std::to_string(i), 1, 2, 3));
+  board.write();
+  board.settle();
+  board.reopen();
+  board.show(page(1, 1, 1));
+  {
+    const QueueHold hold = board.holdQueue();
+    board.save(line("a", 1, 2, 3));
+    board.show(page(1, 2, 2));
+    // These change while the save of the first page waits, go, and leave their memory to the log.
+    for (int i = 0; i < kVectors; ++i) board.save(line("new" + std::to_string(i), 1, 2, 3));
+    board->clearPage(*page(1, 2));
+    EXPECT_EQ(board.whole("1_1").size(), kVectors + 1U);
+  }
+  EXPECT_EQ(board.wholeFile("1_1"), board.whole("1_1"));
+  EXPECT_EQ(board.wholeFile("1_1").front(), "line old0 (1 2 3)");
+}
+
 TEST_F(CapturedSaves, RunInTheOrderInWhichTheyWereQueued) {
   // save, forget, save: the last one wins, and so does a forgetting that comes last.
   board.save(line("a", 1, 2, 3));

@@ -128,7 +128,6 @@ TEST(JSONText, OnlyTheTextOfAnObjectGivesARecord) {
       "{\"a\":True}"sv,
       "{\"a\":\"\n\"}"sv,
       "{\"a\":\"\\x\"}"sv,
-      "{\"a\":\"\\ud800\"}"sv,
       "{\"a\":\"\xFF\"}"sv,
       "{\"a\":\"\xC0\x80\"}"sv,
       "{}\0"sv,
@@ -218,6 +217,26 @@ TEST(JSONText, ANumberBeyondTheRangeOfADoubleIsOfNoUseAndTheRestIsRead) {
             R"("array":["1e400 \" 1e400",null,0.0]})");
   EXPECT_EQ(modelArrayWithJSON<AllKinds>(R"([{"real":1e400},{"text":"a"}])").size(), 2U);
   EXPECT_EQ(modelWithJSON<VelWbBaseVector>(R"({"w":1e400})")->recordClass().name, "VelWbVecSquare");
+}
+
+TEST(JSONText, HalfAPairOfSurrogatesIsReplacedAndCostsNothingElse) {
+  const auto textOf = [](const std::string& json) {
+    const auto record = modelWithJSON<AllKinds>(R"({"whole":3,"text":")" + json + R"("})");
+    return record && record->whole == 3 ? record->text : std::nullopt;
+  };
+  EXPECT_EQ(textOf(R"(x\ud83d)"), "x\uFFFD");
+  EXPECT_EQ(textOf(R"(\uDE00x)"), "\uFFFDx");
+  EXPECT_EQ(textOf(R"(\ud83d\ud83d\ude00)"), "\uFFFD\U0001F600");
+  EXPECT_EQ(textOf(R"(\ud83d\u0041)"), "\uFFFDA");
+  EXPECT_EQ(textOf(R"(\\ud83d \ud83d)"), "\\ud83d \uFFFD");
+  EXPECT_EQ(textOf(R"(\ud83)"), std::nullopt) << "no escape at all";
+}
+
+TEST(JSONText, ANumberOutOfRangeChangesNothingAboutRealNumbersBesideIt) {
+  const auto record = modelWithJSON<AllKinds>(R"({"array":[1E5,1e5,1.0],"stray":1e400})");
+  ASSERT_TRUE(record);
+  EXPECT_EQ(modelToJSONString(*record),
+            R"({"real":0,"whole":0,"natural":0,"flag":false,"array":[100000.0,100000.0,1.0]})");
 }
 
 TEST(JSONText, NestingOfAHundredThousandLevelsIsNoDanger) {

@@ -176,6 +176,14 @@ TEST(PropertyListReader, ARealNumberBeyondTheRangeOfADoubleLeavesTheDefault) {
   EXPECT_EQ(*record->path, (Path{{1}}));
 }
 
+TEST(PropertyListReader, OfAKeyThatOccursTwiceInsideAValueTheLastCountsUsefulOrNot) {
+  const auto record = allKinds(
+      "<key>array</key><array><dict><key>a</key><string>one</string><key>a</key><date/>"
+      "<key>b</key><integer>1</integer></dict></array>");
+  ASSERT_TRUE(record && record->array);
+  EXPECT_EQ(Value(*record->array).dump(), R"([{"b":1}])");
+}
+
 TEST(PropertyListReader, IntegersAreExactOverBothRanges) {
   const auto record = allKinds(
       "<key>whole</key><integer>-9223372036854775808</integer>"

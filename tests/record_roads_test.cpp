@@ -13,6 +13,8 @@
 #include "VelWhiteBoard/foundation/coder.h"
 #include "VelWhiteBoard/foundation/model_mapping.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
+#include "VelWhiteBoard/vectors/diagrams.h"
+#include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/property_lists.h"
 #include "tests/support/random_records.h"
@@ -114,6 +116,44 @@ TEST(RecordRoads, NoBytesCrashAReader) {
       for (const auto& each : list.records) ASSERT_TRUE(each) << list.result.error;
     }
   }
+}
+
+TEST(RecordRoads, TheOrderOfTheKeysChangesNothingAboutAPath) {
+  const std::string type = "<key>type</key><string>line</string>";
+  const std::string path =
+      "<key>path</key><array><array><real>0.1</real><real>1e999</real><real>5</real></array>"
+      "<array><integer>1</integer><date>2020-01-01T00:00:00Z</date><integer>2</integer></array>"
+      "<array><integer>7</integer><integer>8</integer></array></array>";
+  for (const std::string& members : {type + path, path + type}) {
+    const auto record = recordWithXML(VelWbBaseVector::ownClass(), "<dict>" + members + "</dict>");
+    const auto* line = recordCast<VelWbVecLine>(record.get());
+    ASSERT_NE(line, nullptr) << members;
+    EXPECT_EQ(line->path, (Path{{7, 8}})) << members;
+  }
+}
+
+TEST(RecordRoads, APositionThatIsNestedTooDeepCostsOnlyItself) {
+  const std::string deep = std::string(300, '[') + std::string(300, ']');
+  const std::string text = R"({"type":"line","path":[[1,2,3],)" + deep + "]}";
+  const auto fromText = recordWithJSON(VelWbBaseVector::ownClass(), text);
+  const auto fromDictionary = modelWithDictionary<VelWbBaseVector>(Value::parse(text));
+  EXPECT_EQ(recordCast<VelWbVecLine>(fromText.get())->path, (Path{{1, 2, 3}}));
+  EXPECT_EQ(differences(*fromText, *fromDictionary), "");
+}
+
+TEST(RecordRoads, AValueThatNoArchiveTakesCostsOnlyItself) {
+  VelWbVecDiagram diagram;
+  diagram.type = "diagram";
+  diagram.ts = 5;
+  Value deep;
+  for (int level = 0; level < 300; ++level) deep = Array{deep};
+  diagram.points = Array{deep};
+  Coder archive;
+  diagram.encodeWithCoder(archive);
+  const auto same = VelWbVecDiagram::initWithCoder(Coder(archive.data()));
+  EXPECT_EQ(same->type, "diagram");
+  EXPECT_EQ(same->ts, 5);
+  EXPECT_FALSE(same->points);
 }
 
 }  // namespace

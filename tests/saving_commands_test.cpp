@@ -200,5 +200,19 @@ TEST_F(SavingCommands, AMagnifierTakesOutTheFirstOneOfThePageWhereverItStands) {
                                         "magnifier o at 0 0 size 0 0"));
 }
 
+TEST(SavingAnEntryAgain, ThatIsNamedByItPutsItIntoTheIndexOnce) {
+  Board board;
+  board.show(page(1, 1));
+  const auto glass = magnifier(std::nullopt);
+  board->setSnapVectorss({{"1_1", {glass, cursor("c")}}});
+  board.save(glass);
+  ASSERT_TRUE(glass->ID);
+  EXPECT_EQ(board.snap().size(), 1U);
+  board.save(text(glass->ID, "note"));
+  EXPECT_EQ(board.snap().size(), 1U);
+  board.save(removal(glass->ID));
+  EXPECT_EQ(board.snap().size(), 0U);
+}
+
 }  // namespace
 }  // namespace VelWhiteBoard

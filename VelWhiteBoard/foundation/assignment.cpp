@@ -128,6 +128,14 @@ void assign(const Property& property, Record& record, Value value) {
   }
 }
 
+void assignFromOutside(const Property& property, Record& record, const Value& value) {
+  if (property.kind == PropertyKind::path && value.is_array()) {
+    property.in<std::optional<Path>>(record) = pathWithArray(value.get_ref<const Array&>());
+  } else if (!nestsTooDeep(value)) {
+    assign(property, record, value);
+  }
+}
+
 Path pathWithArray(const Array& positions) {
   Path path;
   path.reserve(positions.size());

@@ -52,6 +52,10 @@ void assign(const Property& property, Record& record, const Scalar& scalar);
 /// Puts any value into a property, likewise. It must not be nested too deep.
 void assign(const Property& property, Record& record, Value value);
 
+/// Puts a value from outside into a property that is at its default. One that is nested too deep
+/// leaves it there; of a path only the positions that are.
+void assignFromOutside(const Property& property, Record& record, const Value& value);
+
 /// The path that an array of positions is; a position that is not an array of numbers is dropped.
 Path pathWithArray(const Array& positions);
 /// A path as an array of positions.

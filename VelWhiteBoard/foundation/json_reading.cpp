@@ -11,8 +11,8 @@
 
 #include "VelWhiteBoard/foundation/assignment.h"
 #include "VelWhiteBoard/foundation/dictionary_keys.h"
+#include "VelWhiteBoard/foundation/json_mending.h"
 #include "VelWhiteBoard/foundation/model_mapping.h"
-#include "VelWhiteBoard/foundation/number_text.h"
 
 namespace VelWhiteBoard {
 
@@ -218,39 +218,6 @@ std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::ob
   return record;
 }
 
-/// `text` with numbers that the parser can take in place of those that it refuses: an integer
-/// beyond 64 bits becomes the nearest real number; a number beyond the range of a double becomes
-/// null, since there is no number for it. Nothing that is no JSON text becomes one.
-std::string withNumbersInRange(std::string_view text) {
-  constexpr std::string_view kNumberCharacters = "+-.0123456789Ee";
-  std::string result;
-  result.reserve(text.size());
-  bool quoted = false;
-  while (!text.empty()) {
-    const char first = text.front();
-    std::size_t length = quoted && first == '\\' && text.size() > 1 ? 2 : 1;
-    if (first == '"') quoted = !quoted;
-    if (!quoted && (first == '-' || (first >= '0' && first <= '9'))) {
-      length = std::min(text.find_first_not_of(kNumberCharacters), text.size());
-    }
-    const std::string_view token = text.substr(0, length);
-    text.remove_prefix(length);
-    if (length == 1 || quoted || !isNumberInJSON(token)) {
-      result += token;
-      continue;
-    }
-    const auto number = numberWithJSON(token);
-    if (!number) {
-      result += "null";
-    } else if (looksLikeInteger(token) && std::holds_alternative<double>(*number)) {
-      appendNumber(result, std::get<double>(*number));
-    } else {
-      result += token;
-    }
-  }
-  return result;
-}
-
 /// Parses `text` and hands it to `use`. What is no JSON text gives what `use` answers by default.
 template <class Use>
 auto withParsedText(std::string_view text, const Use& use)
@@ -259,8 +226,8 @@ auto withParsedText(std::string_view text, const Use& use)
   dom::element element;
   auto error = parser.parse(text).get(element);
   if (error != simdjson::SUCCESS) {
-    // Which error stands for a number depends on the parser's version, so any is worth a look.
-    const std::string inRange = withNumbersInRange(text);
+    // Which error stands for what depends on the parser's version, so any is worth a look.
+    const std::string inRange = mendedJSON(text);
     if (inRange != text) error = parser.parse(inRange).get(element);
   }
   decltype(use(element)) result{};
@@ -294,8 +261,7 @@ std::shared_ptr<Record> recordWithDictionary(const RecordClass& asked,
   auto record = chosen.create();
   for (const Property& property : chosen.properties) {
     const auto found = dictionary.find(property.name);
-    if (found == dictionary.end() || nestsTooDeep(found->second)) continue;
-    assign(property, *record, found->second);
+    if (found != dictionary.end()) assignFromOutside(property, *record, found->second);
   }
   return record;
 }

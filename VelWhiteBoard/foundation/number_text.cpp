@@ -120,7 +120,7 @@ void appendNumber(std::string& text, std::int64_t number) { appendInteger(text, 
 void appendNumber(std::string& text, std::uint64_t number) { appendInteger(text, number); }
 
 bool looksLikeInteger(std::string_view text) {
-  return text.find_first_of(".e") == std::string_view::npos;
+  return text.find_first_of(".eE") == std::string_view::npos;
 }
 
 bool isNumberInJSON(std::string_view text) {

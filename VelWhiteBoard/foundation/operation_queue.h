@@ -14,7 +14,7 @@ class Strand;
 /// A queue of operations that run in the background in the order in which they were added.
 ///
 /// All queues share a few threads, started when first needed: as many as there are queues with work
-/// at one time, at most 16. An operation that hangs, on a dead disk for instance, thus holds up its
+/// at one time, at most 8. An operation that hangs, on a dead disk for instance, thus holds up its
 /// own queue and one thread, not the others. An idle queue is a few hundred bytes.
 ///
 /// Dropping a queue cancels nothing: what was added runs to its end, and each operation must own

@@ -95,14 +95,14 @@ template <class T>
 constexpr RecordClass makeRecordClass(
     std::string_view name, const RecordClass* base,
     const RecordClass& (*customClass)(const DictionaryKeys&, const RecordClass&) = nullptr,
-    bool (*isKeyOfFamily)(std::string_view key) = nullptr) {
+    const Property* (*propertyOfFamily)(std::string_view name) = nullptr) {
   static_assert(property_table::namesAreUnique<T>(), "two properties of a record share one name");
   return {name,
           base,
           property_table::table<T>,
           []() -> std::shared_ptr<Record> { return std::make_shared<T>(); },
           customClass,
-          isKeyOfFamily};
+          propertyOfFamily};
 }
 
 }  // namespace VelWhiteBoard

@@ -178,7 +178,10 @@ void Record::encodeWithCoder(Coder& coder) const {
   for (const Property& property : recordClass().properties) {
     visitField(property, *this, [&](const auto& field) {
       if constexpr (requires { field.has_value(); }) {
-        if (field) coder.encode(property.name, archived(*field));
+        if (!field) return;
+        Value value = archived(*field);
+        // One value that no archive takes must not cost the others.
+        if (!nestsTooDeep(value)) coder.encode(property.name, std::move(value));
       } else {
         coder.encode(property.name, archived(field));
       }
@@ -197,7 +200,7 @@ std::map<std::string, const RecordClass*> containerClasses(const RecordClass& re
 void decodeWithCoder(Record& record, const Coder& coder) {
   for (const Property& property : record.recordClass().properties) {
     const Value* value = coder.decode(property.name);
-    if (value != nullptr && !nestsTooDeep(*value)) assign(property, record, *value);
+    if (value != nullptr) assignFromOutside(property, record, *value);
   }
 }
 

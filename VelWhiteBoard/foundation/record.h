@@ -44,9 +44,9 @@ struct RecordClass {
   std::shared_ptr<Record> (*create)();
   /// Chooses the class for a dictionary when `asked` was asked for; null: always the one asked for.
   const RecordClass& (*customClass)(const DictionaryKeys& keys, const RecordClass& asked);
-  /// In a class without a base whose family has such a rule: whether the rule, or any class that it
-  /// may choose, has a use for a key. Otherwise null.
-  bool (*isKeyOfFamily)(std::string_view key);
+  /// In a class without a base whose family has such a rule: the property of a name that some class
+  /// has which the rule may choose, null when none has. Otherwise null.
+  const Property* (*propertyOfFamily)(std::string_view name);
 
   /// Whether this is `other` or derives from it.
   bool isKindOf(const RecordClass& other) const noexcept {

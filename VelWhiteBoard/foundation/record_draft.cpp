@@ -32,7 +32,7 @@ void RecordDraft::beginMember(std::string_view key) {
 
 RecordDraft::Member* RecordDraft::memberFor(std::string_view key) {
   if (count_ >= kUsualMembers) {
-    if (!isKeyOfFamily(key)) return nullptr;
+    if (propertyOfFamily(key) == nullptr) return nullptr;
     // Of a key that occurs twice the last value counts, so that one is replaced.
     for (std::size_t index = count_; index-- > 0;) {
       if (members_[index].key == key) return &members_[index];
@@ -42,11 +42,11 @@ RecordDraft::Member* RecordDraft::memberFor(std::string_view key) {
   return &members_[count_++];
 }
 
-bool RecordDraft::isKeyOfFamily(std::string_view key) const {
+const Property* RecordDraft::propertyOfFamily(std::string_view key) const {
   const RecordClass* root = &asked_;
   while (root->base != nullptr) root = root->base;
-  if (root->isKeyOfFamily != nullptr) return root->isKeyOfFamily(key);
-  return PropertyFinder(asked_).find(key) != nullptr;
+  if (root->propertyOfFamily != nullptr) return root->propertyOfFamily(key);
+  return PropertyFinder(asked_).find(key);
 }
 
 void RecordDraft::setScalar(const Scalar& scalar) {
@@ -67,12 +67,14 @@ void RecordDraft::setValue(Value value) { last().value = std::move(value); }
 
 void RecordDraft::setNothing() { last().useful = false; }
 
-bool RecordDraft::isOfUse() const { return current_ != nullptr && isKeyOfFamily(current_->key); }
+bool RecordDraft::isOfUse() const {
+  return current_ != nullptr && propertyOfFamily(current_->key) != nullptr;
+}
 
 bool RecordDraft::expectsPath() const {
   if (current_ == nullptr) return false;
-  PropertyFinder finder(chosenClass());
-  const Property* property = finder.find(current_->key);
+  // The class may not be known before later keys are, but a name means the same to all of them.
+  const Property* property = propertyOfFamily(current_->key);
   return property != nullptr && property->kind == PropertyKind::path;
 }
 

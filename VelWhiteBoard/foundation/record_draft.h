@@ -37,7 +37,7 @@ class RecordDraft final : public DictionaryKeys {
   /// The value of the member that was begun last is of no use to any property.
   void setNothing();
 
-  /// Whether the member that was begun last will be a path, as far as the keys so far can tell.
+  /// Whether the member that was begun last will be a path, whatever the keys are that follow.
   bool expectsPath() const;
   /// Whether the member that was begun last may be of use to some class.
   bool isOfUse() const;
@@ -60,7 +60,7 @@ class RecordDraft final : public DictionaryKeys {
 
   Member& last() { return current_ == nullptr ? unused_ : *current_; }
   Member* memberFor(std::string_view key);
-  bool isKeyOfFamily(std::string_view key) const;
+  const Property* propertyOfFamily(std::string_view key) const;
   const RecordClass& chosenClass() const;
 
   const RecordClass& asked_;

@@ -14,7 +14,12 @@ void ValueBuilder::begin() {
 }
 
 void ValueBuilder::add(const std::optional<Scalar>& scalar) {
-  if (!scalar || tooDeep_) return;
+  if (tooDeep_) return;
+  if (!scalar) {
+    // Of a key that occurs twice only the last value counts, also when it is of no use.
+    if (open_.back()->is_object()) open_.back()->get_ref<Dictionary&>().erase(key_);
+    return;
+  }
   std::visit(
       [this](const auto& value) {
         using T = std::decay_t<decltype(value)>;

@@ -10,14 +10,13 @@ namespace VelWhiteBoard {
 
 namespace {
 
-/// What follows the last dot of the last path component; a dot that begins or ends the component
-/// makes no extension.
+/// What follows the last dot of the last path component; nothing when it has no dot.
 std::string_view pathExtension(std::string_view path) {
   while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
   const auto slash = path.rfind('/');
   const std::string_view name = slash == std::string_view::npos ? path : path.substr(slash + 1);
   const auto dot = name.rfind('.');
-  if (dot == std::string_view::npos || dot == 0) return {};
+  if (dot == std::string_view::npos) return {};
   return name.substr(dot + 1);
 }
 

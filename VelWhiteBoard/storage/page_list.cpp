@@ -71,6 +71,10 @@ PageList::Place PageList::push_back(VectorPtr vector) {
   return end_++;
 }
 
+void PageList::replace(Place place, VectorPtr vector) {
+  ownChunk(place)[place % kChunkEntries] = std::move(vector);
+}
+
 void PageList::erase(Place place) {
   VectorPtr& entry = ownChunk(place)[place % kChunkEntries];
   if (!entry) return;
@@ -145,6 +149,7 @@ void SnapList::eraseEqual(const VelWbBaseVector& vector) {
   });
   // Gaps are closed only when all are out: closing them moves the others.
   for (const Place place : candidates) {
+    if (place >= list_.endPlace() || !list_.at(place)) continue;
     removeFromIndex(*list_.at(place), place);
     list_.erase(place);
   }

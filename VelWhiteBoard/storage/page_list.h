@@ -40,6 +40,8 @@ class PageList {
 
   /// Adds an entry, which must not be null; answers its place.
   Place push_back(VectorPtr vector);
+  /// Puts another entry, which must not be null, in the place of one.
+  void replace(Place place, VectorPtr vector);
   /// Takes the entry at a place out; nothing for a gap.
   void erase(Place place);
 

@@ -31,10 +31,10 @@ PageSave::PageSave(PageLog whole, std::optional<std::string> wholePath, PageList
       whole_(std::move(whole)),
       snap_(std::move(snap)) {}
 
-void PageSave::aboutToChange(const VelWbBaseVector& vector) {
+void PageSave::aboutToChange(const VectorPtr& vector) {
   const MutexHold hold(mutex_);
-  if (phase_ == Phase::over || kept_.contains(&vector)) return;
-  kept_.emplace(&vector, vector.copyWithZone());
+  if (phase_ == Phase::over || kept_.contains(vector.get())) return;
+  kept_.emplace(vector.get(), Kept{vector, vector->copyWithZone()});
 }
 
 void PageSave::supersede() {
@@ -89,6 +89,11 @@ bool PageSave::writesSameFilesAs(const PageSave& other) const {
   return wholePath_ == other.wholePath_ && snapPath_ == other.snapPath_;
 }
 
+bool PageSave::sharesAFileWith(const PageSave& other) const {
+  return (wholePath_ && wholePath_ == other.wholePath_) ||
+         (snapPath_ && snapPath_ == other.snapPath_);
+}
+
 void PageSave::writeWhole() {
   if (!wholePath_) return;
   // First of all what the file held before: once it is replaced, nobody can read that any more.
@@ -115,7 +120,7 @@ bool PageSave::addAll(const PageList& list, PropertyListWriter& writer) {
         const VectorPtr& vector = list.at(next);
         if (!vector) continue;
         const auto kept = kept_.find(vector.get());
-        copies.push_back(kept != kept_.end() ? kept->second : vector->copyWithZone());
+        copies.push_back(kept != kept_.end() ? kept->second.copy : vector->copyWithZone());
       }
     }
     for (const auto& copy : copies) {
@@ -132,12 +137,16 @@ void PageSave::finish() {
   kept_.clear();
 }
 
-void PendingSaves::aboutToChange(const VelWbBaseVector& vector) {
+void PendingSaves::aboutToChange(const VectorPtr& vector) {
   for (const auto& save : saves_) save->aboutToChange(vector);
 }
 
 bool PendingSaves::add(const std::shared_ptr<PageSave>& save) {
   std::erase_if(saves_, [](const auto& each) { return each->isOver(); });
+  // What writes one of the two files must stay behind this save, and so must what comes later.
+  for (const auto& each : saves_) {
+    if (each->sharesAFileWith(*save) && !each->writesSameFilesAs(*save)) each->close();
+  }
   const auto waitsForSameFiles = [&save](const auto& each) {
     return each->isWaiting() && each->writesSameFilesAs(*save);
   };

@@ -34,7 +34,7 @@ class PageSave {
            std::shared_ptr<DamagedFiles> damaged);
 
   /// Called before `vector` changes. Keeps it as it is, unless the save is over or has it already.
-  void aboutToChange(const VelWbBaseVector& vector);
+  void aboutToChange(const VectorPtr& vector);
 
   /// A newer save of the same files has been queued: unless the writing has begun, nothing will be
   /// written, and what the save holds is let go.
@@ -56,9 +56,18 @@ class PageSave {
 
   /// Whether this save and `other` write the same files.
   bool writesSameFilesAs(const PageSave& other) const;
+  /// Whether some file is written by both.
+  bool sharesAFileWith(const PageSave& other) const;
 
  private:
   enum class Phase { waiting, writing, over };
+
+  /// A vector that has changed since, and how it was. The vector is held so that no other one gets
+  /// its address, under which the copy is found.
+  struct Kept {
+    VectorPtr vector;
+    std::shared_ptr<const Record> copy;
+  };
 
   void writeWhole();
   void writeSnap();
@@ -76,8 +85,7 @@ class PageSave {
   SaveOrder order_;
   PageLog whole_;
   PageList snap_;
-  std::unordered_map<const Record*, std::shared_ptr<const Record>> kept_
-      VELWHITEBOARD_GUARDED_BY(mutex_);
+  std::unordered_map<const Record*, Kept> kept_ VELWHITEBOARD_GUARDED_BY(mutex_);
 };
 
 /// The saves of a storage that are queued or being written.
@@ -86,7 +94,7 @@ class PageSave {
 class PendingSaves {
  public:
   /// Announces that a vector is about to change.
-  void aboutToChange(const VelWbBaseVector& vector);
+  void aboutToChange(const VectorPtr& vector);
   /// Takes a new save in. When many of the same files wait, because the disk hangs, it takes the
   /// place of the newest of them, or the oldest is superseded: the files will end the same, and
   /// what waits takes no more memory than a few saves do.

@@ -11,10 +11,10 @@ namespace VelWhiteBoard {
 namespace {
 
 /// Whether `vector` was a piece of the stroke that `entry` is, and has been folded into it.
-bool continueStroke(VelWbBaseVector& entry, const VelWbBaseVector& vector, PendingSaves& saves) {
-  auto* stroke = recordCast<VelWbVecLine>(entry);
+bool continueStroke(const VectorPtr& entry, const VelWbBaseVector& vector, PendingSaves& saves) {
+  auto* stroke = recordCast<VelWbVecLine>(entry.get());
   if (stroke == nullptr || recordCast<const VelWbVecPoint>(vector) == nullptr) return false;
-  if (entry.ID != vector.ID) return false;
+  if (entry->ID != vector.ID) return false;
   saves.aboutToChange(entry);
   stroke->append(vector);
   return true;
@@ -29,7 +29,7 @@ void continueEntry(const VectorPtr& entry, const VectorPtr& vector, SnapList& sn
     const VectorPtr& last = snap.back();
     if (recordCast<VelWbVecLine>(last.get()) == nullptr && last->ID == vector->ID) {
       if (auto* box = recordCast<VelWbVecSquare>(last.get()); box != nullptr && vectorIsBox) {
-        saves.aboutToChange(*last);
+        saves.aboutToChange(last);
         box->merge(*vector);
       }
       query[*vector->ID] = last;
@@ -39,7 +39,7 @@ void continueEntry(const VectorPtr& entry, const VectorPtr& vector, SnapList& sn
 
   if (auto* box = recordCast<VelWbVecSquare>(entry.get()); box != nullptr && vectorIsBox) {
     snap.eraseEqual(*entry);
-    saves.aboutToChange(*entry);
+    saves.aboutToChange(entry);
     box->merge(*vector);
   }
   // When one of the two is no box, the entry has not been taken out and now stands twice. That is
@@ -71,10 +71,11 @@ void replaceMagnifier(const VectorPtr& vector, SnapList& snap) {
 }
 
 /// A line has a path from its first piece on, so that what it grows by is measured against it.
-void givePath(VelWbVecLine& line, PendingSaves& saves) {
-  if (line.path) return;
-  saves.aboutToChange(line);
-  line.path.emplace().push_back({line.x, line.y, line.ts});
+void givePath(const VectorPtr& vector, PendingSaves& saves) {
+  auto* line = recordCast<VelWbVecLine>(vector.get());
+  if (line == nullptr || line->path) return;
+  saves.aboutToChange(vector);
+  line->path.emplace().push_back({line->x, line->y, line->ts});
 }
 
 /// Applies a saved vector that continues nothing.
@@ -87,7 +88,7 @@ void applyNew(const VectorPtr& vector, SnapList& snap, SnapQuery& query, Pending
   }
   if (vector->type == VelWBVectorStrMagnifier) return replaceMagnifier(vector, snap);
   if (isTransient(*vector)) return snap.push_back(vector);
-  if (auto* line = recordCast<VelWbVecLine>(vector.get())) givePath(*line, saves);
+  givePath(vector, saves);
   snap.push_back(vector);
   query[*vector->ID] = vector;
 }
@@ -104,13 +105,14 @@ bool isTransient(const VelWbBaseVector& vector) {
 void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, PendingSaves& saves) {
   if (!snap.empty() && isTransient(*snap.back())) snap.pop_back();
   if (!vector->ID) {
-    saves.aboutToChange(*vector);
+    saves.aboutToChange(vector);
     vector->ID = VelWbVectorManager::shareManager().genID();
+    snap.hasBeenNamed(*vector);  // before anything below looks for it
   }
   if (!isTransient(*vector)) {
     const auto found = query.find(*vector->ID);
     if (found != query.end()) {
-      if (continueStroke(*found->second, *vector, saves)) return;
+      if (continueStroke(found->second, *vector, saves)) return;
       const VectorPtr entry = found->second;  // its place in the index may be taken by another
       return continueEntry(entry, vector, snap, query, saves);
     }
@@ -125,7 +127,7 @@ void applyAppended(const VectorPtr& vector, SnapList& snap, PendingSaves& saves)
   const auto append = [&](const VectorPtr& entry) {
     auto* positioned = recordCast<VelWbVecPoint>(entry.get());
     if (positioned == nullptr) return false;
-    saves.aboutToChange(*entry);
+    saves.aboutToChange(entry);
     positioned->append(*vector);
     return true;
   };

@@ -31,7 +31,7 @@ namespace VelWhiteBoard {
 ///
 /// Ownership: the very vectors that are saved are kept, and later vectors change them. A stroke's
 /// first piece is its entry in the snap list *and* in the whole list, so it keeps growing in both.
-/// Callers do not edit vectors that they have saved.
+/// Callers do not edit vectors that they have saved, and do not save them in a second storage.
 ///
 /// Threads: every operation may be called from any thread, except that `reload` and `clear` are not
 /// to be called while another thread uses the storage's lists. `semphore` (count 1, not re-entrant)
@@ -157,7 +157,7 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   void setSnapFile(const std::optional<std::string>& path);
 
   /// The pages visited, oldest first. What "page.plist" holds of each is the record as it was when
-  /// the switch was recorded.
+  /// a switch was recorded last.
   std::vector<SwitchPagePtr> pageArray() const;
   void setPageArray(const std::vector<SwitchPagePtr>& pages);
 

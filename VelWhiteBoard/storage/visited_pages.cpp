@@ -1,5 +1,6 @@
 #include "VelWhiteBoard/storage/visited_pages.h"
 
+#include <cstddef>
 #include <cstdint>
 
 #include "VelWhiteBoard/foundation/truncation.h"
@@ -28,6 +29,15 @@ void VisitedPages::record(const Page& page) {
     recorded_.erase(recorded_.endPlace() - 1);
   }
   add(page);
+}
+
+PageList VisitedPages::forFile() {
+  for (std::size_t place = 0; place < pages_.size(); ++place) {
+    if (!recorded_.at(place)->isEqual(*pages_[place])) {
+      recorded_.replace(place, pages_[place]->copyWithZone());
+    }
+  }
+  return recorded_;
 }
 
 void VisitedPages::add(const Page& page) {

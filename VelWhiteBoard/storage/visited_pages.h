@@ -15,8 +15,8 @@
 namespace VelWhiteBoard {
 
 /// The recorded page switches, oldest first. Beside each record of the client stands a copy of it
-/// as it was when it was recorded: that is what the file gets, so that a client's later edits of
-/// its own records are no race with the queue.
+/// as it was when a switch was recorded last: that is what the file gets, so that a client's later
+/// edits of its own records are no race with the queue.
 ///
 /// Threads: as the storage guards it.
 class VisitedPages {
@@ -31,8 +31,9 @@ class VisitedPages {
   /// Records a switch. One in the same millisecond as the last recorded one replaces it.
   void record(const Page& page);
 
-  /// What the file is to hold, at this instant.
-  PageList forFile() const { return recorded_; }
+  /// What the file is to hold, at this instant. Looks at every record: a client may have edited its
+  /// own since.
+  PageList forFile();
 
  private:
   void add(const Page& page);

@@ -6,7 +6,7 @@ namespace VelWhiteBoard {
 
 const RecordClass& VelWbBaseVector::ownClass() {
   static constexpr RecordClass own = makeRecordClass<VelWbBaseVector>(
-      "VelWbBaseVector", nullptr, &vectorClassForDictionary, &isKeyOfAnyVector);
+      "VelWbBaseVector", nullptr, &vectorClassForDictionary, &propertyOfAnyVector);
   return own;
 }
 

@@ -31,8 +31,8 @@ VELWHITEBOARD_EXPORT const RecordClass& vectorClassForDictionary(const Dictionar
 /// The same for a dictionary at hand.
 VELWHITEBOARD_EXPORT const RecordClass& vectorClassForDictionary(const Dictionary& dictionary,
                                                                  const RecordClass& asked);
-/// Whether a vector of any class has a property of that name.
-VELWHITEBOARD_EXPORT bool isKeyOfAnyVector(std::string_view key);
+/// The property of that name that vectors have, of whichever class; null when none has.
+VELWHITEBOARD_EXPORT const Property* propertyOfAnyVector(std::string_view name);
 
 /// What each vector class gets by being declared as `class Self : public VectorOf<Self, Base>`.
 template <class Self, class Base>

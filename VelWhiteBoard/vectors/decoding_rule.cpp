@@ -1,10 +1,8 @@
 // The rule that chooses the class of a vector from its dictionary.
-#include <algorithm>
 #include <array>
-#include <set>
+#include <map>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "VelWhiteBoard/foundation/dictionary_keys.h"
 #include "VelWhiteBoard/vectors/boxes.h"
@@ -38,22 +36,25 @@ constexpr std::array<NamedClass, 13> kClassOfType{{
     {VelWBVectorStrOffset, &VelWbVecOffset::ownClass},
 }};
 
-/// The names of all properties of all vectors, each once, in byte order.
-std::vector<std::string_view> namesOfAllProperties() {
-  std::set<std::string_view> names;
-  const auto addAll = [&names](const RecordClass& each) {
-    for (const Property& property : each.properties) names.insert(property.name);
+using PropertiesByName = std::map<std::string_view, const Property*>;
+
+/// The properties of all vectors, one of each name.
+PropertiesByName allProperties() {
+  PropertiesByName properties;
+  const auto addAll = [&properties](const RecordClass& each) {
+    for (const Property& property : each.properties) properties.emplace(property.name, &property);
   };
   for (const auto& [type, ownClass] : kClassOfType) addAll(ownClass());
   addAll(VelWbVecCircle::ownClass());  // a diagram with two properties more; boxes are less
-  return {names.begin(), names.end()};
+  return properties;
 }
 
 }  // namespace
 
-bool isKeyOfAnyVector(std::string_view key) {
-  static const std::vector<std::string_view> names = namesOfAllProperties();
-  return std::binary_search(names.begin(), names.end(), key);
+const Property* propertyOfAnyVector(std::string_view name) {
+  static const PropertiesByName properties = allProperties();
+  const auto found = properties.find(name);
+  return found == properties.end() ? nullptr : found->second;
 }
 
 const RecordClass& vectorClassForDictionary(const DictionaryKeys& keys, const RecordClass& asked) {
