@@ -136,7 +136,8 @@ class Player {
     storage_->switchPage(page);
   }
 
-  // Which lists the new vectors join is known only afterwards, so nothing is written before that.
+  // Which lists the new vectors join is known only afterwards, so nothing is written before that:
+  // the queue stands still, and no save waits in it whose turn the new one could take.
   void append() {
     const auto page = anyPage();
     VectorList vectors;
@@ -145,8 +146,13 @@ class Player {
       storage_->appendVectors(vectors, page);
       return;
     }
+    const auto stands = std::make_shared<std::binary_semaphore>(0);
     const auto gate = std::make_shared<std::binary_semaphore>(0);
-    storage_->saveQueue()->addOperationWithBlock([gate] { gate->acquire(); });
+    storage_->saveQueue()->addOperationWithBlock([stands, gate] {
+      stands->release();
+      gate->acquire();
+    });
+    stands->acquire();
     storage_->appendVectors(vectors, page);
     announcePage(page->pageInfo());
     gate->release();
