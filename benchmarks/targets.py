@@ -86,7 +86,7 @@ TARGETS = [
     Target("an empty storage", "bytes", raw("bytes_of_an_empty_storage"), limit=4_096, relation="itself"),
     Target("threads with 10,000 boards open, all queues used", "threads",
            raw("threads_with_all_boards_open"), limit=9, relation="itself"),
-    Target("switchPage among 200 cached pages", "us", seconds("switchAmongCachedPages/10"), limit=10, relation="itself"),
+    Target("switchPage among 200 cached pages, up to 400 visits", "us", seconds("switchAmongCachedPages/10"), limit=10, relation="itself"),
     Target("the same: strokes of 1,000 positions beside 10", "us",
            seconds("switchAmongCachedPages/1000"), seconds("switchAmongCachedPages/10"), 1.2),
     Target("snapWithPage, cached", "us", seconds("snapOfACachedPage/10"), seconds("copyAListFromAPlainMap/10"), 2.0),

@@ -15,6 +15,15 @@ std::int64_t millisecond(const VelWbVecSwitchPage& page) {
   return truncatedToSigned(page.ts * kMillisecondsPerSecond);
 }
 
+/// Whether the client has left its record as it was when `copy` was made.
+bool isUnchanged(const VelWbVecSwitchPage& page, const VelWbVecSwitchPage& copy) {
+  bool same = true;
+  VelWbVecSwitchPage::properties([&]<auto Member>(DeclaredProperty<Member>) {
+    same = same && page.*Member == copy.*Member;
+  });
+  return same;
+}
+
 }  // namespace
 
 VisitedPages::VisitedPages(const std::vector<Page>& pages) {
@@ -33,7 +42,8 @@ void VisitedPages::record(const Page& page) {
 
 PageList VisitedPages::forFile() {
   for (std::size_t place = 0; place < pages_.size(); ++place) {
-    if (!recorded_.at(place)->isEqual(*pages_[place])) {
+    const auto& copy = static_cast<const VelWbVecSwitchPage&>(*recorded_.at(place));
+    if (!isUnchanged(*pages_[place], copy)) {
       recorded_.replace(place, pages_[place]->copyWithZone());
     }
   }
