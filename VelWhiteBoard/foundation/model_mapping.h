@@ -11,7 +11,8 @@
 /// boolean property takes a number (not 0 is true) and "true" or "false"; null is null, 0 or false.
 /// An integer property cuts a fraction off toward zero and stops at the ends of its range. A
 /// position of a path that is not an array of numbers is dropped. Keys that name no property are
-/// ignored.
+/// ignored. A value that nests arrays and objects deeper than 256 levels is ignored; a JSON text
+/// that nests them deeper than 1,000 may be refused as a whole, like one that is no JSON.
 ///
 /// Threads: all functions may be called from any thread, on distinct records.
 #pragma once
