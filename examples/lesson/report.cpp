@@ -17,7 +17,7 @@ using Row = std::array<std::string, kColumns>;
 /// A count with its thousands set apart: "31,667".
 std::string grouped(std::uint64_t number) {
   std::string text = std::to_string(number);
-  for (std::size_t i = text.size(); i > 3;) text.insert(i -= 3, ",");
+  for (std::size_t i = text.size(); i > 3;) text.insert(i -= 3, 1, ',');
   return text;
 }
 
