@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/boxes.h"
 #include "tests/support/print_records.h"
 
 namespace VelWhiteBoard {
@@ -17,17 +18,9 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 /// A stored circle with a value in every field; as a `VelWbVecDiagram` without the radii.
 template <class T>
 T stored() {
-  T shape;
+  T shape = box<T>();
   shape.type = "diagram";
-  shape.ts = 1;
   shape.ID = "d";
-  shape.x = 0.1;
-  shape.y = 0.2;
-  shape.ps = 400;
-  shape.end = true;
-  shape.path = Path{{1, 2, 3}};
-  shape.w = 0.3;
-  shape.h = 0.4;
   shape.kind = "ellipse";
   shape.points = Array{Array{1, 2}, Array{3, 4}};
   shape.color = "#112233FF";
@@ -44,13 +37,10 @@ VelWbVecCircle storedCircle() {
 
 /// An update that carries only its time.
 template <class T>
-T update() {
-  T shape;
+T timeOnly() {
+  T shape = update<T>();
   shape.type = "diagram";
-  shape.ts = 2;
   shape.ID = "d";
-  shape.x = -10;
-  shape.y = -10;
   shape.w = -1;
   shape.h = -1;
   return shape;
@@ -68,7 +58,7 @@ TEST(Diagrams, TheInitialStateIsNullAndZero) {
 
 TEST(Diagrams, AnUpdateThatCarriesNothingChangesOnlyTheTime) {
   auto shape = stored<VelWbVecDiagram>();
-  shape.merge(update<VelWbVecDiagram>());
+  shape.merge(timeOnly<VelWbVecDiagram>());
   auto expected = stored<VelWbVecDiagram>();
   expected.ts = 2;
   EXPECT_EQ(shape, expected);
@@ -76,7 +66,7 @@ TEST(Diagrams, AnUpdateThatCarriesNothingChangesOnlyTheTime) {
 
 TEST(Diagrams, AnUpdateOfAnotherTypeOrIdentifierChangesNothing) {
   auto circle = storedCircle();
-  auto other = update<VelWbVecCircle>();
+  auto other = timeOnly<VelWbVecCircle>();
   other.radiusX = 99;
   other.pixel = 99;
   other.ID = "e";
@@ -103,7 +93,7 @@ TEST(Diagrams, ASizeIsTakenWhenBothSidesAreZeroOrMore) {
               {5, -5e-324, false}, {kNaN, 5, false}, {5, kNaN, false}};
   for (const auto& row : rows) {
     auto shape = stored<VelWbVecDiagram>();
-    auto change = update<VelWbVecDiagram>();
+    auto change = timeOnly<VelWbVecDiagram>();
     change.w = row.w;
     change.h = row.h;
     shape.merge(change);
@@ -114,7 +104,7 @@ TEST(Diagrams, ASizeIsTakenWhenBothSidesAreZeroOrMore) {
 
 TEST(Diagrams, APlainBoxGivesOnlyPositionSizeAndTimeAndByTheRuleForBoxes) {
   auto shape = stored<VelWbVecDiagram>();
-  auto change = update<VelWbVecSquare>();
+  auto change = timeOnly<VelWbVecSquare>();
   change.ps = 999;
   change.w = 0;
   change.h = 120;
@@ -143,7 +133,7 @@ TEST(Diagrams, ThePointsAreReplacedWholesaleWhenThereAreAny) {
               {Array{Dictionary{{"x", 1}}}, {Dictionary{{"x", 1}}}}};
   for (const auto& row : rows) {
     auto shape = stored<VelWbVecDiagram>();
-    auto change = update<VelWbVecDiagram>();
+    auto change = timeOnly<VelWbVecDiagram>();
     change.points = row.points;
     shape.merge(change);
     EXPECT_EQ(shape.points, row.expected);
@@ -152,7 +142,7 @@ TEST(Diagrams, ThePointsAreReplacedWholesaleWhenThereAreAny) {
 
 TEST(Diagrams, ColorPixelAndReferenceWidthAreTakenWhereGiven) {
   auto shape = stored<VelWbVecDiagram>();
-  auto change = update<VelWbVecDiagram>();
+  auto change = timeOnly<VelWbVecDiagram>();
   change.color = "";
   change.pixel = 0;
   change.ps = 0;
@@ -208,7 +198,7 @@ TEST(Diagrams, TheRadiiAreTakenEachForItself) {
               {-1, -1, 6, 7}, {kNaN, 1, 6, 1}, {8, 9, 8, 9}};
   for (const auto& row : rows) {
     auto circle = storedCircle();
-    auto change = update<VelWbVecCircle>();
+    auto change = timeOnly<VelWbVecCircle>();
     change.radiusX = row.x;
     change.radiusY = row.y;
     circle.merge(change);
@@ -219,7 +209,7 @@ TEST(Diagrams, TheRadiiAreTakenEachForItself) {
 
 TEST(Diagrams, ACircleTakesFromADiagramAllButRadii) {
   auto circle = storedCircle();
-  auto change = update<VelWbVecDiagram>();
+  auto change = timeOnly<VelWbVecDiagram>();
   change.pixel = 9;
   change.w = 0;
   change.h = 0;
@@ -234,7 +224,7 @@ TEST(Diagrams, ACircleTakesFromADiagramAllButRadii) {
 
 TEST(Diagrams, ADiagramTakesFromACircleWhatADiagramHas) {
   auto shape = stored<VelWbVecDiagram>();
-  auto change = update<VelWbVecCircle>();
+  auto change = timeOnly<VelWbVecCircle>();
   change.pixel = 9;
   change.radiusX = 50;
   shape.merge(change);

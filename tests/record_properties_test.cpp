@@ -154,6 +154,16 @@ TEST_P(RecordProperties, ACopyIsEqualAndAnotherRecord) {
   });
 }
 
+// That lets a reader know what a key holds before it knows the class.
+TEST_P(RecordProperties, OfVectorsHaveOneKindForEachName) {
+  if (!own().isKindOf(VelWbBaseVector::ownClass())) return;
+  for (const Property& property : own().properties) {
+    const Property* any = propertyOfAnyVector(property.name);
+    ASSERT_NE(any, nullptr) << property.name;
+    EXPECT_EQ(any->kind, property.kind) << property.name;
+  }
+}
+
 TEST_P(RecordProperties, EachSinglePropertyThatDiffersMakesRecordsUnequal) {
   RandomRecords changes(kForDictionaries, 99);
   forRandomRecords(kForDictionaries, [&](const Record& record) {

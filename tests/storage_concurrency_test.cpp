@@ -21,19 +21,31 @@
 namespace VelWhiteBoard {
 namespace {
 
-TEST(StorageThreads, LoseNothingWhenTwoAppendToAPageThatIsNotCached) {
-  constexpr int kPages = 40;
-  Board board;
-  for (int i = 0; i < kPages; ++i) {
-    board.append(page(1, static_cast<std::uint64_t>(i)), line("old", 1, 2, 3));
+constexpr int kPages = 40;
+
+/// A board whose pages have files and are not cached, for two threads that meet at each page.
+class UncachedPages : public Board {
+ public:
+  UncachedPages() {
+    for (int i = 0; i < kPages; ++i) {
+      append(page(1, static_cast<std::uint64_t>(i)), line("old", 1, 2, 3));
+      meetings_.push_back(std::make_unique<Meeting>(2));
+    }
+    settle();
+    reopen();
   }
-  board.settle();
-  board.reopen();
-  std::vector<std::unique_ptr<Meeting>> meetings;
-  for (int i = 0; i < kPages; ++i) meetings.push_back(std::make_unique<Meeting>(2));
+
+  void meetAt(int number) { meetings_[static_cast<std::size_t>(number)]->arrive(); }
+
+ private:
+  std::vector<std::unique_ptr<Meeting>> meetings_;
+};
+
+TEST(StorageThreads, LoseNothingWhenTwoAppendToAPageThatIsNotCached) {
+  UncachedPages board;
   together(2, [&](int number) {
     for (int i = 0; i < kPages; ++i) {
-      meetings[static_cast<std::size_t>(i)]->arrive();
+      board.meetAt(i);
       board.append(page(1, static_cast<std::uint64_t>(i)), line(std::to_string(number), 1, 2, 3));
     }
   });
@@ -46,19 +58,11 @@ TEST(StorageThreads, LoseNothingWhenTwoAppendToAPageThatIsNotCached) {
 }
 
 TEST(StorageThreads, LoseNothingWhenOneShowsThePageThatAnotherAppendsTo) {
-  constexpr int kPages = 40;
-  Board board;
-  for (int i = 0; i < kPages; ++i) {
-    board.append(page(1, static_cast<std::uint64_t>(i)), line("old", 1, 2, 3));
-  }
-  board.settle();
-  board.reopen();
-  std::vector<std::unique_ptr<Meeting>> meetings;
-  for (int i = 0; i < kPages; ++i) meetings.push_back(std::make_unique<Meeting>(2));
+  UncachedPages board;
   together(2, [&](int number) {
     for (int i = 0; i < kPages; ++i) {
       const auto where = page(1, static_cast<std::uint64_t>(i), i);
-      meetings[static_cast<std::size_t>(i)]->arrive();
+      board.meetAt(i);
       if (number == 0) {
         board->switchPage(where);
         board.save(line("shown", 1, 2, 3));

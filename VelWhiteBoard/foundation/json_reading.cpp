@@ -227,8 +227,8 @@ auto withParsedText(std::string_view text, const Use& use)
   auto error = parser.parse(text).get(element);
   if (error != simdjson::SUCCESS) {
     // Which error stands for what depends on the parser's version, so any is worth a look.
-    const std::string inRange = mendedJSON(text);
-    if (inRange != text) error = parser.parse(inRange).get(element);
+    const std::string mended = mendedJSON(text);
+    if (mended != text) error = parser.parse(mended).get(element);
   }
   decltype(use(element)) result{};
   if (error == simdjson::SUCCESS) result = use(element);

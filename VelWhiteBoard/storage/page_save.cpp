@@ -38,17 +38,19 @@ void PageSave::aboutToChange(const VectorPtr& vector) {
 }
 
 void PageSave::supersede() {
+  Contents letGo;
   const MutexHold hold(mutex_);
-  if (phase_ == Phase::waiting) finish();
+  if (phase_ == Phase::waiting) letGo = finish();
 }
 
 bool PageSave::replaceBy(PageSave& newer) {
+  KeptVectors letGo;
   const MutexHold hold(mutex_);
   if (phase_ != Phase::waiting || isClosed_) return false;
   order_ = newer.order_;
   std::swap(whole_, newer.whole_);
   std::swap(snap_, newer.snap_);
-  kept_.clear();
+  std::swap(kept_, letGo);
   return true;
 }
 
@@ -66,13 +68,9 @@ void PageSave::write() {
   if (order_ == SaveOrder::wholeFirst) writeWhole();
   writeSnap();
   if (order_ == SaveOrder::snapFirst) writeWhole();
-  PageLog whole;
-  PageList snap;
+  Contents letGo;
   const MutexHold hold(mutex_);
-  // Let go of outside the lock: the last reference to many vectors takes its time.
-  std::swap(whole, whole_);
-  std::swap(snap, snap_);
-  finish();
+  letGo = finish();
 }
 
 bool PageSave::isOver() const {
@@ -89,9 +87,9 @@ bool PageSave::writesSameFilesAs(const PageSave& other) const {
   return wholePath_ == other.wholePath_ && snapPath_ == other.snapPath_;
 }
 
-bool PageSave::sharesAFileWith(const PageSave& other) const {
-  return (wholePath_ && wholePath_ == other.wholePath_) ||
-         (snapPath_ && snapPath_ == other.snapPath_);
+bool PageSave::writesAny(const std::optional<std::string>& wholePath,
+                         const std::optional<std::string>& snapPath) const {
+  return (wholePath_ && wholePath_ == wholePath) || (snapPath_ && snapPath_ == snapPath);
 }
 
 void PageSave::writeWhole() {
@@ -130,11 +128,9 @@ bool PageSave::addAll(const PageList& list, PropertyListWriter& writer) {
   return true;
 }
 
-void PageSave::finish() {
+PageSave::Contents PageSave::finish() {
   phase_ = Phase::over;
-  whole_ = {};
-  snap_ = {};
-  kept_.clear();
+  return {std::exchange(whole_, {}), std::exchange(snap_, {}), std::exchange(kept_, {})};
 }
 
 void PendingSaves::aboutToChange(const VectorPtr& vector) {
@@ -162,6 +158,12 @@ bool PendingSaves::add(const std::shared_ptr<PageSave>& save) {
 
 void PendingSaves::close() {
   for (const auto& save : saves_) save->close();
+}
+
+void PendingSaves::closeThoseOf(const std::string& wholePath, const std::string& snapPath) {
+  for (const auto& save : saves_) {
+    if (save->writesAny(wholePath, snapPath)) save->close();
+  }
 }
 
 }  // namespace VelWhiteBoard

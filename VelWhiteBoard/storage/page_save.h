@@ -56,8 +56,13 @@ class PageSave {
 
   /// Whether this save and `other` write the same files.
   bool writesSameFilesAs(const PageSave& other) const;
+  /// Whether this save writes one of the two files.
+  bool writesAny(const std::optional<std::string>& wholePath,
+                 const std::optional<std::string>& snapPath) const;
   /// Whether some file is written by both.
-  bool sharesAFileWith(const PageSave& other) const;
+  bool sharesAFileWith(const PageSave& other) const {
+    return writesAny(other.wholePath_, other.snapPath_);
+  }
 
  private:
   enum class Phase { waiting, writing, over };
@@ -72,7 +77,17 @@ class PageSave {
   void writeWhole();
   void writeSnap();
   bool addAll(const PageList& list, PropertyListWriter& writer);
-  void finish() VELWHITEBOARD_REQUIRES(mutex_);
+  using KeptVectors = std::unordered_map<const Record*, Kept>;
+  /// What a save holds. To let go of the last reference to many vectors takes its time, so that is
+  /// done outside the lock.
+  struct Contents {
+    PageLog whole;
+    PageList snap;
+    KeptVectors kept;
+  };
+
+  /// Ends the save and takes out of it what it holds.
+  Contents finish() VELWHITEBOARD_REQUIRES(mutex_);
 
   const std::optional<std::string> wholePath_;
   const std::optional<std::string> snapPath_;
@@ -85,7 +100,7 @@ class PageSave {
   SaveOrder order_;
   PageLog whole_;
   PageList snap_;
-  std::unordered_map<const Record*, Kept> kept_ VELWHITEBOARD_GUARDED_BY(mutex_);
+  KeptVectors kept_ VELWHITEBOARD_GUARDED_BY(mutex_);
 };
 
 /// The saves of a storage that are queued or being written.
@@ -101,9 +116,11 @@ class PendingSaves {
   ///
   /// @return whether the save is to be queued; false when one that is queued already will write it.
   bool add(const std::shared_ptr<PageSave>& save);
-  /// Something else is queued, a removal or in another queue: later saves must not take the place
-  /// of those that wait now.
+  /// Later saves go to another queue: they must not take the place of those that wait now.
   void close();
+  /// A removal of these two files is queued: it stands between the saves of one of them that wait
+  /// now and those that come.
+  void closeThoseOf(const std::string& wholePath, const std::string& snapPath);
 
  private:
   std::vector<std::shared_ptr<PageSave>> saves_;

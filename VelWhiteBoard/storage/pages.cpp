@@ -94,12 +94,13 @@ void VWBVectorStorage::clearPage(const VelWbVecSwitchPage& page) {
     state.snapQuery.clear();
     state.hasNewChange = false;
   }
-  state.pendingSaves.close();
-  state.saveQueue->addOperationWithBlock(
-      [whole = wholeListFile(state.folder, key), snap = snapListFile(state.folder, key)] {
-        VWBPathManager::sharedManager().removeFolderOrFile(whole);
-        VWBPathManager::sharedManager().removeFolderOrFile(snap);
-      });
+  std::string whole = wholeListFile(state.folder, key);
+  std::string snap = snapListFile(state.folder, key);
+  state.pendingSaves.closeThoseOf(whole, snap);
+  state.saveQueue->addOperationWithBlock([whole = std::move(whole), snap = std::move(snap)] {
+    VWBPathManager::sharedManager().removeFolderOrFile(whole);
+    VWBPathManager::sharedManager().removeFolderOrFile(snap);
+  });
 }
 
 }  // namespace VelWhiteBoard

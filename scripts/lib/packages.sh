@@ -3,7 +3,7 @@
 library_packages=(build-essential cmake ninja-build pkg-config
   nlohmann-json3-dev libsimdjson-dev libexpat1-dev)
 example_packages=(libcli11-dev libcairo2-dev fonts-dejavu-core)
-test_packages=(libgtest-dev libgmock-dev python3 valgrind)
+test_packages=(libgtest-dev libgmock-dev locales python3 valgrind)
 bench_packages=(libbenchmark-dev python3)
 check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev)
 
