@@ -104,6 +104,7 @@ TEST_F(DiskFiles, ASignalDuringAnyCallCostsNothing) {
   };
   const auto check = [](const FileResult& result) { EXPECT_TRUE(result) << result.describe(); };
   std::string read;
+  FileBytes bytes;
   std::vector<std::string> names;
   FileStatus status;
   interrupt();
@@ -121,10 +122,15 @@ TEST_F(DiskFiles, ASignalDuringAnyCallCostsNothing) {
   interrupt();
   check(files_.list(folder_.at("d"), names));
   interrupt();
-  check(files_.rename(folder_.at("d"), folder_.at("e")));
+  check(files_.readBytes(folder_.at("d/f"), bytes));
+  interrupt();
+  check(files_.rename(folder_.at("d"), folder_.at("c")));
+  interrupt();
+  check(files_.renameToNew(folder_.at("c"), folder_.at("e")));
   interrupt();
   check(files_.removeRecursively(folder_.at("e")));
   EXPECT_EQ(read, "contents");
+  EXPECT_EQ(bytes.view(), "contents");
   EXPECT_EQ(status.kind, FileKind::kFile);
   EXPECT_THAT(names, ::testing::UnorderedElementsAre("a", "empty", "f"));
   EXPECT_TRUE(fs::is_empty(folder_.path()));
@@ -139,6 +145,55 @@ TEST_F(DiskFiles, AReadThatFailsHalfwaySaysSo) {
   EXPECT_EQ(result.error, EIO);
   EXPECT_EQ(read.size(), kFileBlockSize) << "what was read before is the caller's";
   EXPECT_EQ(calls_.openHandles(), 0U);
+}
+
+TEST_F(DiskFiles, RenamingToANewNameMovesALinkItselfAndIsRefusedByADanglingOne) {
+  ASSERT_TRUE(files_.writeAll(folder_.at("f"), "x"));
+  fs::create_symlink("f", folder_.at("link"));
+  fs::create_symlink("missing", folder_.at("dangling"));
+  EXPECT_EQ(files_.renameToNew(folder_.at("f"), folder_.at("dangling")).error, EEXIST);
+  EXPECT_EQ(files_.renameToNew(folder_.at("f"), folder_.at("link")).error, EEXIST);
+  EXPECT_TRUE(files_.renameToNew(folder_.at("link"), folder_.at("moved")));
+  EXPECT_TRUE(fs::is_symlink(folder_.at("moved")));
+  EXPECT_TRUE(files_.renameToNew(folder_.at("dangling"), folder_.at("moved too")));
+  EXPECT_EQ(contents(folder_.at("f")), "x");
+}
+
+TEST_F(DiskFiles, AVolumeThatCannotRefuseToReplaceIsLookedAtFirst) {
+  for (const int error : {EINVAL, ENOSYS, EOPNOTSUPP}) {
+    SCOPED_TRACE(error);
+    calls_.heal();
+    calls_.inject(Fault::failingFrom(Call::kRenameToNew, 1, error));
+    ASSERT_TRUE(files_.writeAll(folder_.at("f"), "new"));
+    ASSERT_TRUE(files_.writeAll(folder_.at("g"), "old"));
+    fs::create_symlink("missing", folder_.at("dangling"));
+    EXPECT_EQ(files_.renameToNew(folder_.at("f"), folder_.at("g")).error, EEXIST);
+    EXPECT_EQ(files_.renameToNew(folder_.at("f"), folder_.at("dangling")).error, EEXIST);
+    EXPECT_EQ(contents(folder_.at("g")), "old");
+    EXPECT_TRUE(files_.renameToNew(folder_.at("f"), folder_.at("h")));
+    EXPECT_EQ(contents(folder_.at("h")), "new");
+    EXPECT_FALSE(files_.exists(folder_.at("f")));
+    for (const char* name : {"g", "h", "dangling"}) fs::remove(folder_.at(name));
+  }
+}
+
+TEST_F(DiskFiles, RenamingToANewNameThatFailsMovesNothing) {
+  ASSERT_TRUE(files_.writeAll(folder_.at("f"), "x"));
+  const auto expectFailed = [&](int error) {
+    const FileResult result = files_.renameToNew(folder_.at("f"), folder_.at("g"));
+    EXPECT_EQ(fileStepName(result.step), fileStepName(FileStep::kRename));
+    EXPECT_EQ(result.error, error);
+    EXPECT_EQ(contents(folder_.at("f")), "x");
+    EXPECT_FALSE(files_.exists(folder_.at("g")));
+    calls_.heal();
+  };
+  calls_.inject(Fault::failing(Call::kRenameToNew, 1, EACCES));
+  expectFailed(EACCES);
+  for (const Call call : {Call::kStatus, Call::kRename}) {
+    calls_.inject(Fault::failing(Call::kRenameToNew, 1, ENOSYS));
+    calls_.inject(Fault::failing(call, 1, EIO));
+    expectFailed(EIO);
+  }
 }
 
 TEST_F(DiskFiles, AListThatFailsLeavesTheNamesAsTheyWere) {

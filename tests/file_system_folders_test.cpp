@@ -150,6 +150,46 @@ TEST_P(Folders, RenamingThatCannotBeLeavesBothAsTheyWere) {
   EXPECT_EQ(contents("f"), "x");
 }
 
+TEST_P(Folders, RenamingToANewNameMovesFilesAndFolders) {
+  ASSERT_TRUE(files().makeFolder(at("d")));
+  put("f", "contents");
+  put("d/g", "below");
+  EXPECT_TRUE(files().renameToNew(at("f"), at("d/f")));
+  EXPECT_TRUE(files().renameToNew(at("d"), at("e")));
+  EXPECT_THAT(entries(), ElementsAre("e"));
+  EXPECT_THAT(entries(at("e")), UnorderedElementsAre("f", "g"));
+  EXPECT_EQ(contents("e/f"), "contents");
+  EXPECT_EQ(contents("e/g"), "below");
+}
+
+TEST_P(Folders, RenamingToANewNameReplacesNothing) {
+  ASSERT_TRUE(files().makeFolder(at("d")));
+  ASSERT_TRUE(files().makeFolder(at("e")));
+  put("f", "new");
+  put("g", "old");
+  const struct {
+    const char* from;
+    const char* to;
+  } rows[] = {{"f", "g"}, {"f", "d"}, {"d", "f"}, {"d", "e"}, {"f", "f"}, {"d", "d"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.from) + " to " + row.to);
+    expectFailure(files().renameToNew(at(row.from), at(row.to)), FileStep::kRename, EEXIST);
+  }
+  EXPECT_THAT(entries(), UnorderedElementsAre("d", "e", "f", "g"));
+  EXPECT_EQ(contents("f"), "new");
+  EXPECT_EQ(contents("g"), "old");
+}
+
+TEST_P(Folders, RenamingToANewNameNeedsWhatItMovesAndTheFolderItMovesTo) {
+  ASSERT_TRUE(files().makeFolder(at("d")));
+  put("f", "x");
+  expectFailure(files().renameToNew(at("missing"), at("g")), FileStep::kRename, ENOENT);
+  expectFailure(files().renameToNew(at("missing"), at("f")), FileStep::kRename, ENOENT);
+  expectFailure(files().renameToNew(at("f"), at("missing/f")), FileStep::kRename, ENOENT);
+  expectFailure(files().renameToNew(at("d"), at("d/e")), FileStep::kRename, EINVAL);
+  EXPECT_THAT(entries(), UnorderedElementsAre("d", "f"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Contract, Folders, allImplementations(), nameOfImplementation);
 
 }  // namespace

@@ -36,6 +36,46 @@ TEST_P(FileContents, WhatWasWrittenIsReadBackInBlocks) {
   }
 }
 
+TEST_P(FileContents, TheBytesOfAFileAreTheWholeOfIt) {
+  for (const std::size_t size :
+       {std::size_t{0}, std::size_t{1}, kFileBlockSize, 5 * kFileBlockSize + 7}) {
+    SCOPED_TRACE(size);
+    std::string written;
+    for (std::size_t i = 0; i < size; ++i) written += static_cast<char>(i % 251);
+    put("page.plist", written);
+    FileBytes bytes;
+    const FileResult result = files().readBytes(at("page.plist"), bytes);
+    EXPECT_TRUE(result) << result.describe();
+    EXPECT_TRUE(bytes.view() == written);
+  }
+}
+
+TEST_P(FileContents, BytesThatWereReadOutliveTheirFile) {
+  put("f", "contents");
+  FileBytes bytes;
+  ASSERT_TRUE(files().readBytes(at("f"), bytes));
+  put("f", "new");
+  EXPECT_TRUE(files().removeRecursively(at("f")));
+  EXPECT_EQ(bytes.view(), "contents");
+}
+
+TEST_P(FileContents, OnlyAFileHasBytesAndAFailureLeavesNone) {
+  put("f", "x");
+  ASSERT_TRUE(files().makeFolder(at("d")));
+  const struct {
+    const char* name;
+    int error;
+  } rows[] = {{"missing", ENOENT}, {"missing/f", ENOENT}, {"f/below", ENOTDIR}, {"d", EISDIR}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    FileBytes bytes;
+    ASSERT_TRUE(files().readBytes(at("f"), bytes));
+    ASSERT_EQ(bytes.view(), "x");
+    expectFailure(files().readBytes(at(row.name), bytes), FileStep::kOpen, row.error);
+    EXPECT_EQ(bytes.view(), "");
+  }
+}
+
 TEST_P(FileContents, PiecesOfAnySizeBecomeOneFileInTheirOrder) {
   std::string expected;
   const FileResult result = files().writeAtomically(at("f"), [&](const BlockConsumer& write) {
@@ -142,10 +182,12 @@ TEST_P(FileContents, AnEmptyPathOrANulByteNamesNothing) {
   put("f", "x");
   Names names;
   std::string ignored;
+  FileBytes bytes;
   for (const std::string& path : {std::string(), at("f") + std::string("\0", 1),
                                   at("f") + std::string("\0.plist", 7), std::string("\0", 1)}) {
     EXPECT_EQ(files().kind(path), FileKind::kAbsent);
     expectFailure(files().readAll(path, ignored), FileStep::kOpen, ENOENT);
+    expectFailure(files().readBytes(path, bytes), FileStep::kOpen, ENOENT);
     expectFailure(files().writeAll(path, "new"), FileStep::kOpen, ENOENT);
     expectFailure(files().list(path, names), FileStep::kList, ENOENT);
     expectFailure(files().makeFolder(path), FileStep::kMakeFolder, ENOENT);
@@ -153,6 +195,8 @@ TEST_P(FileContents, AnEmptyPathOrANulByteNamesNothing) {
     expectFailure(files().createEmptyFile(path), FileStep::kOpen, ENOENT);
     expectFailure(files().rename(path, at("g")), FileStep::kRename, ENOENT);
     expectFailure(files().rename(at("f"), path), FileStep::kRename, ENOENT);
+    expectFailure(files().renameToNew(path, at("g")), FileStep::kRename, ENOENT);
+    expectFailure(files().renameToNew(at("f"), path), FileStep::kRename, ENOENT);
     EXPECT_TRUE(files().removeRecursively(path));
   }
   EXPECT_THAT(entries(), ElementsAre("f"));

@@ -1,7 +1,11 @@
 #include "VelWhiteBoard/foundation/disk_file_system.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
+#include <limits>
 #include <memory>
+#include <new>
 
 #include "VelWhiteBoard/foundation/atomic_write.h"
 #include "VelWhiteBoard/foundation/open_handle.h"
@@ -20,12 +24,63 @@ FileResult namesNothing(FileStep step, const std::string& path) {
 }
 
 // Opening has succeeded on whatever lies there; only a regular file can be read and written.
-int requireRegularFile(SystemCalls& calls, int handle) {
-  FileInfo info;
+int requireRegularFile(SystemCalls& calls, int handle, FileInfo& info) {
   const int result = uninterrupted([&] { return calls.statusOfHandle(handle, info); });
   if (result < 0) return result;
   if (info.kind == FileKind::kFolder) return -EISDIR;
   return info.kind == FileKind::kFile ? 0 : -EINVAL;
+}
+
+// Opens a regular file for reading. `info` is its status.
+FileResult openRegularFile(SystemCalls& calls, const std::string& path, OpenHandle& file,
+                           FileInfo& info) {
+  if (!namesSomething(path)) return namesNothing(FileStep::kOpen, path);
+  file = OpenHandle(calls, uninterrupted([&] { return calls.open(path, OpenMode::kRead); }));
+  if (!file.isOpen()) return FileResult::failure(FileStep::kOpen, file.error(), path);
+  const int result = requireRegularFile(calls, file.get(), info);
+  if (result >= 0) return FileResult::success();
+  file.close();
+  return FileResult::failure(FileStep::kOpen, -result, path);
+}
+
+// A buffer that is filled by a file of about a known size.
+class ReadBuffer {
+ public:
+  // One byte more than the file, so that the read that meets its end needs no larger buffer.
+  explicit ReadBuffer(std::uint64_t fileSize) {
+    if (fileSize >= std::numeric_limits<std::size_t>::max()) throw std::bad_alloc();
+    capacity_ = static_cast<std::size_t>(fileSize) + 1;
+    bytes_.reset(new char[capacity_]);  // not make_unique: that would fill it with zeros
+  }
+
+  char* rest() { return bytes_.get() + size_; }
+  std::size_t restSize() const { return capacity_ - size_; }
+
+  // The next `count` bytes of the rest are filled.
+  void advance(std::size_t count) {
+    size_ += count;
+    if (size_ == capacity_) grow();
+  }
+
+  FileBytes take() { return {std::move(bytes_), size_}; }
+
+ private:
+  void grow() {
+    const std::size_t larger = std::max(2 * capacity_, kFileBlockSize);
+    std::unique_ptr<char[]> bytes(new char[larger]);
+    std::memcpy(bytes.get(), bytes_.get(), size_);
+    bytes_ = std::move(bytes);
+    capacity_ = larger;
+  }
+
+  std::unique_ptr<char[]> bytes_;
+  std::size_t capacity_ = 0;
+  std::size_t size_ = 0;
+};
+
+// The system or the volume has no renaming that refuses to replace.
+bool cannotRenameToNew(int negatedError) {
+  return negatedError == -EINVAL || negatedError == -ENOSYS || negatedError == -EOPNOTSUPP;
 }
 
 // The end of `path` without its last component: 0 when there is nothing above it.
@@ -72,13 +127,28 @@ FileResult DiskFileSystem::status(const std::string& path, FileStatus& status) {
 
 FileResult DiskFileSystem::open(const std::string& path, std::unique_ptr<OpenedFile>& file) {
   file.reset();
-  if (!namesSomething(path)) return namesNothing(FileStep::kOpen, path);
-  OpenHandle handle(calls_, uninterrupted([&] { return calls_.open(path, OpenMode::kRead); }));
-  if (!handle.isOpen()) return FileResult::failure(FileStep::kOpen, handle.error(), path);
-  if (const int result = requireRegularFile(calls_, handle.get()); result < 0) {
-    return FileResult::failure(FileStep::kOpen, -result, path);
+  OpenHandle handle(calls_);
+  FileInfo info;
+  FileResult opened = openRegularFile(calls_, path, handle, info);
+  if (opened.ok()) file = std::make_unique<OpenedDiskFile>(calls_, std::move(handle), path);
+  return opened;
+}
+
+FileResult DiskFileSystem::readBytes(const std::string& path, FileBytes& bytes) {
+  bytes = {};
+  OpenHandle file(calls_);
+  FileInfo info;
+  const FileResult opened = openRegularFile(calls_, path, file, info);
+  if (!opened.ok()) return opened;
+  ReadBuffer buffer(info.size);
+  for (;;) {
+    const std::int64_t count =
+        uninterrupted([&] { return calls_.read(file.get(), buffer.rest(), buffer.restSize()); });
+    if (count < 0) return FileResult::failure(FileStep::kRead, static_cast<int>(-count), path);
+    if (count == 0) break;
+    buffer.advance(static_cast<std::size_t>(count));
   }
-  file = std::make_unique<OpenedDiskFile>(calls_, std::move(handle), path);
+  bytes = buffer.take();
   return FileResult::success();
 }
 
@@ -156,7 +226,8 @@ FileResult DiskFileSystem::createEmptyFile(const std::string& path) {
   if (!namesSomething(path)) return namesNothing(FileStep::kOpen, path);
   const OpenHandle file(calls_, uninterrupted([&] { return calls_.open(path, OpenMode::kEmpty); }));
   if (!file.isOpen()) return FileResult::failure(FileStep::kOpen, file.error(), path);
-  if (const int result = requireRegularFile(calls_, file.get()); result < 0) {
+  FileInfo info;
+  if (const int result = requireRegularFile(calls_, file.get(), info); result < 0) {
     return FileResult::failure(FileStep::kOpen, -result, path);
   }
   const int result = uninterrupted([&] { return calls_.truncate(file.get()); });
@@ -168,6 +239,25 @@ FileResult DiskFileSystem::rename(const std::string& from, const std::string& to
   if (!namesSomething(from)) return namesNothing(FileStep::kRename, from);
   if (!namesSomething(to)) return namesNothing(FileStep::kRename, to);
   const int result = uninterrupted([&] { return calls_.rename(from, to); });
+  if (result < 0) return FileResult::failure(FileStep::kRename, -result, from);
+  return FileResult::success();
+}
+
+int DiskFileSystem::lookThenRename(const std::string& from, const std::string& to) {
+  FileInfo info;
+  const int found = uninterrupted([&] { return calls_.status(to, false, info); });
+  if (found >= 0) return -EEXIST;
+  if (found != -ENOENT) return found;
+  return uninterrupted([&] { return calls_.rename(from, to); });
+}
+
+FileResult DiskFileSystem::renameToNew(const std::string& from, const std::string& to) {
+  if (!namesSomething(from)) return namesNothing(FileStep::kRename, from);
+  if (!namesSomething(to)) return namesNothing(FileStep::kRename, to);
+  // Not a second name and the removal of the first: what another process puts at `from` between
+  // the two would be removed.
+  int result = uninterrupted([&] { return calls_.renameToNew(from, to); });
+  if (cannotRenameToNew(result)) result = lookThenRename(from, to);
   if (result < 0) return FileResult::failure(FileStep::kRename, -result, from);
   return FileResult::success();
 }

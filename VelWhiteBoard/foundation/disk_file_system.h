@@ -19,6 +19,7 @@ class DiskFileSystem final : public FileSystem {
 
   FileResult status(const std::string& path, FileStatus& status) override;
   FileResult open(const std::string& path, std::unique_ptr<OpenedFile>& file) override;
+  FileResult readBytes(const std::string& path, FileBytes& bytes) override;
   FileResult writeAtomically(const std::string& path, const ContentProducer& produce) override;
   FileResult removeRecursively(const std::string& path) override;
   FileResult list(const std::string& path, std::vector<std::string>& names) override;
@@ -26,9 +27,11 @@ class DiskFileSystem final : public FileSystem {
   FileResult makeFolders(const std::string& path) override;
   FileResult createEmptyFile(const std::string& path) override;
   FileResult rename(const std::string& from, const std::string& to) override;
+  FileResult renameToNew(const std::string& from, const std::string& to) override;
 
  private:
   int makeUnlessFolder(const std::string& path);
+  int lookThenRename(const std::string& from, const std::string& to);
 
   SystemCalls& calls_;
 };

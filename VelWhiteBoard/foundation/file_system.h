@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "VelWhiteBoard/foundation/file_bytes.h"
+
 namespace VelWhiteBoard {
 
 /// What lies at a path. A symbolic link counts as what it points to; a dangling one as absent.
@@ -125,6 +127,11 @@ class FileSystem {
   /// system must outlive `file`.
   virtual FileResult open(const std::string& path, std::unique_ptr<OpenedFile>& file) = 0;
 
+  /// Reads the whole of a regular file into one buffer; the file is closed again before this
+  /// returns. `bytes` is empty after a failure, and after std::bad_alloc, which is thrown when the
+  /// memory does not suffice. Anything but a regular file fails at `kOpen`.
+  virtual FileResult readBytes(const std::string& path, FileBytes& bytes) = 0;
+
   /// Replaces the file at `path`, or creates it, such that at every instant, a crash included, the
   /// path holds either the whole old contents or the whole new ones.
   ///
@@ -156,6 +163,14 @@ class FileSystem {
 
   /// Moves a file or folder within one volume. A file at `to` is replaced.
   virtual FileResult rename(const std::string& from, const std::string& to) = 0;
+
+  /// Moves whatever lies at `from` within one volume, a symbolic link as itself, and replaces
+  /// nothing: anything that exists at `to`, a dangling link included, is a failure with EEXIST.
+  ///
+  /// Of several callers with the same `to`, in any process, one succeeds. Only on a volume that
+  /// cannot rename so (some network and user-space file systems) this is two steps, a look and a
+  /// plain rename; what is put at `to` between the two is replaced.
+  virtual FileResult renameToNew(const std::string& from, const std::string& to) = 0;
 
   /// The kind of what lies at `path`; `kAbsent` when it cannot be told.
   FileKind kind(const std::string& path);

@@ -119,6 +119,17 @@ class PosixCalls final : public SystemCalls {
     return negatedError(::rename(from.c_str(), to.c_str()));
   }
 
+  int renameToNew(const std::string& from, const std::string& to) override {
+#ifdef RENAME_NOREPLACE
+    return negatedError(
+        ::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE));
+#else
+    static_cast<void>(from);
+    static_cast<void>(to);
+    return -ENOSYS;
+#endif
+  }
+
   int makeFolder(const std::string& path) override {
     return negatedError(::mkdir(path.c_str(), kNewFolderMode));
   }

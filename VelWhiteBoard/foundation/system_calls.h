@@ -71,6 +71,9 @@ class SystemCalls {
   virtual int unlock(int handle) = 0;
 
   virtual int rename(const std::string& from, const std::string& to) = 0;
+  /// Renames in one step unless something exists at `to`: that is -EEXIST. -EINVAL or -ENOSYS where
+  /// the volume or the system has no such call.
+  virtual int renameToNew(const std::string& from, const std::string& to) = 0;
   virtual int makeFolder(const std::string& path) = 0;
   /// Removes the name `name` in `folder`; `isFolder` says which of the two kinds it must be.
   virtual int remove(int folder, const std::string& name, bool isFolder) = 0;

@@ -8,8 +8,9 @@ namespace VelWhiteBoard {
 
 std::string_view callName(Call call) {
   constexpr std::array<std::string_view, kAllCalls.size()> kNames = {
-      "open", "openFolder", "close", "status", "read",   "write",      "truncate", "setPermissions",
-      "sync", "syncFolder", "lock",  "unlock", "rename", "makeFolder", "remove",   "list"};
+      "open",     "openFolder",     "close",      "status",     "read", "write",
+      "truncate", "setPermissions", "sync",       "syncFolder", "lock", "unlock",
+      "rename",   "renameToNew",    "makeFolder", "remove",     "list"};
   return kNames[static_cast<std::size_t>(call)];
 }
 
@@ -169,6 +170,10 @@ int FaultyCalls::unlock(int handle) {
 
 int FaultyCalls::rename(const std::string& from, const std::string& to) {
   return through(Call::kRename, [&] { return real_.rename(from, to); });
+}
+
+int FaultyCalls::renameToNew(const std::string& from, const std::string& to) {
+  return through(Call::kRenameToNew, [&] { return real_.renameToNew(from, to); });
 }
 
 int FaultyCalls::makeFolder(const std::string& path) {

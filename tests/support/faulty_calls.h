@@ -32,16 +32,17 @@ enum class Call {
   kLock,
   kUnlock,
   kRename,
+  kRenameToNew,
   kMakeFolder,
   kRemove,
   kList,
 };
 
 inline constexpr std::array kAllCalls = {
-    Call::kOpen,   Call::kOpenFolder, Call::kClose,    Call::kStatus,
-    Call::kRead,   Call::kWrite,      Call::kTruncate, Call::kSetPermissions,
-    Call::kSync,   Call::kSyncFolder, Call::kLock,     Call::kUnlock,
-    Call::kRename, Call::kMakeFolder, Call::kRemove,   Call::kList};
+    Call::kOpen,   Call::kOpenFolder, Call::kClose,          Call::kStatus,      Call::kRead,
+    Call::kWrite,  Call::kTruncate,   Call::kSetPermissions, Call::kSync,        Call::kSyncFolder,
+    Call::kLock,   Call::kUnlock,     Call::kRename,         Call::kRenameToNew, Call::kMakeFolder,
+    Call::kRemove, Call::kList};
 
 std::string_view callName(Call call);
 
@@ -108,6 +109,7 @@ class FaultyCalls final : public SystemCalls {
   int lock(int handle) override;
   int unlock(int handle) override;
   int rename(const std::string& from, const std::string& to) override;
+  int renameToNew(const std::string& from, const std::string& to) override;
   int makeFolder(const std::string& path) override;
   int remove(int folder, const std::string& name, bool isFolder) override;
   int list(int handle, std::vector<std::string>& names) override;

@@ -94,15 +94,34 @@ FileResult MemoryFileSystem::status(const std::string& path, FileStatus& status)
   return FileResult::success();
 }
 
+int MemoryFileSystem::findFile(const std::string& path, const Node*& node) const {
+  if (!namesSomething(path)) return -ENOENT;
+  const std::string key = keyOf(path);
+  node = find(key);
+  if (!node) return std::min(requireFolderOf(key), -ENOENT);
+  return node->isFolder ? -EISDIR : 0;
+}
+
 FileResult MemoryFileSystem::open(const std::string& path, std::unique_ptr<OpenedFile>& file) {
   file.reset();
-  if (!namesSomething(path)) return FileResult::failure(FileStep::kOpen, ENOENT, path);
   const std::lock_guard<std::mutex> lock(mutex_);
-  const std::string key = keyOf(path);
-  const Node* node = find(key);
-  if (!node) return outcome(FileStep::kOpen, std::min(requireFolderOf(key), -ENOENT), path);
-  if (node->isFolder) return FileResult::failure(FileStep::kOpen, EISDIR, path);
-  file = std::make_unique<OpenedContents>(node->contents);
+  const Node* node = nullptr;
+  const int result = findFile(path, node);
+  if (result >= 0) file = std::make_unique<OpenedContents>(node->contents);
+  return outcome(FileStep::kOpen, result, path);
+}
+
+FileResult MemoryFileSystem::readBytes(const std::string& path, FileBytes& bytes) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const Node* node = nullptr;
+  bytes = {};
+  if (const int result = findFile(path, node); result < 0) {
+    return outcome(FileStep::kOpen, result, path);
+  }
+  const std::size_t size = node->contents.size();
+  std::unique_ptr<char[]> buffer(new char[size]);
+  node->contents.copy(buffer.get(), size);
+  bytes = FileBytes(std::move(buffer), size);
   return FileResult::success();
 }
 
@@ -218,6 +237,15 @@ FileResult MemoryFileSystem::rename(const std::string& from, const std::string& 
   if (!namesSomething(to)) return FileResult::failure(FileStep::kRename, ENOENT, to);
   const std::lock_guard<std::mutex> lock(mutex_);
   return outcome(FileStep::kRename, move(keyOf(from), keyOf(to)), from);
+}
+
+FileResult MemoryFileSystem::renameToNew(const std::string& from, const std::string& to) {
+  if (!namesSomething(from)) return FileResult::failure(FileStep::kRename, ENOENT, from);
+  if (!namesSomething(to)) return FileResult::failure(FileStep::kRename, ENOENT, to);
+  const std::lock_guard<std::mutex> lock(mutex_);
+  const bool isTaken = find(keyOf(from)) != nullptr && find(keyOf(to)) != nullptr;
+  const int result = isTaken ? -EEXIST : move(keyOf(from), keyOf(to));
+  return outcome(FileStep::kRename, result, from);
 }
 
 }  // namespace VelWhiteBoard

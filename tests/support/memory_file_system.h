@@ -20,6 +20,7 @@ class MemoryFileSystem final : public FileSystem {
  public:
   FileResult status(const std::string& path, FileStatus& status) override;
   FileResult open(const std::string& path, std::unique_ptr<OpenedFile>& file) override;
+  FileResult readBytes(const std::string& path, FileBytes& bytes) override;
   FileResult writeAtomically(const std::string& path, const ContentProducer& produce) override;
   FileResult removeRecursively(const std::string& path) override;
   FileResult list(const std::string& path, std::vector<std::string>& names) override;
@@ -27,6 +28,7 @@ class MemoryFileSystem final : public FileSystem {
   FileResult makeFolders(const std::string& path) override;
   FileResult createEmptyFile(const std::string& path) override;
   FileResult rename(const std::string& from, const std::string& to) override;
+  FileResult renameToNew(const std::string& from, const std::string& to) override;
 
  private:
   struct Node {
@@ -38,6 +40,7 @@ class MemoryFileSystem final : public FileSystem {
   using Nodes = std::map<std::string, Node>;
 
   const Node* find(const std::string& key) const;
+  int findFile(const std::string& path, const Node*& node) const;
   int requireFolderOf(const std::string& key) const;
   bool hasEntries(const std::string& key) const;
   int writable(const std::string& key) const;
