@@ -2,8 +2,11 @@
 /// A lock whose discipline the compiler checks (Clang's -Wthread-safety).
 #pragma once
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <thread>
 
 // The attributes exist in Clang only; elsewhere they are nothing.
 #if defined(__clang__)
@@ -31,13 +34,26 @@ class VELWHITEBOARD_THREAD_ANNOTATION(capability("mutex")) Mutex {
     for (int i = 0; i < kTries; ++i) {
       if (mutex_.try_lock()) return;
     }
+    waiting_.fetch_add(1, std::memory_order_relaxed);
     mutex_.lock();
+    waiting_.fetch_sub(1, std::memory_order_relaxed);
   }
   void unlock() VELWHITEBOARD_THREAD_ANNOTATION(release_capability()) { mutex_.unlock(); }
+
+  /// Lets threads that sleep until the mutex is free have it first. To be called without the mutex,
+  /// by a thread that is going to lock it again and again.
+  void giveWay() const {
+    constexpr int kTries = 1000;
+    std::this_thread::yield();
+    for (int i = 0; i < kTries && waiting_.load(std::memory_order_relaxed) > 0; ++i) {
+      std::this_thread::yield();
+    }
+  }
 
  private:
   friend class Condition;
   std::mutex mutex_;
+  std::atomic<int> waiting_ = 0;
 };
 
 /// A condition that threads wait for under a `Mutex`. Unlike `std::condition_variable_any` it adds
@@ -49,6 +65,12 @@ class Condition {
     std::unique_lock<std::mutex> lock(mutex.mutex_, std::adopt_lock);
     condition_.wait(lock);
     lock.release();  // the caller holds the mutex again, and goes on to hold it
+  }
+  /// The same for at most this long.
+  void waitFor(Mutex& mutex, std::chrono::milliseconds longest) VELWHITEBOARD_REQUIRES(mutex) {
+    std::unique_lock<std::mutex> lock(mutex.mutex_, std::adopt_lock);
+    condition_.wait_for(lock, longest);
+    lock.release();
   }
   void notifyOne() { condition_.notify_one(); }
   void notifyAll() { condition_.notify_all(); }

@@ -1,44 +1,42 @@
 #include "VelWhiteBoard/storage/board_files.h"
 
 #include <cerrno>
-#include <string_view>
 #include <utility>
 
 #include "VelWhiteBoard/foundation/file_system.h"
+#include "VelWhiteBoard/foundation/operation_queue.h"
 #include "VelWhiteBoard/foundation/property_list_reader.h"
 
 namespace VelWhiteBoard {
 
 namespace {
 
-/// Reads all records of a file, or none: a file that breaks off is no list.
-RecordList readRecords(OpenedFile& file, const std::string& path, const RecordClass& asked,
-                       DamagedFiles* damaged) {
-  RecordList records;
-  PropertyListReader reader(
-      asked, [&records](std::shared_ptr<Record> record) { records.push_back(std::move(record)); });
-  const FileResult read =
-      file.read([&reader](std::string_view block) { return reader.feed(block); });
+/// Reads all records that `feedAll` feeds, or none: a list that breaks off is no list.
+template <class T, class FeedAll>
+ReadList<T> readRecords(const FeedAll& feedAll) {
+  ReadList<T> read;
+  PropertyListReader reader(T::ownClass(), [&read](std::shared_ptr<Record> record) {
+    if (recordCast<T>(record.get()) != nullptr) {
+      read.list.push_back(std::static_pointer_cast<T>(std::move(record)));
+    }
+  });
+  const FileResult given = feedAll([&reader](std::string_view block) {
+    // The records of a long log take their time; whoever waits for the queue can tell.
+    OperationQueue::reportProgress();
+    return reader.feed(block);
+  });
   const PropertyListResult parsed = reader.finish();
-  const bool sound = read.ok() && parsed.ok();
-  if (damaged != nullptr) sound ? damaged->remove(path) : damaged->add(path);
-  if (!sound) records.clear();
-  return records;
+  read.found = stateAfterReading(given);
+  if (given.ok() && !parsed.ok()) read.found = FileState::kNotRead;
+  if (read.found != FileState::kReadWhole) read.list.clear();
+  return read;
 }
 
-RecordList loadRecords(const std::string& path, const RecordClass& asked, DamagedFiles* damaged) {
-  std::unique_ptr<OpenedFile> file;
-  if (!openList(path, file, damaged)) return {};
-  return readRecords(*file, path, asked, damaged);
-}
-
-VectorList vectorsOf(RecordList records) {
-  VectorList vectors;
-  vectors.reserve(records.size());
-  for (auto& record : records) {
-    vectors.push_back(std::static_pointer_cast<VelWbBaseVector>(std::move(record)));
-  }
-  return vectors;
+template <class T>
+ReadList<T> readFile(const std::string& path) {
+  return readRecords<T>([&path](const BlockConsumer& consume) {
+    return FileSystem::current().read(path, consume);
+  });
 }
 
 std::string listFile(const std::string& folder, std::string_view kind, const std::string& pageKey) {
@@ -61,42 +59,30 @@ std::string snapListFile(const std::string& folder, const std::string& pageKey) 
   return listFile(folder, "snap", pageKey);
 }
 
-bool openList(const std::string& path, std::unique_ptr<OpenedFile>& file, DamagedFiles* damaged) {
-  const FileResult opened = FileSystem::current().open(path, file);
+FileState stateAfterReading(const FileResult& result) {
+  if (result.ok()) return FileState::kReadWhole;
   // Whatever else the reason is, there may be a file, and a good one.
-  const bool isMissing = opened.error == ENOENT || opened.error == ENOTDIR;
-  if (!opened.ok() && !isMissing && damaged != nullptr) damaged->add(path);
-  return opened.ok();
+  const bool isMissing = result.error == ENOENT || result.error == ENOTDIR;
+  return isMissing ? FileState::kAbsent : FileState::kNotRead;
 }
 
-VectorList readVectors(OpenedFile& file, const std::string& path, DamagedFiles* damaged) {
-  return vectorsOf(readRecords(file, path, VelWbBaseVector::ownClass(), damaged));
+ReadList<VelWbBaseVector> readVectors(const std::string& path) {
+  return readFile<VelWbBaseVector>(path);
 }
 
-VectorList loadVectors(const std::string& path, DamagedFiles* damaged) {
-  return vectorsOf(loadRecords(path, VelWbBaseVector::ownClass(), damaged));
+ReadList<VelWbBaseVector> vectorsInBytes(std::string_view bytes) {
+  return readRecords<VelWbBaseVector>([bytes](const BlockConsumer& consume) {
+    for (std::string_view rest = bytes; !rest.empty();) {
+      const std::string_view block = rest.substr(0, kFileBlockSize);
+      if (!consume(block)) break;
+      rest.remove_prefix(block.size());
+    }
+    return FileResult::success();
+  });
 }
 
-std::vector<std::shared_ptr<VelWbVecSwitchPage>> loadPages(const std::string& file,
-                                                           DamagedFiles* damaged) {
-  std::vector<std::shared_ptr<VelWbVecSwitchPage>> pages;
-  for (auto& record : loadRecords(file, VelWbVecSwitchPage::ownClass(), damaged)) {
-    if (recordCast<VelWbVecSwitchPage>(record.get()) == nullptr) continue;
-    pages.push_back(std::static_pointer_cast<VelWbVecSwitchPage>(std::move(record)));
-  }
-  return pages;
-}
-
-void writeRecords(const std::string& file, DamagedFiles& damaged,
-                  const std::function<void(PropertyListWriter& writer)>& addAll) {
-  if (!damaged.setAside(file)) return;
-  const FileResult written =
-      FileSystem::current().writeAtomically(file, [&addAll](const BlockConsumer& consume) {
-        PropertyListWriter writer(consume);
-        addAll(writer);
-        return writer.finish();
-      });
-  static_cast<void>(written);
+ReadList<VelWbVecSwitchPage> readPages(const std::string& path) {
+  return readFile<VelWbVecSwitchPage>(path);
 }
 
 }  // namespace VelWhiteBoard

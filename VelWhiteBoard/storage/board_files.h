@@ -1,15 +1,13 @@
 /// @file
-/// The files of a board.
+/// The names of a board's files, and reading them.
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/file_system.h"
-#include "VelWhiteBoard/foundation/property_list_writer.h"
-#include "VelWhiteBoard/storage/damaged_files.h"
+#include "VelWhiteBoard/storage/known_file.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/commands.h"
 
@@ -24,24 +22,21 @@ std::string wholeListFile(const std::string& folder, const std::string& pageKey)
 /// The file of a page's snap list.
 std::string snapListFile(const std::string& folder, const std::string& pageKey);
 
-/// Opens a list to be read now or later. False when there is none or it cannot be opened; one that
-/// exists is noted in `damaged` then.
-bool openList(const std::string& path, std::unique_ptr<OpenedFile>& file, DamagedFiles* damaged);
+/// What a file has given. A file that is missing, damaged or not given gives an empty list.
+template <class T>
+struct ReadList {
+  std::vector<std::shared_ptr<T>> list;
+  FileState found = FileState::kAbsent;
+};
 
-/// The vectors of an opened page file, as loadVectors() gives them.
-VectorList readVectors(OpenedFile& file, const std::string& path, DamagedFiles* damaged);
-
-/// The vectors of a page file, each of the class that the decoding rule chooses. A file that is
-/// missing or cannot be read is an empty list; one that exists is noted in `damaged`.
-VectorList loadVectors(const std::string& path, DamagedFiles* damaged = nullptr);
-
+/// The vectors of a page file, each of the class that the decoding rule chooses.
+ReadList<VelWbBaseVector> readVectors(const std::string& path);
+/// The same of a page file that has been read as bytes.
+ReadList<VelWbBaseVector> vectorsInBytes(std::string_view bytes);
 /// The page switches of "page.plist"; other records in it are dropped.
-std::vector<std::shared_ptr<VelWbVecSwitchPage>> loadPages(const std::string& file,
-                                                           DamagedFiles* damaged = nullptr);
+ReadList<VelWbVecSwitchPage> readPages(const std::string& path);
 
-/// Replaces a file by the records that `addAll` adds; a damaged one is set aside first. A write
-/// that fails leaves the file that was there; nobody is told.
-void writeRecords(const std::string& file, DamagedFiles& damaged,
-                  const std::function<void(PropertyListWriter& writer)>& addAll);
+/// What the result of reading a file says about it.
+FileState stateAfterReading(const FileResult& result);
 
 }  // namespace VelWhiteBoard

@@ -1,9 +1,9 @@
-// How the storage's operations keep out of each other's way.
+// How the operations of a storage exclude one another.
 #include "VelWhiteBoard/storage/storage_state.h"
 
 namespace VelWhiteBoard {
 
-// The analysis cannot follow a lock that is let go of and taken again on one road only.
+// The analysis cannot follow a lock that is released and retaken on one branch only.
 VWBVectorStorage::State::ShortOperation::ShortOperation(State& state)
     VELWHITEBOARD_THREAD_ANNOTATION(no_thread_safety_analysis)
     : state_(state) {

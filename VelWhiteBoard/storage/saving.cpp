@@ -1,9 +1,12 @@
-// Vectors into the lists, lists into the queue.
+// Saving a vector on the current page, and writing that page.
+#include <new>
+#include <optional>
+#include <string>
 #include <utility>
 
 #include "VelWhiteBoard/foundation/clock.h"
-#include "VelWhiteBoard/services/path_manager.h"
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/services/vector_manager.h"
+#include "VelWhiteBoard/storage/saved_vector.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
@@ -11,138 +14,110 @@ namespace VelWhiteBoard {
 
 namespace {
 
-/// A page is written at most this often, unless a save is forced.
-constexpr std::chrono::seconds kSaveInterval{20};
+/// Gives a vector without identifier one, and takes it back unless it is kept.
+class Naming {
+ public:
+  Naming(const VectorPtr& vector, PageCache& cache, History& history)
+      : vector_(*vector), cache_(cache) {
+    if (vector->ID) return;
+    std::string identifier = VelWbVectorManager::shareManager().genID();
+    history.aboutToChange(vector);
+    // The same vector may stand on pages to which it was appended without an identifier.
+    isEntry_ = cache.hasUnnamed(*vector);
+    vector->ID = std::move(identifier);
+    if (isEntry_) cache.hasBeenNamed(*vector);
+    isOpen_ = true;
+  }
+  ~Naming() {
+    if (!isOpen_) return;
+    vector_.ID.reset();
+    if (isEntry_) cache_.hasBeenNamed(vector_);
+  }
+  Naming(const Naming&) = delete;
+  Naming& operator=(const Naming&) = delete;
 
-bool isSamePage(const VelWbVecSwitchPage& page, const VelWbVecSwitchPage& other) {
-  return page.curPage == other.curPage && page.WBID == other.WBID;
-}
+  void keep() noexcept { isOpen_ = false; }
+
+ private:
+  VelWbBaseVector& vector_;
+  PageCache& cache_;
+  bool isEntry_ = false;
+  bool isOpen_ = false;
+};
 
 }  // namespace
 
-bool VWBVectorStorage::State::isSaveDue(std::chrono::system_clock::time_point now) const {
-  // Not `now - lastSaveDate`: a client may set any date, and the difference must not overflow.
-  return lastSaveDate < now - kSaveInterval;
-}
-
-void VWBVectorStorage::State::queuePageSave(const std::string& key,
-                                            std::optional<std::string> wholePath,
-                                            std::optional<std::string> snapPath, SaveOrder order) {
-  const CachedPage* page = cache.find(key);
-  auto save = std::make_shared<PageSave>(
-      page != nullptr && page->whole ? *page->whole : PageLog(), std::move(wholePath),
-      page != nullptr && page->snap ? page->snap->list() : PageList(), std::move(snapPath), order,
-      damaged);
-  if (!pendingSaves.add(save)) return;
-  saveQueue->addOperationWithBlock([save = std::move(save)] { save->write(); });
-}
-
-CachedPage VWBVectorStorage::State::readLists(const std::string& key) const {
-  std::string wholePath;
-  std::string snapPath;
-  bool hasWhole = false;
-  bool hasSnap = false;
-  {
-    const MutexHold hold(guard);
-    wholePath = wholeListFile(folder, key);
-    snapPath = snapListFile(folder, key);
-    const CachedPage* page = cache.find(key);
-    hasWhole = page != nullptr && page->whole;
-    hasSnap = page != nullptr && page->snap;
-  }
-  CachedPage read;
-  if (!hasWhole) read.whole = PageLog::open(wholePath, damaged);
-  if (!hasSnap) read.snap.emplace(PageList(loadVectors(snapPath, damaged.get())));
-  return read;
-}
-
-CachedPage& VWBVectorStorage::State::cacheLists(const std::string& key, CachedPage read) {
-  CachedPage& page = cache.at(key);
-  if (!page.whole) page.whole = std::move(read.whole);
-  if (!page.snap) page.snap = std::move(read.snap);
-  // Neither cached nor read: it was cached when the files were read, and has gone since.
-  if (!page.whole) page.whole.emplace();
-  if (!page.snap) page.snap.emplace();
-  return page;
-}
-
-void VWBVectorStorage::saveFile(bool force) {
-  State& state = *state_;
-  const State::ShortOperation operation(state);
-  if (!state.hasNewChange) return;
+void VWBVectorStorage::State::saveFile(bool force) {
+  WriteBacklog::Prepared write;
+  const ShortOperation operation(*this);
+  if (!hasNewChange) return;
   const auto now = currentDate();
-  if (!force && !state.isSaveDue(now)) return;
-  if (!state.currentPage) return;
-  state.lastSaveDate = now;
-  state.queuePageSave(state.currentKey, state.wholeFile, state.snapFile, SaveOrder::wholeFirst);
+  if (!force && !timedSaves.isDue(now)) return;
+  if (!currentPage) return;
+  write = preparePageWrite(currentKey(), wholeFile, snapFile, SaveOrder::kWholeFirst);
+  timedSaves.setLastSaveDate(now);
+  backlog.queue(write);
+}
+
+void VWBVectorStorage::saveFile(bool force) { state_->saveFile(force); }
+
+bool VWBVectorStorage::retryFailedSaves() {
+  State& state = *state_;
+  std::vector<WriteBacklog::Prepared> writes;
+  const State::ShortOperation operation(state);
+  const auto hasFailed = [](const std::shared_ptr<const FileSlot>& file) {
+    return file && file->get()->hasFailed();
+  };
+  for (const auto& [key, page] : state.cache.pages()) {
+    if (!hasFailed(page.wholeFile) && !hasFailed(page.snapFile)) continue;
+    writes.push_back(
+        state.preparePageWrite(key, page.wholeFile, page.snapFile, SaveOrder::kWholeFirst));
+  }
+  if (hasFailed(state.pageFile)) {
+    writes.push_back(state.prepareVisitedPagesWrite(state.visited.forFile()));
+  }
+  for (WriteBacklog::Prepared& write : writes) state.backlog.queue(write);
+  return !writes.empty();
+}
+
+bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const VectorPtr& vector) {
+  bool isDue = false;
+  {
+    const ShortOperation operation(*this);
+    if (page != nullptr && (!currentPage || !isSamePage(*page, *currentPage))) return false;
+    if (ignoreChanges) return true;
+    CachedPage& cached = cache.at(currentKey());
+    std::unique_ptr<SnapList> newSnap = cached.snap ? nullptr : cache.newSnap();
+    PageLog newWhole;
+    SnapList& snap = newSnap ? *newSnap : *cached.snap;
+    PageLog& whole = cached.whole ? *cached.whole : newWhole;
+
+    whole.reserveBack();
+    Naming naming(vector, cache, *history);
+    applySaved(vector, snap, snapQuery, *history);
+    naming.keep();
+    whole.pushReserved(vector);
+    if (newSnap) cached.snap = std::move(newSnap);
+    if (!cached.whole) cached.whole.emplace(std::move(newWhole));
+    hasNewChange = true;
+    // Looked at here already, so that a piece need not wait on the semaphore a second time.
+    isDue = timedSaves.isDue(currentDate());
+  }
+  if (!isDue) return true;
+  try {
+    saveFile(false);
+  } catch (const std::bad_alloc&) {
+    // The vector has been saved all the same. Its page is written after the next one.
+  }
+  return true;
 }
 
 void VWBVectorStorage::saveVector(const VectorPtr& vector) {
-  State& state = *state_;
-  if (!vector || state.ignoreChanges) return;
-  bool saveIsDue = false;
-  {
-    const State::ShortOperation operation(state);
-    CachedPage& page = state.cache.at(state.currentKey);
-    if (!page.snap) page.snap.emplace();
-    if (!page.whole) page.whole.emplace();
-    const bool wasNamed = vector->ID.has_value();
-    applySaved(vector, *page.snap, state.snapQuery, state.pendingSaves);
-    if (!wasNamed) {
-      // The same vector may stand on pages to which it was appended without an identifier.
-      state.cache.forEach([&vector](CachedPage& each) {
-        if (each.snap) each.snap->hasBeenNamed(*vector);
-      });
-    }
-    page.whole->push_back(vector);
-    state.hasNewChange = true;
-    // Looked at here already, so that a piece need not wait on the semaphore a second time.
-    saveIsDue = state.isSaveDue(currentDate());
-  }
-  if (saveIsDue) saveFile(false);
+  if (vector && !state_->ignoreChanges) state_->saveOn(nullptr, vector);
 }
 
 bool VWBVectorStorage::ignoreVector(const VelWbBaseVector& vector) const {
   return isTransient(vector);
-}
-
-void VWBVectorStorage::appendVectors(const VectorList& vectors, const SwitchPagePtr& toPage) {
-  if (!toPage) return;
-  if (const auto current = currentPage(); current && isSamePage(*toPage, *current)) {
-    for (const VectorPtr& vector : vectors) saveVector(vector);
-    return;
-  }
-  const std::string key = toPage->pageInfo();
-  State& state = *state_;
-  CachedPage read = state.readLists(key);
-
-  const State::ShortOperation operation(state);
-  CachedPage& page = state.cacheLists(key, std::move(read));
-  for (const VectorPtr& vector : vectors) {
-    if (!vector) continue;
-    applyAppended(vector, *page.snap, state.pendingSaves);
-    page.whole->push_back(vector);
-  }
-  state.queuePageSave(key, wholeListFile(state.folder, key), snapListFile(state.folder, key),
-                      SaveOrder::snapFirst);
-}
-
-bool VWBVectorStorage::State::hasVectors(const std::string& key) const {
-  std::string path;
-  {
-    const MutexHold hold(guard);
-    const CachedPage* page = cache.find(key);
-    if (page != nullptr && page->snap) return true;
-    for (const std::string& cached : pageCacheList) {
-      if (cached == key) return true;
-    }
-    path = wholeListFile(folder, key);
-  }
-  return VWBPathManager::sharedManager().isFileExist(path);
-}
-
-bool VWBVectorStorage::hasVectorsWithPage(const VelWbVecSwitchPage& page) const {
-  return state_->hasVectors(page.pageInfo());
 }
 
 }  // namespace VelWhiteBoard

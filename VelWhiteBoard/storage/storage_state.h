@@ -3,45 +3,57 @@
 #pragma once
 
 #include <atomic>
-#include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "VelWhiteBoard/foundation/mutex.h"
-#include "VelWhiteBoard/storage/damaged_files.h"
+#include "VelWhiteBoard/storage/history.h"
+#include "VelWhiteBoard/storage/known_file.h"
 #include "VelWhiteBoard/storage/page_cache.h"
-#include "VelWhiteBoard/storage/page_save.h"
-#include "VelWhiteBoard/storage/snap_update.h"
+#include "VelWhiteBoard/storage/snap_query.h"
+#include "VelWhiteBoard/storage/timed_saves.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 #include "VelWhiteBoard/storage/visited_pages.h"
+#include "VelWhiteBoard/storage/write_backlog.h"
 
 namespace VelWhiteBoard {
 
+/// Which of a page's two files is written first.
+enum class SaveOrder { kWholeFirst, kSnapFirst };
+
+/// What was read of a page; a list that was cached has not been read.
+struct ReadPage {
+  std::optional<PageLog> whole;
+  std::unique_ptr<SnapList> snap;
+};
+
 /// The fields of a storage.
 ///
-/// Two locks. `semphore` is the one that the interface promises: held by the operations that change
-/// the board, over as much of their work as they say, files being read included. `guard` lies
-/// beneath it and makes each look at the fields atomic; it is never held while anything is waited
-/// for, neither a file nor another lock but those of a save, and no caller ever sees it. Order:
-/// `semphore`, then `guard`.
+/// Two locks. `semphore` is the one that the interface promises: the operations that change the board
+/// hold it over as much of their work as they say, reading files included. `guard` lies beneath it
+/// and makes each look at the fields atomic; it is never held while a file is read or written, or
+/// while another lock than those of the storage's parts is waited for. Order: `semphore`, `guard`.
 ///
-/// A semaphore that nobody outside was ever given cannot be held by anybody outside. As long as
-/// that is so, an operation that needs no file holds just `guard`: signalling a semaphore is a
-/// system call, several hundred nanoseconds, and a pen comes by here with every piece.
+/// Until `semphore()` or `setSemphore()` is called no client can hold the semaphore, so an operation
+/// that reads no file holds just `guard`: signalling a semaphore is a system call, several hundred
+/// nanoseconds, and a pen comes by here with every piece.
+///
+/// Failure: every operation first prepares all that may throw, and then changes the fields in steps
+/// that cannot.
 struct VWBVectorStorage::State {
   // Constant or synchronised by themselves.
-  const std::shared_ptr<PageFilePath> pageFile = std::make_shared<PageFilePath>();
-  const std::shared_ptr<DamagedFiles> damaged = std::make_shared<DamagedFiles>();
-
+  const std::shared_ptr<History> history = std::make_shared<History>();
+  KnownFiles files;
+  const std::shared_ptr<FileSlot> pageFile = std::make_shared<FileSlot>(files.at(""));
   std::atomic<bool> ignoreChanges = true;
 
   mutable Mutex guard;
   SwitchPagePtr currentPage VELWHITEBOARD_GUARDED_BY(guard);
-  /// The key of `currentPage`, empty without one: where vectors are filed now.
-  std::string currentKey VELWHITEBOARD_GUARDED_BY(guard);
   bool hasNewChange VELWHITEBOARD_GUARDED_BY(guard) = false;
   std::string folder VELWHITEBOARD_GUARDED_BY(guard);
   std::optional<std::string> wholeFile VELWHITEBOARD_GUARDED_BY(guard);
@@ -50,41 +62,81 @@ struct VWBVectorStorage::State {
   PageCache cache VELWHITEBOARD_GUARDED_BY(guard);
   SnapQuery snapQuery VELWHITEBOARD_GUARDED_BY(guard);
   std::vector<std::string> pageCacheList VELWHITEBOARD_GUARDED_BY(guard);
-  std::chrono::system_clock::time_point lastSaveDate VELWHITEBOARD_GUARDED_BY(guard);
+  TimedSaves timedSaves VELWHITEBOARD_GUARDED_BY(guard);
   std::shared_ptr<OperationQueue> saveQueue VELWHITEBOARD_GUARDED_BY(guard);
   std::shared_ptr<Semaphore> semphore VELWHITEBOARD_GUARDED_BY(guard) =
       std::make_shared<Semaphore>(1);
-  PendingSaves pendingSaves VELWHITEBOARD_GUARDED_BY(guard);
-  std::shared_ptr<VisitedPagesSave> lastVisitedPagesSave VELWHITEBOARD_GUARDED_BY(guard);
+  WriteBacklog backlog VELWHITEBOARD_GUARDED_BY(guard);
 
-  /// Whether the semaphore was ever handed out.
+  /// Whether a client may hold the semaphore.
   bool isSemphoreShared VELWHITEBOARD_GUARDED_BY(guard) = false;
   /// How many operations hold the semaphore but not the guard, because they read files.
   int longOperations VELWHITEBOARD_GUARDED_BY(guard) = 0;
+  /// Pages to which a batch is being appended, and the end of each batch.
+  std::set<std::string> busyPages VELWHITEBOARD_GUARDED_BY(guard);
+  Condition batchEnded;
 
   class ShortOperation;
   class LongOperation;
+  class Batch;
 
-  /// Whether a timed save is due at `now`: more than 20 seconds after the last one.
-  bool isSaveDue(std::chrono::system_clock::time_point now) const VELWHITEBOARD_REQUIRES(guard);
+  /// The key of the current page, empty without one: where vectors are filed now.
+  const std::string& currentKey() VELWHITEBOARD_REQUIRES(guard);
 
-  /// Queues the writing of a page's lists as they are now.
-  void queuePageSave(const std::string& key, std::optional<std::string> wholePath,
-                     std::optional<std::string> snapPath, SaveOrder order)
+  /// Makes the writing of a page's lists ready, as they are now. A path that is absent is skipped.
+  WriteBacklog::Prepared preparePageWrite(const std::string& key,
+                                          const std::optional<std::string>& wholePath,
+                                          const std::optional<std::string>& snapPath,
+                                          SaveOrder order) VELWHITEBOARD_REQUIRES(guard);
+  /// The same to the files that a page was last written to.
+  WriteBacklog::Prepared preparePageWrite(const std::string& key,
+                                          std::shared_ptr<const FileSlot> whole,
+                                          std::shared_ptr<const FileSlot> snap, SaveOrder order)
+      VELWHITEBOARD_REQUIRES(guard);
+  /// Makes the writing of a list of visited pages ready.
+  WriteBacklog::Prepared prepareVisitedPagesWrite(SharedVectorList pages)
       VELWHITEBOARD_REQUIRES(guard);
 
-  /// Queues the writing of the visited pages as they are now.
-  void queueVisitedPagesSave() VELWHITEBOARD_REQUIRES(guard);
+  /// Waits for the queued writes and removals of those files of a page that will be read. Answers
+  /// whether there are none left.
+  bool waitForPageFiles(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
+  /// Whether that would have to wait.
+  bool arePageFilesPending(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
+  /// What the files of a page hold; lists that are cached are not read.
+  ReadPage readLists(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
+  /// Caches what was read of a page. A list that was cached meanwhile stays: it may hold more than
+  /// the file. Afterwards the page has both lists.
+  CachedPage& cacheLists(const std::string& key, ReadPage& read) VELWHITEBOARD_REQUIRES(guard);
 
-  /// What the files of a page hold; absent for a list that is cached.
-  CachedPage readLists(const std::string& key) const VELWHITEBOARD_EXCLUDES(guard);
-
-  /// Caches what was read of a page. Lists that somebody else has brought in meanwhile are kept:
-  /// they may hold more than the files. Afterwards the page has both lists, whatever happened.
-  CachedPage& cacheLists(const std::string& key, CachedPage read) VELWHITEBOARD_REQUIRES(guard);
-
+  /// Builds the state in memory anew from the folder, which has been removed or not.
+  void reload(bool isRemoved) VELWHITEBOARD_EXCLUDES(guard);
+  /// Waits until no batch is being appended to a page.
+  void waitForBatch(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
+  /// Makes a page current, whose lists nobody is changing; the semaphore is held.
+  VectorList switchTo(const SwitchPagePtr& page, const std::string& key)
+      VELWHITEBOARD_EXCLUDES(guard);
+  void saveFile(bool force) VELWHITEBOARD_EXCLUDES(guard);
+  /// Forgets a page and queues the removal of its files; hands out what it held.
+  void clearPage(const VelWbVecSwitchPage& page, const std::string& key,
+                 PageCache::Pages::node_type& cleared, SnapQuery& query)
+      VELWHITEBOARD_REQUIRES(guard);
   /// Whether the page has stored vectors.
   bool hasVectors(const std::string& key) const VELWHITEBOARD_EXCLUDES(guard);
+  /// Saves a vector, if `page` (null: any) is the current one. Answers whether it is.
+  bool saveOn(const VelWbVecSwitchPage* page, const VectorPtr& vector)
+      VELWHITEBOARD_EXCLUDES(guard);
+
+ private:
+  std::vector<std::string> namesToRead(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
+  std::shared_ptr<const FileSlot> slotOf(const std::optional<std::string>& path,
+                                         const std::shared_ptr<const FileSlot>& last)
+      VELWHITEBOARD_REQUIRES(guard);
+
+  struct {
+    std::int64_t WBID = 0;
+    std::uint64_t curPage = 0;
+    std::string key;
+  } keyOfCurrent_ VELWHITEBOARD_GUARDED_BY(guard);
 };
 
 /// Holds the semaphore and the guard, for an operation that waits for nothing in between.
@@ -114,5 +166,10 @@ class VWBVectorStorage::State::LongOperation {
   State& state_;
   std::shared_ptr<Semaphore> held_;
 };
+
+/// Whether two page switches lead to the same lists: the resource is not compared.
+inline bool isSamePage(const VelWbVecSwitchPage& page, const VelWbVecSwitchPage& other) {
+  return page.curPage == other.curPage && page.WBID == other.WBID;
+}
 
 }  // namespace VelWhiteBoard

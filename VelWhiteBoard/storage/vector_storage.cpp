@@ -1,4 +1,4 @@
-// Opening a board, and the properties of its storage.
+// Opening a board, and reading its state from the folder.
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 #include <utility>
@@ -24,175 +24,47 @@ std::shared_ptr<VWBVectorStorage> VWBVectorStorage::initWithPath(const std::stri
   return storage;
 }
 
-void VWBVectorStorage::reload() {
-  const std::string board = folder();
-  VWBPathManager::sharedManager().createFolderWithPath(board);
-  setPageFile(pageListFile(board));
-  VisitedPages visited(loadPages(pageFile(), state_->damaged.get()));
+void VWBVectorStorage::reload() { state_->reload(false); }
 
-  const MutexHold hold(state_->guard);
-  state_->cache.clear();
-  state_->pageCacheList.clear();
-  state_->visited = std::move(visited);
-  state_->lastSaveDate = currentDate();
-  state_->hasNewChange = false;
-}
-
-VWBVectorStorage::SwitchPagePtr VWBVectorStorage::currentPage() const {
-  const MutexHold hold(state_->guard);
-  return state_->currentPage;
-}
-
-bool VWBVectorStorage::ignoreChanges() const { return state_->ignoreChanges; }
-
-void VWBVectorStorage::setIgnoreChanges(bool ignore) { state_->ignoreChanges = ignore; }
-
-bool VWBVectorStorage::hasNewChange() const {
-  const MutexHold hold(state_->guard);
-  return state_->hasNewChange;
-}
-
-void VWBVectorStorage::setHasNewChange(bool changed) {
-  const MutexHold hold(state_->guard);
-  state_->hasNewChange = changed;
-}
-
-std::string VWBVectorStorage::folder() const {
-  const MutexHold hold(state_->guard);
-  return state_->folder;
-}
-
-void VWBVectorStorage::setFolder(const std::string& path) {
-  const MutexHold hold(state_->guard);
-  state_->folder = path;
-}
-
-std::string VWBVectorStorage::pageFile() const { return state_->pageFile->get(); }
-
-void VWBVectorStorage::setPageFile(const std::string& path) { state_->pageFile->set(path); }
-
-std::optional<std::string> VWBVectorStorage::wholeFile() const {
-  const MutexHold hold(state_->guard);
-  return state_->wholeFile;
-}
-
-void VWBVectorStorage::setWholeFile(const std::optional<std::string>& path) {
-  const MutexHold hold(state_->guard);
-  state_->wholeFile = path;
-}
-
-std::optional<std::string> VWBVectorStorage::snapFile() const {
-  const MutexHold hold(state_->guard);
-  return state_->snapFile;
-}
-
-void VWBVectorStorage::setSnapFile(const std::optional<std::string>& path) {
-  const MutexHold hold(state_->guard);
-  state_->snapFile = path;
-}
-
-std::vector<VWBVectorStorage::SwitchPagePtr> VWBVectorStorage::pageArray() const {
-  const MutexHold hold(state_->guard);
-  return state_->visited.pages();
-}
-
-void VWBVectorStorage::setPageArray(const std::vector<SwitchPagePtr>& pages) {
-  VisitedPages visited(pages);
-  const MutexHold hold(state_->guard);
-  std::swap(state_->visited, visited);
-}
-
-VWBVectorStorage::ListsByPage VWBVectorStorage::wholeVectorss() const {
-  std::vector<std::pair<std::string, PageLog>> logs;
+void VWBVectorStorage::State::reload(bool isRemoved) {
+  std::string board;
   {
-    const MutexHold hold(state_->guard);
-    for (const auto& [key, page] : state_->cache.pages()) {
-      if (page.whole) logs.emplace_back(key, *page.whole);
+    const MutexHold hold(guard);
+    board = folder;
+  }
+  VWBPathManager::sharedManager().createFolderWithPath(board);
+  const std::shared_ptr<KnownFile> file = files.at(pageListFile(board));
+  // Writes that were queued before `clear` are not waited for: they would bring the pages back.
+  if (!isRemoved) waitForPendingFiles({file->pendingName()});
+  const ReadList<VelWbVecSwitchPage> pages = readPages(file->path());
+  VisitedPages newVisited(pages.list);
+
+  // From here on nothing can throw; the pages are dropped without the guard.
+  PageCache::Pages dropped;
+  pageFile->set(file);
+  const MutexHold hold(guard);
+  dropped = cache.takeAll();
+  // What the lists held is no longer in memory, so the files are not to be replaced unread.
+  if (!isRemoved) files.forgetAll();
+  file->endReading(file->beginReading(), pages.found);
+  pageCacheList.clear();
+  std::swap(visited, newVisited);
+  timedSaves.setLastSaveDate(currentDate());
+  hasNewChange = false;
+}
+
+bool VWBVectorStorage::State::hasVectors(const std::string& key) const {
+  std::string path;
+  {
+    const MutexHold hold(guard);
+    const CachedPage* page = cache.find(key);
+    if (page != nullptr && page->snap) return true;
+    for (const std::string& cached : pageCacheList) {
+      if (cached == key) return true;
     }
+    path = wholeListFile(folder, key);
   }
-  // Without the guard: logs that nobody has looked at yet are read here.
-  ListsByPage lists;
-  for (const auto& [key, log] : logs) lists.emplace(key, log.vectors());
-  return lists;
-}
-
-void VWBVectorStorage::setWholeVectorss(const ListsByPage& lists) {
-  const MutexHold hold(state_->guard);
-  state_->cache.forEach([](CachedPage& page) { page.whole.reset(); });
-  for (const auto& [key, vectors] : lists) state_->cache.at(key).whole.emplace(vectors);
-}
-
-VWBVectorStorage::ListsByPage VWBVectorStorage::snapVectorss() const {
-  const MutexHold hold(state_->guard);
-  ListsByPage lists;
-  for (const auto& [key, page] : state_->cache.pages()) {
-    if (page.snap) lists.emplace(key, page.snap->list().vectors());
-  }
-  return lists;
-}
-
-void VWBVectorStorage::setSnapVectorss(const ListsByPage& lists) {
-  const MutexHold hold(state_->guard);
-  state_->cache.forEach([](CachedPage& page) { page.snap.reset(); });
-  for (const auto& [key, vectors] : lists) state_->cache.at(key).snap.emplace(PageList(vectors));
-}
-
-std::unordered_map<std::string, VectorPtr> VWBVectorStorage::snapQuery() const {
-  const MutexHold hold(state_->guard);
-  return state_->snapQuery;
-}
-
-void VWBVectorStorage::setSnapQuery(const std::unordered_map<std::string, VectorPtr>& query) {
-  SnapQuery entries = query;
-  std::erase_if(entries, [](const auto& entry) { return entry.second == nullptr; });
-  const MutexHold hold(state_->guard);
-  std::swap(state_->snapQuery, entries);
-}
-
-std::vector<std::string> VWBVectorStorage::pageCacheList() const {
-  const MutexHold hold(state_->guard);
-  return state_->pageCacheList;
-}
-
-void VWBVectorStorage::setPageCacheList(const std::vector<std::string>& keys) {
-  const MutexHold hold(state_->guard);
-  state_->pageCacheList = keys;
-}
-
-std::chrono::system_clock::time_point VWBVectorStorage::lastSaveDate() const {
-  const MutexHold hold(state_->guard);
-  return state_->lastSaveDate;
-}
-
-void VWBVectorStorage::setLastSaveDate(std::chrono::system_clock::time_point date) {
-  const MutexHold hold(state_->guard);
-  state_->lastSaveDate = date;
-}
-
-std::shared_ptr<OperationQueue> VWBVectorStorage::saveQueue() const {
-  const MutexHold hold(state_->guard);
-  return state_->saveQueue;
-}
-
-void VWBVectorStorage::setSaveQueue(std::shared_ptr<OperationQueue> queue) {
-  if (!queue) return;
-  const MutexHold hold(state_->guard);
-  state_->pendingSaves.close();
-  if (state_->lastVisitedPagesSave) state_->lastVisitedPagesSave->close();
-  std::swap(state_->saveQueue, queue);
-}
-
-std::shared_ptr<Semaphore> VWBVectorStorage::semphore() const {
-  const MutexHold hold(state_->guard);
-  state_->isSemphoreShared = true;
-  return state_->semphore;
-}
-
-void VWBVectorStorage::setSemphore(std::shared_ptr<Semaphore> semaphore) {
-  if (!semaphore) return;
-  const MutexHold hold(state_->guard);
-  state_->isSemphoreShared = true;
-  std::swap(state_->semphore, semaphore);
+  return VWBPathManager::sharedManager().isFileExist(path);
 }
 
 }  // namespace VelWhiteBoard

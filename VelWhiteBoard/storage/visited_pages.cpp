@@ -4,7 +4,6 @@
 #include <cstdint>
 
 #include "VelWhiteBoard/foundation/truncation.h"
-#include "VelWhiteBoard/storage/board_files.h"
 
 namespace VelWhiteBoard {
 
@@ -27,20 +26,15 @@ bool isUnchanged(const VelWbVecSwitchPage& page, const VelWbVecSwitchPage& copy)
 }  // namespace
 
 VisitedPages::VisitedPages(const std::vector<Page>& pages) {
+  pages_.reserve(pages.size());
   for (const Page& page : pages) {
-    if (page) add(page);
+    if (!page) continue;
+    recorded_.push_back(page->copyWithZone());
+    pages_.push_back(page);
   }
 }
 
-void VisitedPages::record(const Page& page) {
-  if (!pages_.empty() && millisecond(*pages_.back()) == millisecond(*page)) {
-    pages_.pop_back();
-    recorded_.erase(recorded_.endPlace() - 1);
-  }
-  add(page);
-}
-
-PageList VisitedPages::forFile() {
+SharedVectorList VisitedPages::forFile() {
   for (std::size_t place = 0; place < pages_.size(); ++place) {
     const auto& copy = static_cast<const VelWbVecSwitchPage&>(*recorded_.at(place));
     if (!isUnchanged(*pages_[place], copy)) {
@@ -50,43 +44,25 @@ PageList VisitedPages::forFile() {
   return recorded_;
 }
 
-void VisitedPages::add(const Page& page) {
-  recorded_.push_back(page->copyWithZone());
-  pages_.push_back(page);
-}
-
-VisitedPagesSave::VisitedPagesSave(PageList pages, std::shared_ptr<const PageFilePath> path,
-                                   std::shared_ptr<DamagedFiles> damaged)
-    : path_(std::move(path)), damaged_(std::move(damaged)), pages_(std::move(pages)) {}
-
-void VisitedPagesSave::supersede() {
-  const MutexHold hold(mutex_);
-  isOver_ = true;
-  pages_ = {};
-}
-
-bool VisitedPagesSave::replaceBy(PageList pages) {
-  const MutexHold hold(mutex_);
-  if (isOver_ || isClosed_) return false;
-  std::swap(pages_, pages);
-  return true;
-}
-
-void VisitedPagesSave::close() {
-  const MutexHold hold(mutex_);
-  isClosed_ = true;
-}
-
-void VisitedPagesSave::write() {
-  PageList pages;
-  {
-    const MutexHold hold(mutex_);
-    if (std::exchange(isOver_, true)) return;
-    std::swap(pages, pages_);
+VisitedPages::Next VisitedPages::prepare(const Page& page) {
+  // Growing step by step, as push_back would.
+  if (pages_.size() == pages_.capacity()) pages_.reserve(2 * pages_.size() + 1);
+  Next next{page, !pages_.empty() && millisecond(*pages_.back()) == millisecond(*page), forFile()};
+  if (next.replaces) {
+    next.forFile.replace(pages_.size() - 1, page->copyWithZone());
+  } else {
+    next.forFile.push_back(page->copyWithZone());
   }
-  writeRecords(path_->get(), *damaged_, [&pages](PropertyListWriter& writer) {
-    pages.forEach([&writer](const VectorPtr& page) { writer.add(*page); });
-  });
+  return next;
+}
+
+void VisitedPages::record(Next next) noexcept {
+  if (next.replaces) {
+    pages_.back() = std::move(next.page);
+  } else {
+    pages_.push_back(std::move(next.page));
+  }
+  std::swap(recorded_, next.forFile);
 }
 
 }  // namespace VelWhiteBoard

@@ -1,0 +1,148 @@
+// Appending vectors to any page.
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <utility>
+
+#include "VelWhiteBoard/storage/appended_vectors.h"
+#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/storage_state.h"
+#include "VelWhiteBoard/storage/vector_storage.h"
+
+namespace VelWhiteBoard {
+
+namespace {
+
+/// How many vectors of a batch are applied before others get their turn: some 0.1 milliseconds.
+constexpr std::size_t kVectorsAtATime = 256;
+
+}  // namespace
+
+/// A batch of vectors for one page that is not current. No other batch is appended to that page, and
+/// the page is neither made current nor cleared, as long as this object lives.
+class VWBVectorStorage::State::Batch {
+ public:
+  Batch(State& state, const VelWbVecSwitchPage& page);
+  ~Batch();
+  Batch(const Batch&) = delete;
+  Batch& operator=(const Batch&) = delete;
+
+  /// Applies all vectors and queues the page's files. False, and nothing done, when the page is
+  /// current. When it throws, nothing has been done either.
+  bool append(std::span<const VectorPtr> vectors);
+
+ private:
+  void applySome(std::span<const VectorPtr>& rest, CachedPage& page)
+      VELWHITEBOARD_REQUIRES(state_.guard);
+  void undo(CachedPage& page) noexcept VELWHITEBOARD_REQUIRES(state_.guard);
+
+  State& state_;
+  const VelWbVecSwitchPage& page_;
+  const std::string key_;
+  BatchUndo undo_;
+  /// The lists as they were before the batch; absent before the batch has begun.
+  std::optional<SharedVectorList> snapBefore_;
+  std::optional<PageLog> wholeBefore_;
+  /// Which of them the page had before it was read for the batch.
+  bool hadSnap_ = false;
+  bool hadWhole_ = false;
+};
+
+VWBVectorStorage::State::Batch::Batch(State& state, const VelWbVecSwitchPage& page)
+    : state_(state), page_(page), key_(page.pageInfo()) {
+  const MutexHold hold(state_.guard);
+  while (!state_.busyPages.insert(key_).second) state_.batchEnded.wait(state_.guard);
+}
+
+VWBVectorStorage::State::Batch::~Batch() {
+  const MutexHold hold(state_.guard);
+  state_.busyPages.erase(key_);
+  state_.batchEnded.notifyAll();
+}
+
+void VWBVectorStorage::State::Batch::applySome(std::span<const VectorPtr>& rest, CachedPage& page) {
+  page.snap->ensureIndex();
+  for (std::size_t count = 0; !rest.empty() && count < kVectorsAtATime; ++count) {
+    if (const VectorPtr& vector = rest.front()) {
+      page.whole->reserveBack();
+      applyAppended(vector, *page.snap, *state_.history, undo_);
+      page.whole->pushReserved(vector);
+    }
+    rest = rest.subspan(1);
+  }
+}
+
+void VWBVectorStorage::State::Batch::undo(CachedPage& page) noexcept {
+  // A list that was read for the batch will be read again.
+  if (!hadSnap_) {
+    state_.cache.setSnap(page, nullptr);
+  } else if (snapBefore_) {
+    page.snap->rollBack(std::move(*snapBefore_));
+  }
+  if (!hadWhole_) {
+    page.whole.reset();
+  } else if (wholeBefore_) {
+    page.whole = std::move(wholeBefore_);
+  }
+  undo_.restore(*state_.history);
+}
+
+bool VWBVectorStorage::State::Batch::append(std::span<const VectorPtr> vectors) {
+  state_.waitForPageFiles(key_);
+  ReadPage read = state_.readLists(key_);
+  WriteBacklog::Prepared write;
+  for (bool isFirst = true; isFirst || !vectors.empty(); isFirst = false) {
+    if (!isFirst) state_.guard.giveWay();
+    const ShortOperation operation(state_);
+    if (isFirst && state_.currentPage && isSamePage(page_, *state_.currentPage)) return false;
+    if (isFirst) {
+      const CachedPage* cached = state_.cache.find(key_);
+      hadSnap_ = cached != nullptr && cached->snap;
+      hadWhole_ = cached != nullptr && cached->whole;
+    }
+    CachedPage& page = state_.cacheLists(key_, read);
+    try {
+      if (isFirst) {
+        snapBefore_ = page.snap->list();
+        wholeBefore_ = page.whole;
+      }
+      applySome(vectors, page);
+      if (!vectors.empty()) continue;
+      write = state_.preparePageWrite(key_, wholeListFile(state_.folder, key_),
+                                      snapListFile(state_.folder, key_), SaveOrder::kSnapFirst);
+    } catch (...) {
+      undo(page);
+      throw;
+    }
+    state_.backlog.queue(write);
+  }
+  return true;
+}
+
+void VWBVectorStorage::State::waitForBatch(const std::string& key) {
+  const MutexHold hold(guard);
+  while (busyPages.contains(key)) batchEnded.wait(guard);
+}
+
+void VWBVectorStorage::appendVectors(const VectorList& vectors, const SwitchPagePtr& toPage) {
+  if (!toPage) return;
+  std::span<const VectorPtr> rest(vectors);
+  for (;;) {
+    // Another thread may switch pages in between; each vector goes to the page that was named.
+    bool isCurrent = false;
+    {
+      const MutexHold hold(state_->guard);
+      isCurrent = state_->currentPage && isSamePage(*toPage, *state_->currentPage);
+    }
+    while (isCurrent && !rest.empty()) {
+      if (rest.front()) {
+        isCurrent = state_->saveOn(toPage.get(), rest.front());
+        if (!isCurrent) break;
+      }
+      rest = rest.subspan(1);
+    }
+    if (isCurrent || State::Batch(*state_, *toPage).append(rest)) return;
+  }
+}
+
+}  // namespace VelWhiteBoard

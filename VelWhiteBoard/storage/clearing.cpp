@@ -1,0 +1,72 @@
+// Forgetting pages, and whole boards.
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "VelWhiteBoard/services/path_manager.h"
+#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/storage_state.h"
+#include "VelWhiteBoard/storage/vector_storage.h"
+
+namespace VelWhiteBoard {
+
+namespace {
+
+/// One queued removal of a page's two files.
+struct QueuedRemoval {
+  std::vector<std::shared_ptr<KnownFile>> files;
+  std::vector<PendingFile> pending;
+
+  void run() const {
+    for (const auto& file : files) file->remove();
+  }
+};
+
+}  // namespace
+
+void VWBVectorStorage::clear() {
+  VWBPathManager::sharedManager().removeFolderOrFile(folder());
+  PageCache::Pages pages;
+  SnapQuery query;
+  {
+    const State::ShortOperation operation(*state_);
+    pages = state_->cache.takeAll();
+    std::swap(state_->snapQuery, query);
+    state_->files.haveBeenRemoved();
+  }
+  state_->reload(true);
+}
+
+void VWBVectorStorage::clearPage(const VelWbVecSwitchPage& page) {
+  const std::string key = page.pageInfo();
+  // Dropped without the guard: the page may be long.
+  PageCache::Pages::node_type cleared;
+  SnapQuery query;
+  for (;;) {
+    state_->waitForBatch(key);
+    const State::ShortOperation operation(*state_);
+    if (state_->busyPages.contains(key)) continue;
+    return state_->clearPage(page, key, cleared, query);
+  }
+}
+
+void VWBVectorStorage::State::clearPage(const VelWbVecSwitchPage& page, const std::string& key,
+                                        PageCache::Pages::node_type& cleared, SnapQuery& query) {
+  auto removal = std::make_shared<QueuedRemoval>();
+  for (const std::string& path : {wholeListFile(folder, key), snapListFile(folder, key)}) {
+    removal->files.push_back(files.at(path));
+    removal->pending.emplace_back(removal->files.back()->pendingName(), saveQueue);
+  }
+  const auto operation = OperationQueue::makeOperation([removal] { removal->run(); });
+  // From here on nothing can throw.
+  std::erase(pageCacheList, key);
+  cleared = cache.take(key);
+  if (currentPage && isSamePage(page, *currentPage)) {
+    std::swap(snapQuery, query);
+    hasNewChange = false;
+  }
+  saveQueue->addOperation(operation);
+}
+
+}  // namespace VelWhiteBoard

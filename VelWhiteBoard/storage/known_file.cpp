@@ -1,0 +1,123 @@
+#include "VelWhiteBoard/storage/known_file.h"
+
+#include <cerrno>
+#include <utility>
+
+#include "VelWhiteBoard/foundation/operation_queue.h"
+#include "VelWhiteBoard/services/path_manager.h"
+#include "VelWhiteBoard/storage/pending_files.h"
+
+namespace VelWhiteBoard {
+
+KnownFile::KnownFile(std::string path)
+    : path_(std::move(path)), pendingName_(VelWhiteBoard::pendingName(path_)) {}
+
+KnownFile::Version KnownFile::beginReading() const {
+  const MutexHold hold(mutex_);
+  return version_;
+}
+
+void KnownFile::endReading(Version begun, FileState found) noexcept {
+  const MutexHold hold(mutex_);
+  if (begun == version_) state_ = found;
+}
+
+KnownFile::Era KnownFile::era() const {
+  const MutexHold hold(mutex_);
+  return era_;
+}
+
+void KnownFile::forget() noexcept {
+  const MutexHold hold(mutex_);
+  if (state_ != FileState::kUnknown) stateBefore_ = state_;
+  state_ = FileState::kUnknown;
+  ++era_;
+  ++version_;
+}
+
+void KnownFile::hasBeenRemoved() noexcept {
+  hasFailed_ = false;
+  const MutexHold hold(mutex_);
+  state_ = FileState::kAbsent;
+  stateBefore_ = FileState::kAbsent;
+  ++version_;
+}
+
+bool KnownFile::mayReplace(Era queued) const {
+  const MutexHold hold(mutex_);
+  const FileState state = queued == era_ ? state_ : stateBefore_;
+  return state != FileState::kUnknown && state != FileState::kNotRead;
+}
+
+void KnownFile::note(Era queued, FileState state) noexcept {
+  const MutexHold hold(mutex_);
+  (queued == era_ ? state_ : stateBefore_) = state;
+  ++version_;
+}
+
+bool KnownFile::moveAside() {
+  FileSystem& files = FileSystem::current();
+  if (!files.exists(path_)) {
+    // Also when the system would not tell. Then replacing it might destroy it.
+    FileStatus status;
+    return files.status(path_, status).ok();
+  }
+  const std::string aside = path_ + std::string(kDamagedSuffix);
+  FileResult moved = files.renameToNew(path_, aside);
+  for (int number = 2; moved.error == EEXIST; ++number) {
+    moved = files.renameToNew(path_, aside + '-' + std::to_string(number));
+  }
+  return moved.ok();
+}
+
+void KnownFile::replace(Era queued, const AddRecords& addAll) {
+  if (!mayReplace(queued)) {
+    if (!moveAside()) return noteFailure();
+    note(queued, FileState::kAbsent);
+  }
+  const FileResult written =
+      FileSystem::current().writeAtomically(path_, [&addAll](const BlockConsumer& consume) {
+        const BlockConsumer consumeAndReport = [&consume](std::string_view block) {
+          OperationQueue::reportProgress();
+          return consume(block);
+        };
+        PropertyListWriter writer(consumeAndReport);
+        addAll(writer);
+        return writer.finish();
+      });
+  // After a folder that could not be synced the new contents are in place all the same.
+  if (!written.ok() && written.step != FileStep::kSyncFolder) return noteFailure();
+  note(queued, FileState::kWritten);
+  hasFailed_ = !written.ok();
+}
+
+void KnownFile::remove() {
+  FileSystem& files = FileSystem::current();
+  // The temporary goes first, so that a crash in between cannot leave it alone.
+  static_cast<void>(files.removeRecursively(path_ + std::string(kTemporarySuffix)));
+  VWBPathManager::sharedManager().removeFolderOrFile(path_);
+  hasBeenRemoved();
+}
+
+std::shared_ptr<KnownFile> KnownFiles::at(const std::string& path) {
+  const MutexHold hold(mutex_);
+  std::shared_ptr<KnownFile>& file = files_[path];
+  if (!file) file = std::make_shared<KnownFile>(path);
+  return file;
+}
+
+void KnownFiles::forgetAll() noexcept {
+  const MutexHold hold(mutex_);
+  for (const auto& [path, file] : files_) {
+    if (file) file->forget();
+  }
+}
+
+void KnownFiles::haveBeenRemoved() noexcept {
+  const MutexHold hold(mutex_);
+  for (const auto& [path, file] : files_) {
+    if (file) file->hasBeenRemoved();
+  }
+}
+
+}  // namespace VelWhiteBoard

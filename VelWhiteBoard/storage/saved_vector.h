@@ -1,0 +1,22 @@
+/// @file
+/// The rule for a vector that is saved on the current page: does it continue an entry?
+#pragma once
+
+#include "VelWhiteBoard/storage/history.h"
+#include "VelWhiteBoard/storage/snap_list.h"
+#include "VelWhiteBoard/storage/snap_query.h"
+
+namespace VelWhiteBoard {
+
+/// Whether the vector's type is one that never stays on a page: "cursor", "camera", "magnifier",
+/// "clear" or "remove".
+bool isTransient(const VelWbBaseVector& vector);
+
+/// Brings a vector, which must have an identifier, into the current page's state: a transient entry
+/// at the tail goes, a vector that continues or edits an entry changes it, commands are carried out,
+/// anything else is added. Gives a line its first position.
+///
+/// When it throws `std::bad_alloc`, nothing has changed.
+void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history);
+
+}  // namespace VelWhiteBoard

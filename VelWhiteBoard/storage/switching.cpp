@@ -1,0 +1,122 @@
+// Making a page current.
+#include <utility>
+
+#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/storage_state.h"
+#include "VelWhiteBoard/storage/vector_storage.h"
+
+namespace VelWhiteBoard {
+
+namespace {
+
+bool isSameSwitch(const VelWbVecSwitchPage& page, const VelWbVecSwitchPage& other) {
+  return isSamePage(page, other) && page.resource == other.resource;
+}
+
+SnapQuery queryOf(const SharedVectorList& snap) {
+  SnapQuery query;
+  snap.forEach([&query](const VectorPtr& entry) {
+    if (entry->ID) query[*entry->ID] = entry;
+  });
+  return query;
+}
+
+}  // namespace
+
+VectorList VWBVectorStorage::switchPage(const SwitchPagePtr& page) {
+  if (!page) return {};
+  const std::string key = page->pageInfo();
+  for (;;) {
+    // Without the semaphore, so that nobody waits for a disk because of this call. Another thread
+    // may queue a removal, or append a batch, before the semaphore is held: then once more.
+    state_->waitForBatch(key);
+    const bool isQuiet = state_->waitForPageFiles(key);
+    const State::LongOperation operation(*state_);
+    {
+      const MutexHold hold(state_->guard);
+      if (state_->busyPages.contains(key)) continue;
+    }
+    if (isQuiet && state_->arePageFilesPending(key)) continue;
+    return state_->switchTo(page, key);
+  }
+}
+
+VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const std::string& key) {
+  ReadPage read;
+  bool isCurrent = false;
+  {
+    const MutexHold hold(guard);
+    isCurrent = currentPage && isSameSwitch(*currentPage, *page);
+  }
+  if (!isCurrent) read = readLists(key);
+
+  // All that may throw comes first; what it has replaced is dropped without the guard.
+  WriteBacklog::Prepared pageWrite;
+  WriteBacklog::Prepared visitedWrite;
+  SwitchPagePtr copy = page->mutableCopyWithZone();
+  SnapQuery query;
+  VectorList entries;
+  const MutexHold hold(guard);
+  // The page that is left, with everything that was accepted up to now.
+  const bool isSaved = hasNewChange && currentPage;
+  if (isSaved) {
+    pageWrite = preparePageWrite(currentKey(), wholeFile, snapFile, SaveOrder::kWholeFirst);
+  }
+  if (!isCurrent) {
+    const CachedPage* cached = cache.find(key);
+    if (cached != nullptr && cached->snap) read.snap.reset();
+    const SharedVectorList& snap = read.snap ? read.snap->list() : cached->snap->list();
+    query = queryOf(snap);
+    entries = snap.vectors();
+    std::optional<std::string> newWholeFile = wholeListFile(folder, key);
+    std::optional<std::string> newSnapFile = snapListFile(folder, key);
+    std::string newKey = key;
+    std::optional<VisitedPages::Next> next;
+    if (!ignoreChanges) {
+      next = visited.prepare(page);
+      // The page's own files are not written here, and its key never enters `pageCacheList`: that
+      // is for pages without stored vectors, and since its lists are cached it always has some.
+      visitedWrite = prepareVisitedPagesWrite(next->forFile);
+    }
+    cacheLists(key, read);
+    // From here on nothing can throw.
+    hasNewChange = false;
+    keyOfCurrent_ = {copy->WBID, copy->curPage, std::move(newKey)};
+    std::swap(currentPage, copy);
+    std::swap(wholeFile, newWholeFile);
+    std::swap(snapFile, newSnapFile);
+    std::swap(snapQuery, query);
+    if (next) visited.record(std::move(*next));
+  }
+  if (isSaved) timedSaves.setLastSaveDate(currentDate());
+  backlog.queue(pageWrite);
+  backlog.queue(visitedWrite);
+  return entries;
+}
+
+VWBVectorStorage::SwitchPagePtr VWBVectorStorage::latestPage() const {
+  const MutexHold hold(state_->guard);
+  const auto& pages = state_->visited.pages();
+  return pages.empty() ? nullptr : pages.back();
+}
+
+bool VWBVectorStorage::hasVectorsWithPage(const VelWbVecSwitchPage& page) const {
+  return state_->hasVectors(page.pageInfo());
+}
+
+VectorList VWBVectorStorage::snapWithPage(const VelWbVecSwitchPage& page) const {
+  const std::string key = page.pageInfo();
+  std::shared_ptr<KnownFile> file;
+  {
+    const MutexHold hold(state_->guard);
+    const CachedPage* cached = state_->cache.find(key);
+    if (cached != nullptr && cached->snap) return cached->snap->list().vectors();
+    file = state_->files.at(snapListFile(state_->folder, key));
+  }
+  waitForPendingFiles({file->pendingName()});
+  // The storage does not keep what it reads here, so the file does not count as read.
+  return readVectors(file->path()).list;
+}
+
+}  // namespace VelWhiteBoard

@@ -1,0 +1,42 @@
+/// @file
+/// A log that has been read as bytes and not yet as records.
+#pragma once
+
+#include <memory>
+
+#include "VelWhiteBoard/foundation/file_system.h"
+#include "VelWhiteBoard/foundation/mutex.h"
+#include "VelWhiteBoard/storage/known_file.h"
+#include "VelWhiteBoard/storage/shared_vector_list.h"
+
+namespace VelWhiteBoard {
+
+/// The bytes of a page's log, until they have become records.
+///
+/// A log is long, and a page is drawn without it. So a page switch reads the bytes, and the records
+/// are made in the background or when they are asked for, whichever comes first. Nothing that
+/// happens to the file after that, and no lack of memory, can change what the list holds: when the
+/// memory for the records cannot be had, the bytes stay, and the next call tries again.
+///
+/// Threads: any.
+class UnreadLog {
+ public:
+  /// Takes bytes of `file`, read since `begun`; notes there whether they turn out to be a log.
+  UnreadLog(FileBytes bytes, std::shared_ptr<KnownFile> file, KnownFile::Version begun);
+
+  /// The records; none when the bytes are not a log.
+  SharedVectorList list();
+
+  /// Has the records of a log made in the background.
+  static void readInBackground(const std::shared_ptr<UnreadLog>& log);
+
+ private:
+  const std::shared_ptr<KnownFile> file_;
+  const KnownFile::Version begun_;
+  Mutex mutex_;
+  bool isRead_ VELWHITEBOARD_GUARDED_BY(mutex_) = false;
+  FileBytes bytes_ VELWHITEBOARD_GUARDED_BY(mutex_);
+  SharedVectorList list_ VELWHITEBOARD_GUARDED_BY(mutex_);
+};
+
+}  // namespace VelWhiteBoard
