@@ -16,25 +16,41 @@ constexpr std::size_t kTriple = 3;
 /// that copying one never holds up a pen.
 constexpr std::size_t kChunkPositions = 1024;
 
+/// How many numbers a chunk of rows has room for that holds `taken` numbers and expects `positions`
+/// rows more, the next of `next` numbers. Rows are expected to be as long as the next one, within
+/// reason; a chunk never less than doubles, so that growing stays linear.
+std::size_t numbersFor(std::size_t positions, std::size_t taken, std::size_t next) noexcept {
+  constexpr std::size_t kOrdinary = 4;
+  return std::max(taken + positions * std::min(next, kOrdinary), 2 * taken + next);
+}
+
 bool sameNumber(double left, double right) noexcept {
   return left == right || (std::isnan(left) && std::isnan(right));
 }
 
 }  // namespace
 
-// Up to kChunkPositions triples, in one allocation with their counters.
+// Up to kChunkPositions positions, in one allocation with their counters.
+//
+// A chunk of triples holds nothing but their numbers. A chunk of rows, for positions of any length,
+// holds a table of where each row ends, and then the numbers of all rows.
 //
 // Several paths may share a chunk, each seeing the first positions of it. `used_` says how many
 // slots have been given away: a path that stands exactly there may claim the next slot, every other
 // one has to copy. Slots below a path's own size are never written again, so readers on other
 // threads need no lock.
 //
-// Aligned so that the numbers follow it directly.
+// Aligned so that the table or the numbers follow it directly.
 class alignas(double) Path::Chunk {
  public:
-  static Chunk* make(std::size_t capacity) {
-    void* memory = ::operator new(sizeof(Chunk) + capacity * kTriple * sizeof(double));
-    return ::new (memory) Chunk(capacity);
+  static Chunk* makeTriples(std::size_t positions) {
+    void* memory = ::operator new(sizeof(Chunk) + positions * kTriple * sizeof(double));
+    return ::new (memory) Chunk(positions, positions * kTriple, false);
+  }
+  static Chunk* makeRows(std::size_t positions, std::size_t numbers) {
+    static_assert(sizeof(std::size_t) <= sizeof(double));
+    void* memory = ::operator new(sizeof(Chunk) + (positions + numbers) * sizeof(double));
+    return ::new (memory) Chunk(positions, numbers, true);
   }
 
   void retain() noexcept { references_.fetch_add(1, std::memory_order_relaxed); }
@@ -45,16 +61,29 @@ class alignas(double) Path::Chunk {
   }
   bool isUnique() const noexcept { return references_.load(std::memory_order_acquire) == 1; }
 
+  bool holdsRows() const noexcept { return holdsRows_; }
+  /// Positions for which there is room.
   std::size_t capacity() const noexcept { return capacity_; }
-  double* slot(std::size_t index) noexcept { return numbers() + index * kTriple; }
-  const double* slot(std::size_t index) const noexcept {
-    return const_cast<Chunk*>(this)->slot(index);
+  /// Where the numbers of the position at `index` begin; where those of the one before it end.
+  std::size_t startOf(std::size_t index) const noexcept {
+    if (!holdsRows_) return index * kTriple;
+    return index == 0 ? 0 : ends()[index - 1];
+  }
+  Position position(std::size_t index) const noexcept {
+    if (!holdsRows_) return {numbers() + index * kTriple, kTriple};
+    const std::size_t start = startOf(index);
+    return {numbers() + start, ends()[index] - start};
   }
 
-  /// Whether the path that sees `seen` positions may write the next one. `alone` when no other path
-  /// shares the chunk.
-  bool claim(std::size_t seen, bool alone) noexcept {
+  /// Whether a position of `size` numbers has room behind the first `seen` ones.
+  bool hasRoom(std::size_t seen, std::size_t size) const noexcept {
     if (seen >= capacity_) return false;
+    return holdsRows_ ? size <= numberCapacity_ - startOf(seen) : size == kTriple;
+  }
+
+  /// Whether the path that sees `seen` positions may write the next one, for which there is room.
+  /// `alone` when no other path shares the chunk.
+  bool claim(std::size_t seen, bool alone) noexcept {
     auto expected = static_cast<std::uint32_t>(seen);
     if (alone) {
       used_.store(expected + 1, std::memory_order_relaxed);
@@ -63,31 +92,54 @@ class alignas(double) Path::Chunk {
     return used_.compare_exchange_strong(expected, expected + 1, std::memory_order_relaxed);
   }
 
-  /// Copies the first `count` positions of those at `source`; this chunk must be fresh.
-  void takeFirst(const double* source, std::size_t count) noexcept {
-    std::copy_n(source, count * kTriple, slot(0));
+  /// Writes the position at `index`, which has been claimed.
+  void write(std::size_t index, Position position) noexcept {
+    if (!holdsRows_) {
+      std::copy_n(position.data(), kTriple, numbers() + index * kTriple);
+      return;
+    }
+    const std::size_t start = startOf(index);
+    std::copy_n(position.data(), position.size(), numbers() + start);
+    ends()[index] = start + position.size();
+  }
+
+  /// Takes over the first `count` positions of `source`; this chunk must be fresh.
+  void takeFirst(const Chunk& source, std::size_t count) noexcept {
+    if (!holdsRows_) {
+      std::copy_n(source.numbers(), count * kTriple, numbers());
+    } else {
+      for (std::size_t index = 0; index < count; ++index) write(index, source.position(index));
+    }
     used_.store(static_cast<std::uint32_t>(count), std::memory_order_relaxed);
   }
 
  private:
-  explicit Chunk(std::size_t capacity) noexcept : capacity_(static_cast<std::uint32_t>(capacity)) {}
+  Chunk(std::size_t positions, std::size_t numbers, bool holdsRows) noexcept
+      : capacity_(static_cast<std::uint32_t>(positions)),
+        holdsRows_(holdsRows),
+        numberCapacity_(numbers) {}
   ~Chunk() = default;
 
-  double* numbers() noexcept { return reinterpret_cast<double*>(this + 1); }
+  void* memory() const noexcept { return const_cast<Chunk*>(this + 1); }
+  std::size_t* ends() const noexcept { return static_cast<std::size_t*>(memory()); }
+  double* numbers() const noexcept {
+    return static_cast<double*>(memory()) + (holdsRows_ ? capacity_ : 0);
+  }
 
   std::atomic<std::uint32_t> references_{1};
   std::atomic<std::uint32_t> used_{0};
   std::uint32_t capacity_;
+  bool holdsRows_;
+  std::size_t numberCapacity_;
 };
 
 // Copied before it changes whenever more than one path refers to it.
-class Path::Rest {
+class Path::FullChunks {
  public:
-  Rest() = default;
-  Rest(const Rest& other)
-      : chunks(other.chunks), numbers(other.numbers), ends(other.ends), uneven(other.uneven) {}
-  Rest& operator=(const Rest&) = delete;
-  ~Rest() = default;
+  FullChunks() = default;
+  FullChunks(const FullChunks& other) : chunks(other.chunks) {}
+  FullChunks& operator=(const FullChunks&) = delete;
+  ~FullChunks() = default;
 
   void retain() noexcept { references_.fetch_add(1, std::memory_order_relaxed); }
   void release() noexcept {
@@ -95,13 +147,7 @@ class Path::Rest {
   }
   bool isUnique() const noexcept { return references_.load(std::memory_order_acquire) == 1; }
 
-  /// Full chunks, in order, of a path of triples.
   std::vector<Shared<Chunk>> chunks;
-  /// All numbers of an uneven path, one position after the other …
-  std::vector<double> numbers;
-  /// … and where each position ends in them.
-  std::vector<std::size_t> ends;
-  bool uneven = false;
 
  private:
   std::atomic<std::uint32_t> references_{1};
@@ -128,7 +174,7 @@ Path::Path(Path&& other) noexcept
     : size_(std::exchange(other.size_, 0)),
       only_{other.only_[0], other.only_[1], other.only_[2]},
       tail_(std::move(other.tail_)),
-      rest_(std::move(other.rest_)) {}
+      full_(std::move(other.full_)) {}
 Path& Path::operator=(const Path& other) noexcept {
   Path(other).swap(*this);
   return *this;
@@ -143,105 +189,93 @@ void Path::swap(Path& other) noexcept {
   std::swap(size_, other.size_);
   std::swap(only_, other.only_);
   std::swap(tail_, other.tail_);
-  std::swap(rest_, other.rest_);
+  std::swap(full_, other.full_);
 }
 
 Path::Position Path::operator[](std::size_t index) const noexcept {
-  if (rest_) {
-    if (rest_->uneven) {
-      const std::size_t start = index == 0 ? 0 : rest_->ends[index - 1];
-      return {rest_->numbers.data() + start, rest_->ends[index] - start};
-    }
+  if (full_) {
     const std::size_t chunk = index / kChunkPositions;
-    if (chunk < rest_->chunks.size()) {
-      return {rest_->chunks[chunk]->slot(index % kChunkPositions), kTriple};
+    if (chunk < full_->chunks.size()) {
+      return full_->chunks[chunk]->position(index % kChunkPositions);
     }
   }
-  return {tail_ ? tail_->slot(index % kChunkPositions) : only_, kTriple};
+  return lastChunkPosition(index % kChunkPositions);
 }
 
-void Path::push_back(Position position) {
-  const bool uneven = rest_ && rest_->uneven;
-  if (!uneven && position.size() == kTriple) {
-    addTriple(position);
-  } else {
-    addUneven(position);
-  }
+/// The position at `index` of the newest chunk, or of what stands in for it.
+Path::Position Path::lastChunkPosition(std::size_t index) const noexcept {
+  return tail_ ? tail_->position(index) : Position(only_, kTriple);
 }
 
 void Path::reserve(std::size_t positions) {
-  if (size_ == 0 && !tail_ && !rest_ && positions > 1) {
-    tail_ = Shared<Chunk>(Chunk::make(std::min(positions, kChunkPositions)));
+  if (size_ == 0 && !tail_ && positions > 1) {
+    tail_ = Shared<Chunk>(Chunk::makeTriples(std::min(positions, kChunkPositions)));
   }
 }
 
-void Path::addTriple(Position position) {
-  // Read first: the view may point into the chunk that is about to be replaced.
-  const double triple[kTriple] = {position[0], position[1], position[2]};
-  if (size_ == 0 && !tail_ && !rest_) {
-    std::copy_n(triple, kTriple, only_);
+// The view may point into the tail, so the tail stays until the position has been written. What can
+// throw comes before anything changes.
+void Path::push_back(Position position) {
+  if (size_ == 0 && !tail_ && position.size() == kTriple) {
+    std::copy_n(position.data(), kTriple, only_);
     size_ = 1;
     return;
   }
-  std::size_t used = size_ == 0 ? 0 : (size_ - 1) % kChunkPositions + 1;
+  const std::size_t used = size_ == 0 ? 0 : (size_ - 1) % kChunkPositions + 1;
   if (used == kChunkPositions) {
-    // A new chunk starts small only for a path's first positions; a stroke this long goes on.
-    Shared<Chunk> fresh(Chunk::make(kChunkPositions));
-    ownRest().chunks.push_back(tail_);
-    tail_ = std::move(fresh);
-    used = 0;
+    startChunk(position);
+  } else if (tail_ && tail_->hasRoom(used, position.size()) &&
+             tail_->claim(used, tail_.isUnique())) {
+    tail_->write(used, position);
+  } else {
+    Shared<Chunk> larger = largerTail(used, position.size());
+    larger->claim(used, true);
+    larger->write(used, position);
+    tail_ = std::move(larger);
   }
-  if (!tail_ || !tail_->claim(used, tail_.isUnique())) {
-    growTail(used);
-    tail_->claim(used, true);
-  }
-  std::copy_n(triple, kTriple, tail_->slot(used));
   ++size_;
 }
 
-void Path::growTail(std::size_t used) {
+/// Makes the tail a full chunk and `first` the first position of a new tail.
+void Path::startChunk(Position first) {
+  // A new chunk starts small only for a path's first positions; a stroke this long goes on.
+  Shared<Chunk> fresh(
+      first.size() == kTriple
+          ? Chunk::makeTriples(kChunkPositions)
+          : Chunk::makeRows(kChunkPositions, numbersFor(kChunkPositions, 0, first.size())));
+  fresh->claim(0, true);
+  fresh->write(0, first);
+  if (!full_) {
+    full_ = Shared<FullChunks>(new FullChunks);
+  } else if (!full_.isUnique()) {
+    full_ = Shared<FullChunks>(new FullChunks(*full_));
+  }
+  full_->chunks.push_back(tail_);
+  tail_ = std::move(fresh);
+}
+
+/// A chunk of this path's own that holds the first `used` positions of the tail and has room for
+/// another one of `numbersOfNext` numbers.
+Path::Shared<Path::Chunk> Path::largerTail(std::size_t used, std::size_t numbersOfNext) const {
   constexpr std::size_t kSecondCapacity = 8;
-  const std::size_t wanted = std::max(kSecondCapacity, used * 2);
-  Shared<Chunk> grown(Chunk::make(std::min(wanted, kChunkPositions)));
-  if (used > 0) grown->takeFirst(tail_ ? tail_->slot(0) : only_, used);
-  tail_ = std::move(grown);
-}
-
-Path::Rest& Path::ownRest() {
-  if (!rest_) {
-    rest_ = Shared<Rest>(new Rest);
-  } else if (!rest_.isUnique()) {
-    rest_ = Shared<Rest>(new Rest(*rest_));
+  std::size_t positions = std::min(std::max(kSecondCapacity, used * 2), kChunkPositions);
+  if (used == 0) positions = tail_ ? tail_->capacity() : 1;
+  const bool rows = numbersOfNext != kTriple || (tail_ && tail_->holdsRows());
+  const std::size_t numbers = tail_ ? tail_->startOf(used) : used * kTriple;
+  Shared<Chunk> larger(
+      rows ? Chunk::makeRows(positions, numbersFor(positions - used, numbers, numbersOfNext))
+           : Chunk::makeTriples(positions));
+  if (tail_) {
+    larger->takeFirst(*tail_, used);
+  } else if (used > 0) {
+    larger->write(0, only_);
   }
-  return *rest_;
-}
-
-void Path::addUneven(Position position) {
-  const std::vector<double> row(position.begin(), position.end());
-  if (!rest_ || !rest_->uneven) makeUneven();
-  Rest& rest = ownRest();
-  rest.numbers.insert(rest.numbers.end(), row.begin(), row.end());
-  rest.ends.push_back(rest.numbers.size());
-  ++size_;
-}
-
-void Path::makeUneven() {
-  Shared<Rest> uneven(new Rest);
-  uneven->uneven = true;
-  uneven->numbers.reserve((size_ + 1) * kTriple);
-  uneven->ends.reserve(size_ + 1);
-  for (std::size_t index = 0; index < size_; ++index) {
-    const Position position = (*this)[index];
-    uneven->numbers.insert(uneven->numbers.end(), position.begin(), position.end());
-    uneven->ends.push_back(uneven->numbers.size());
-  }
-  rest_ = std::move(uneven);
-  tail_ = {};
+  return larger;
 }
 
 bool Path::equals(const Path& other) const noexcept {
   if (size_ != other.size_) return false;
-  const bool sharesAll = tail_.get() == other.tail_.get() && rest_.get() == other.rest_.get();
+  const bool sharesAll = tail_.get() == other.tail_.get() && full_.get() == other.full_.get();
   if (sharesAll && !isInline()) return true;
   for (std::size_t index = 0; index < size_; ++index) {
     const Position left = (*this)[index];

@@ -16,15 +16,21 @@ namespace VelWhiteBoard {
 /// The positions of a stroke, oldest first, as a value.
 ///
 /// A position is a short row of numbers: horizontal, vertical and usually the time of the position.
-/// Rows of three take 24 bytes each, an only one no allocation; rows of any other length are kept
-/// exactly, at a few bytes more.
+/// Rows of three take 24 bytes each, and a single one needs no allocation. Rows of any other length
+/// are kept exactly, at 8 bytes a row more. The unit and the range of the numbers are the caller's
+/// business; NaN and the infinities are kept like any other number.
 ///
 /// Adding a position costs the same however long the path is, and so does copying a path: copies
-/// share the positions that they have in common. That is what lets a save take a stroke as it is at
-/// this instant while the pen goes on.
+/// share the positions that they have in common, whatever the lengths of their rows. That is what
+/// lets a save take a stroke as it is at this instant while the pen goes on.
+///
+/// Memory: what cannot get any throws `std::bad_alloc` and leaves the path as it was. Copying,
+/// moving and swapping need none and never throw.
 ///
 /// Threads: distinct paths may be used from distinct threads, copies of one path included. One path
-/// is not to be changed while another thread uses it.
+/// must not be changed while another thread uses it.
+///
+/// Not meant as a base class.
 class VELWHITEBOARD_EXPORT Path {
  public:
   /// One position: a view of its numbers. Valid until the path that gave it changes or ends.
@@ -71,9 +77,9 @@ class VELWHITEBOARD_EXPORT Path {
 
  private:
   class Chunk;
-  class Rest;
+  class FullChunks;
 
-  /// Shared reference to a chunk or to the rest; the count is kept inside the object.
+  /// Shared reference to a chunk or to a list of chunks; the count is kept inside the object.
   template <class T>
   class Shared {
    public:
@@ -99,21 +105,19 @@ class VELWHITEBOARD_EXPORT Path {
   };
 
   bool equals(const Path& other) const noexcept;
-  void addTriple(Position position);
-  void addUneven(Position position);
-  void makeUneven();
-  void growTail(std::size_t used);
-  Rest& ownRest();
+  Position lastChunkPosition(std::size_t index) const noexcept;
+  void startChunk(Position first);
+  Shared<Chunk> largerTail(std::size_t used, std::size_t numbersOfNext) const;
 
   /// Whether the path is one triple that stands in `only_`. Pieces of a stroke are, nearly all.
-  bool isInline() const noexcept { return size_ == 1 && !tail_ && !rest_; }
+  bool isInline() const noexcept { return size_ == 1 && !tail_; }
 
   std::size_t size_ = 0;
   double only_[3] = {};
-  /// The newest positions, while every position of the path has three numbers.
+  /// The newest positions, up to the length of a full chunk.
   Shared<Chunk> tail_;
-  /// What does not fit the tail: the full chunks before it, or all positions of an uneven path.
-  Shared<Rest> rest_;
+  /// The full chunks before them; null while there is none.
+  Shared<FullChunks> full_;
 };
 
 /// Walks the positions of a path, oldest first.

@@ -189,6 +189,15 @@ void Record::encodeWithCoder(Coder& coder) const {
   }
 }
 
+void Record::takeContents(Record& from) noexcept {
+  if (this == &from || !(recordClass() == from.recordClass())) return;
+  for (const Property& property : recordClass().properties) {
+    if (property.kind != PropertyKind::array) continue;
+    if (auto& array = property.in<std::optional<Array>>(*this)) dismantle(*array);
+  }
+  moveMembers(from);
+}
+
 std::map<std::string, const RecordClass*> containerClasses(const RecordClass& recordClass) {
   std::map<std::string, const RecordClass*> classes;
   for (const Property& property : recordClass.properties) {

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "VelWhiteBoard/foundation/export.h"
 #include "VelWhiteBoard/foundation/property.h"
@@ -87,6 +88,11 @@ class VELWHITEBOARD_EXPORT Record {
   /// Puts every property into the archive, under its name.
   void encodeWithCoder(Coder& coder) const;
 
+  /// Moves every property of `from`, a record of exactly the same class, into this record. Needs no
+  /// memory. What `from` holds afterwards is unspecified, as after any move; it may be assigned to
+  /// or destroyed. A record of another class, and the receiver itself, changes nothing.
+  void takeContents(Record& from) noexcept;
+
  protected:
   Record() = default;
   Record(const Record&) = default;
@@ -94,6 +100,9 @@ class VELWHITEBOARD_EXPORT Record {
 
   /// A full copy, of the class of this very object.
   virtual std::shared_ptr<Record> makeCopy() const = 0;
+
+  /// Moves the members of `from`, which is another record of this very class.
+  virtual void moveMembers(Record& from) noexcept = 0;
 };
 
 /// The class of the elements of each property that is a list of records.
@@ -127,6 +136,11 @@ class RecordOf : public Base {
  protected:
   std::shared_ptr<Record> makeCopy() const override {
     return std::make_shared<Self>(static_cast<const Self&>(*this));
+  }
+  void moveMembers(Record& from) noexcept override {
+    static_assert(std::is_nothrow_move_assignable_v<Self>,
+                  "storages change records by moves that must not fail half way");
+    static_cast<Self&>(*this) = std::move(static_cast<Self&>(from));
   }
 };
 

@@ -33,6 +33,18 @@ bool sameNumber(const Value& left, const Value& right) {
   return left.get<std::uint64_t>() == right.get<std::uint64_t>();
 }
 
+/// Empties the containers inside `value`, then `value` itself, which is at the given depth.
+void dismantleAt(Value& value, std::size_t depth) noexcept {
+  if (depth > kMaximumValueDepth) return;
+  if (auto* const array = value.get_ptr<Array*>()) {
+    for (Value& element : *array) dismantleAt(element, depth + 1);
+    array->clear();
+  } else if (auto* const members = value.get_ptr<Dictionary*>()) {
+    for (auto& [key, member] : *members) dismantleAt(member, depth + 1);
+    members->clear();
+  }
+}
+
 }  // namespace
 
 bool sameValue(const Value& left, const Value& right) {
@@ -71,6 +83,18 @@ std::size_t hashOfValue(const Value& value) {
     }
   }
   return hash;
+}
+
+void dismantle(Value& value) noexcept { dismantleAt(value, 1); }
+
+void dismantle(Array& array) noexcept {
+  for (Value& element : array) dismantleAt(element, 2);
+  array.clear();
+}
+
+void dismantle(Dictionary& dictionary) noexcept {
+  for (auto& [key, member] : dictionary) dismantleAt(member, 2);
+  dictionary.clear();
 }
 
 bool nestsTooDeep(const Value& value) {

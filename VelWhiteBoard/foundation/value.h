@@ -31,6 +31,18 @@ VELWHITEBOARD_EXPORT std::size_t hashOfValue(const Value& value);
 /// A hash of a number as `sameValue` compares it.
 VELWHITEBOARD_EXPORT std::size_t hashOfNumber(double number);
 
+/// Empties a value without asking for memory: an array or object loses its elements, anything else
+/// stays as it is.
+///
+/// The destructor of a value that nests arrays or objects asks for memory, and ends the process
+/// when there is none. After this it needs none. What is nested deeper than `kMaximumValueDepth` is
+/// left to the destructor.
+VELWHITEBOARD_EXPORT void dismantle(Value& value) noexcept;
+/// The same for what an array holds.
+VELWHITEBOARD_EXPORT void dismantle(Array& array) noexcept;
+/// The same for what an object holds.
+VELWHITEBOARD_EXPORT void dismantle(Dictionary& dictionary) noexcept;
+
 /// Whether `value` nests arrays and objects deeper than `kMaximumValueDepth`. Does not recurse.
 VELWHITEBOARD_EXPORT bool nestsTooDeep(const Value& value);
 

@@ -1,5 +1,9 @@
 #include "VelWhiteBoard/vectors/boxes.h"
 
+#include <optional>
+#include <string>
+#include <utility>
+
 #include "VelWhiteBoard/foundation/property_table.h"
 
 namespace VelWhiteBoard {
@@ -9,14 +13,17 @@ namespace {
 /// A coordinate of an update counts as given above this.
 constexpr double kPositionNotGiven = -10.0;
 
-/// Takes over a text that is given: present and not empty.
-void takeNonEmpty(std::optional<std::string>& field, const std::optional<std::string>& update) {
-  if (update && !update->empty()) field = update;
-}
+// Merging copies every string first, then runs the rule of the base, and only then changes fields
+// of its own, which can no longer throw: an edit is made whole or not at all.
 
-/// Takes over a text that is given: present, empty or not.
-void takePresent(std::optional<std::string>& field, const std::optional<std::string>& update) {
-  if (update) field = update;
+using Text = std::optional<std::string>;
+
+/// What an update gives for a string that counts as given when it is not empty; absent otherwise.
+Text nonEmpty(const Text& update) { return update && !update->empty() ? update : std::nullopt; }
+
+/// Takes over a string that is given.
+void take(Text& field, Text given) noexcept {
+  if (given) field = std::move(given);
 }
 
 }  // namespace
@@ -57,10 +64,12 @@ const RecordClass& VelWbVecFile::ownClass() {
 }
 
 void VelWbVecFile::merge(const VelWbBaseVector& update) {
-  VelWbVecSquare::merge(update);
+  if (!isSameStroke(update)) return;
   const auto* file = recordCast<const VelWbVecFile>(update);
-  if (file == nullptr || !isSameStroke(update)) return;
-  takeNonEmpty(url, file->url);
+  if (file == nullptr) return VelWbVecSquare::merge(update);
+  Text newURL = nonEmpty(file->url);
+  VelWbVecSquare::merge(update);
+  take(url, std::move(newURL));
   undeletable = file->undeletable;
 }
 
@@ -77,17 +86,22 @@ const RecordClass& VelWbVecVideo::ownClass() {
 }
 
 void VelWbVecVideo::merge(const VelWbBaseVector& update) {
-  VelWbVecFile::merge(update);
+  if (!isSameStroke(update)) return;
   const auto* video = recordCast<const VelWbVecVideo>(update);
-  if (video == nullptr || !isSameStroke(update)) return;
-  // `url` has been taken by the rule for files, under the same condition.
-  takeNonEmpty(title, video->title);
+  if (video == nullptr) return VelWbVecFile::merge(update);
+  Text newTitle = nonEmpty(video->title);
+  Text newStatus = nonEmpty(video->status);
+  Text newKind = video->kind;
+  Text newCover = video->cover;
+  // `url` is taken by the rule for files, under the same condition.
+  VelWbVecFile::merge(update);
+  take(title, std::move(newTitle));
   if (video->owner >= 1) owner = video->owner;
   if (video->manualPlayTs >= 0) manualPlayTs = video->manualPlayTs;
   autoPlayTs = video->autoPlayTs;
-  takeNonEmpty(status, video->status);
-  takePresent(kind, video->kind);
-  takePresent(cover, video->cover);
+  take(status, std::move(newStatus));
+  take(kind, std::move(newKind));
+  take(cover, std::move(newCover));
 }
 
 std::shared_ptr<Record> VelWbVecVideo::makeMutableCopy() const {
@@ -105,14 +119,19 @@ const RecordClass& VelWbVecText::ownClass() {
 }
 
 void VelWbVecText::merge(const VelWbBaseVector& update) {
-  VelWbVecSquare::merge(update);
+  if (!isSameStroke(update)) return;
   const auto* other = recordCast<const VelWbVecText>(update);
-  if (other == nullptr || !isSameStroke(update)) return;
-  takeNonEmpty(color, other->color);
-  takePresent(bgColor, other->bgColor);
-  takeNonEmpty(text, other->text);
+  if (other == nullptr) return VelWbVecSquare::merge(update);
+  Text newColor = nonEmpty(other->color);
+  Text newBgColor = other->bgColor;
+  Text newText = nonEmpty(other->text);
+  Text newFontName = nonEmpty(other->fontName);
+  VelWbVecSquare::merge(update);
+  take(color, std::move(newColor));
+  take(bgColor, std::move(newBgColor));
+  take(text, std::move(newText));
   if (other->fontSize > 0.0) fontSize = other->fontSize;
-  takeNonEmpty(fontName, other->fontName);
+  take(fontName, std::move(newFontName));
 }
 
 std::shared_ptr<Record> VelWbVecText::makeMutableCopy() const {

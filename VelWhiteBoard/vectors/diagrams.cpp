@@ -1,5 +1,10 @@
 #include "VelWhiteBoard/vectors/diagrams.h"
 
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "VelWhiteBoard/foundation/array_owner.h"
 #include "VelWhiteBoard/foundation/property_table.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 
@@ -21,14 +26,24 @@ const RecordClass& VelWbVecDiagram::ownClass() {
   return own;
 }
 
+VelWbVecDiagram::~VelWbVecDiagram() {
+  if (points) dismantle(*points);
+}
+
 void VelWbVecDiagram::merge(const VelWbBaseVector& update) {
-  VelWbVecSquare::merge(update);
+  if (!isSameStroke(update)) return;
   const auto* diagram = recordCast<const VelWbVecDiagram>(update);
-  if (diagram == nullptr || !isSameStroke(update)) return;
-  if (diagram->color && !diagram->color->empty()) color = diagram->color;
+  if (diagram == nullptr) return VelWbVecSquare::merge(update);
+  // Copied first: once a field has changed, nothing may throw any more.
+  std::optional<std::string> newColor;
+  if (diagram->color && !diagram->color->empty()) newColor = diagram->color;
+  ArrayOwner newPoints;
+  if (diagram->points && !diagram->points->empty()) newPoints = ArrayOwner(*diagram->points);
+  VelWbVecSquare::merge(update);
+  if (newColor) color = std::move(newColor);
   if (diagram->pixel >= 1) pixel = diagram->pixel;
   if (diagram->ps >= 1) ps = diagram->ps;
-  if (diagram->points && !diagram->points->empty()) points = diagram->points;
+  if (newPoints.hasArray()) newPoints.swap(points);
   // Looser than the rule for boxes, on purpose: a shape may be drawn flat.
   if (diagram->w >= 0.0 && diagram->h >= 0.0) {
     w = diagram->w;

@@ -24,6 +24,14 @@ class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, Ve
   /// Outline width, in view points, on a board `ps` wide; below 1: not given.
   std::int64_t pixel = 0;
 
+  VelWbVecDiagram() = default;
+  VelWbVecDiagram(const VelWbVecDiagram& other) = default;
+  VelWbVecDiagram(VelWbVecDiagram&& other) = default;
+  VelWbVecDiagram& operator=(const VelWbVecDiagram& other) = default;
+  VelWbVecDiagram& operator=(VelWbVecDiagram&& other) = default;
+  /// Asks for no memory, whatever `points` holds: vectors end while there is none, too.
+  ~VelWbVecDiagram() override;
+
   static const RecordClass& ownClass();
 
   /// As for any box; then a diagram also hands over what it carries, its `ps` included. Its size is

@@ -1,5 +1,7 @@
 #include "VelWhiteBoard/vectors/media_lists.h"
 
+#include <utility>
+
 #include "VelWhiteBoard/foundation/property_table.h"
 
 namespace VelWhiteBoard {
@@ -20,7 +22,9 @@ const RecordClass& VelWbVecMediaList::ownClass() {
 }
 
 void VelWbVecMediaList::merge(const VelWbVecMediaList& other) {
-  if (other.list) list = other.list;
+  if (!other.list) return;
+  auto items = other.list;  // copied first: when that throws, the receiver keeps its own
+  list = std::move(items);
 }
 
 std::map<std::string, const RecordClass*> VelWbVecMediaList::modelContainerPropertyGenericClass() {

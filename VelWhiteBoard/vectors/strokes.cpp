@@ -1,10 +1,12 @@
 #include "VelWhiteBoard/vectors/strokes.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
+#include <optional>
+#include <utility>
 #include <vector>
 
+#include "VelWhiteBoard/foundation/array_owner.h"
 #include "VelWhiteBoard/foundation/property_table.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 #include "VelWhiteBoard/vectors/vector_defines.h"
@@ -20,11 +22,14 @@ constexpr double kNoTime = -1.0;
 
 bool hasTime(Path::Position position) { return position.size() > kTimeElement; }
 
-/// Adds to `path` those of the first `count` positions of `update` that are newer than `threshold`.
-/// `update` may be `path` itself.
-void addNewer(Path& path, double threshold, const Path& update, std::size_t count) {
-  for (std::size_t index = 0; index < count; ++index) {
-    const Path::Position position = update[index];
+/// Adds the positions of `update` to `path` that are newer than `threshold`. `update` must not have
+/// this very path.
+void addNewer(Path& path, double threshold, const VelWbVecPoint& update) {
+  if (!update.path) {
+    if (update.ts > threshold) path.push_back({update.x, update.y, update.ts});
+    return;
+  }
+  for (const Path::Position position : *update.path) {
     if (position.size() < 2) continue;
     if (!hasTime(position)) {
       if (threshold < 0.0) path.push_back(position);
@@ -38,25 +43,27 @@ void addNewer(Path& path, double threshold, const Path& update, std::size_t coun
   }
 }
 
-/// Folds the positions of `update` into the path of `stroke`.
+/// Folds the positions of `update` into the path of `stroke`: all of them, or, when it throws,
+/// none.
 void foldPositions(VelWbVecPoint& stroke, const VelWbVecPoint& update) {
-  // The update may be the stroke itself: look at what it has before the path grows.
-  const std::size_t updatePositions = update.path ? update.path->size() : 0;
-  const bool updateHasPath = update.path.has_value();
-
-  double threshold = stroke.ts;
   if (!stroke.path) {
-    stroke.path.emplace().push_back({stroke.x, stroke.y, stroke.ts});
-  } else {
-    const bool timed = !stroke.path->empty() && hasTime(stroke.path->back());
-    threshold = timed ? stroke.path->back()[kTimeElement] : kNoTime;
+    Path seeded;
+    seeded.push_back({stroke.x, stroke.y, stroke.ts});
+    addNewer(seeded, stroke.ts, update);
+    stroke.path.emplace(std::move(seeded));
+    return;
   }
-
-  if (updateHasPath) {
-    addNewer(*stroke.path, threshold, *update.path, updatePositions);
-  } else if (update.ts > threshold) {
-    stroke.path->push_back({update.x, update.y, update.ts});
+  const bool timed = !stroke.path->empty() && hasTime(stroke.path->back());
+  const double threshold = timed ? stroke.path->back()[kTimeElement] : kNoTime;
+  if (!update.path || (update.path->size() == 1 && &stroke != &update)) {
+    // One position, as nearly all pieces have: adding it either works or changes nothing.
+    addNewer(*stroke.path, threshold, update);
+    return;
   }
+  // A copy takes all of them: it costs little, and the update may be the stroke itself.
+  Path grown = *stroke.path;
+  addNewer(grown, threshold, update);
+  *stroke.path = std::move(grown);
 }
 
 }  // namespace
@@ -100,14 +107,21 @@ const RecordClass& VelWbVecLine::ownClass() {
   return own;
 }
 
+VelWbVecLine::~VelWbVecLine() {
+  if (offset) dismantle(*offset);
+}
+
 void VelWbVecLine::append(const VelWbBaseVector& update) {
-  if (!appendPositions(update)) return;
   const auto* line = recordCast<const VelWbVecLine>(update);
-  if (line == nullptr) return;
+  // Copied first: once the path has grown, nothing may throw any more.
+  ArrayOwner newOffset;
+  if (line != nullptr && line->offset && isSameStroke(update))
+    newOffset = ArrayOwner(*line->offset);
+  if (!appendPositions(update) || line == nullptr) return;
   if (line->pixel >= 1) pixel = line->pixel;
   if (line->ps >= 1) ps = line->ps;
   if (line->widthIndex >= 0) widthIndex = line->widthIndex;
-  offset = line->offset;
+  newOffset.swap(offset);
 }
 
 double VelWbVecLine::lineWidth() const {

@@ -74,6 +74,14 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   /// as they came.
   std::optional<Array> offset;
 
+  VelWbVecLine() = default;
+  VelWbVecLine(const VelWbVecLine& other) = default;
+  VelWbVecLine(VelWbVecLine&& other) = default;
+  VelWbVecLine& operator=(const VelWbVecLine& other) = default;
+  VelWbVecLine& operator=(VelWbVecLine&& other) = default;
+  /// Asks for no memory, whatever `offset` holds: vectors end while there is none, too.
+  ~VelWbVecLine() override;
+
   static const RecordClass& ownClass();
 
   /// As for any positioned record; then a line also hands over its `pixel`, `ps` and `widthIndex`
