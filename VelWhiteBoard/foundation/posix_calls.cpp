@@ -8,6 +8,7 @@
 #include <memory>
 #include <string_view>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -88,6 +89,18 @@ class PosixCalls final : public SystemCalls {
   std::int64_t read(int handle, char* bytes, std::size_t size) override {
     const ssize_t result = ::read(handle, bytes, size);
     return result < 0 ? -errno : result;
+  }
+
+  void expectFilling(char* memory, std::size_t size) override {
+#ifdef MADV_HUGEPAGE
+    // From the first whole page on. What the system answers makes no difference: it is a hint.
+    const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    void* start = memory;
+    if (std::align(pageSize, pageSize, start, size)) ::madvise(start, size, MADV_HUGEPAGE);
+#else
+    static_cast<void>(memory);
+    static_cast<void>(size);
+#endif
   }
 
   std::int64_t write(int handle, const char* bytes, std::size_t size) override {

@@ -56,6 +56,9 @@ class SystemCalls {
 
   /// Answers the number of bytes; 0 is the end of the file.
   virtual std::int64_t read(int handle, char* bytes, std::size_t size) = 0;
+  /// A hint: all of this memory, which nothing has touched yet, is about to be filled. With it the
+  /// system may hand the memory out in large pages, where every small page costs a fault.
+  virtual void expectFilling(char* memory, std::size_t size) = 0;
   /// Answers the number of bytes taken, which may be fewer than given.
   virtual std::int64_t write(int handle, const char* bytes, std::size_t size) = 0;
   /// Makes the file empty.

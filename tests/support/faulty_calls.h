@@ -101,6 +101,7 @@ class FaultyCalls final : public SystemCalls {
   int status(const std::string& path, bool followLinks, FileInfo& info) override;
   int statusOfHandle(int handle, FileInfo& info) override;
   std::int64_t read(int handle, char* bytes, std::size_t size) override;
+  void expectFilling(char* memory, std::size_t size) override { real_.expectFilling(memory, size); }
   std::int64_t write(int handle, const char* bytes, std::size_t size) override;
   int truncate(int handle) override;
   int setPermissions(int handle, std::uint32_t permissions) override;
