@@ -10,6 +10,7 @@
 #include "VelWhiteBoard/foundation/atomic_write.h"
 #include "VelWhiteBoard/foundation/open_handle.h"
 #include "VelWhiteBoard/foundation/remove_tree.h"
+#include "VelWhiteBoard/foundation/temporary_file.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -226,17 +227,16 @@ FileResult DiskFileSystem::makeFolders(const std::string& path) {
   return FileResult::failure(FileStep::kMakeFolder, -result, path.substr(0, end));
 }
 
-FileResult DiskFileSystem::createEmptyFile(const std::string& path) {
-  if (!namesSomething(path)) return namesNothing(FileStep::kOpen, path);
-  const OpenHandle file(calls_, uninterrupted([&] { return calls_.open(path, OpenMode::kEmpty); }));
-  if (!file.isOpen()) return FileResult::failure(FileStep::kOpen, file.error(), path);
-  FileInfo info;
-  if (const int result = requireRegularFile(calls_, file.get(), info); result < 0) {
-    return FileResult::failure(FileStep::kOpen, -result, path);
+FileResult DiskFileSystem::removeUnusedTemporaries(const std::string& folder,
+                                                   std::string_view targetSuffix) {
+  std::vector<std::string> names;
+  FileResult first = list(folder, names);
+  for (const std::string& name : names) {
+    if (!isTemporaryName(name, targetSuffix)) continue;
+    FileResult result = removeUnusedTemporary(calls_, appendPathComponent(folder, name));
+    if (first.ok()) first = std::move(result);
   }
-  const int result = uninterrupted([&] { return calls_.truncate(file.get()); });
-  if (result < 0) return FileResult::failure(FileStep::kWrite, -result, path);
-  return FileResult::success();
+  return first;
 }
 
 FileResult DiskFileSystem::rename(const std::string& from, const std::string& to) {

@@ -35,8 +35,10 @@ int openFlags(OpenMode mode) {
       return O_RDONLY | kAlways;
     case OpenMode::kTemporary:
       return O_RDWR | O_CREAT | O_NOFOLLOW | kAlways;
-    case OpenMode::kEmpty:
-      return O_WRONLY | O_CREAT | kAlways;
+    case OpenMode::kNewTemporary:
+      return O_RDWR | O_CREAT | O_EXCL | kAlways;
+    case OpenMode::kLeftover:
+      return O_RDWR | O_NOFOLLOW | kAlways;
     case OpenMode::kFolder:
       return O_RDONLY | O_DIRECTORY | kAlways;
   }
@@ -124,7 +126,7 @@ class PosixCalls final : public SystemCalls {
     return result;
   }
 
-  int lock(int handle) override { return negatedError(::flock(handle, LOCK_EX)); }
+  int tryLock(int handle) override { return negatedError(::flock(handle, LOCK_EX | LOCK_NB)); }
 
   int unlock(int handle) override { return negatedError(::flock(handle, LOCK_UN)); }
 
