@@ -75,7 +75,7 @@ bool mayBeForgiven(Call call) {
   switch (call) {
     case Call::kClose:
     case Call::kUnlock:
-    case Call::kLock:
+    case Call::kTryLock:
     case Call::kSetPermissions:
     case Call::kStatus:  // the one that asks for the old file's permissions
       return true;
@@ -201,7 +201,7 @@ TEST_F(AtomicWriting, AFolderThatCannotBeSyncedIsNoFailure) {
 }
 
 TEST_F(AtomicWriting, AVolumeWithoutLocksIsWrittenWithoutThem) {
-  calls_.inject(Fault::failingFrom(Call::kLock, 1, ENOLCK));
+  calls_.inject(Fault::failingFrom(Call::kTryLock, 1, ENOLCK));
   EXPECT_TRUE(write("new"));
   EXPECT_EQ(contents(), "new");
   EXPECT_THAT(entries(), ElementsAre("page.plist"));
@@ -260,24 +260,39 @@ TEST_F(AtomicWriting, ATemporaryOfAnotherUserIsClearedAway) {
   EXPECT_EQ(contents(), "new");
 }
 
-TEST_F(AtomicWriting, AnObstacleThatStaysIsAFailure) {
+TEST_F(AtomicWriting, AnObstacleThatStaysIsWrittenAround) {
   ASSERT_TRUE(write("old"));
   fs::create_directory(temporary_);
-  EXPECT_EQ(write("new").step, FileStep::kOpen);
-  calls_.inject(Fault::failingFrom(Call::kOpen, 1, EACCES));
-  EXPECT_EQ(write("new").error, EACCES);
-  EXPECT_EQ(contents(), "old");
+  EXPECT_TRUE(write("around a folder"));
+  EXPECT_EQ(contents(), "around a folder");
   EXPECT_TRUE(fs::is_directory(temporary_));
+  EXPECT_THAT(entries(), UnorderedElementsAre("page.plist", "page.plist.tmp"));
+  fs::remove(temporary_);
+  ASSERT_TRUE(files_.writeAll(temporary_, "of another user"));
+  calls_.inject(Fault::failing(Call::kOpen, 1, EACCES));
+  calls_.inject(Fault::failing(Call::kRemove, 1, EPERM));
+  EXPECT_TRUE(write("around a file"));
+  EXPECT_EQ(contents(), "around a file");
+  EXPECT_EQ(contents("page.plist.tmp"), "of another user");
+}
+
+TEST_F(AtomicWriting, AFolderThatMayNotBeWrittenIsAFailure) {
+  ASSERT_TRUE(write("old"));
+  calls_.inject(Fault::failingFrom(Call::kOpen, 1, EACCES));
+  const FileResult result = write("new");
+  EXPECT_EQ(result.step, FileStep::kOpen);
+  EXPECT_EQ(result.error, EACCES);
+  EXPECT_EQ(contents(), "old");
 }
 
 TEST_F(AtomicWriting, AWriterThatWaitedForAnotherStartsAgainWithATemporaryOfItsOwn) {
   DiskFileSystem other(SystemCalls::posix());
   // Between our opening of the temporary and our lock, the other writer finishes: what we opened
   // has become the page.
-  calls_.before(Call::kLock, 1, [&] { EXPECT_TRUE(other.writeAll(target_, "theirs")); });
+  calls_.before(Call::kTryLock, 1, [&] { EXPECT_TRUE(other.writeAll(target_, "theirs")); });
   calls_.before(Call::kTruncate, 1, [&] { EXPECT_EQ(contents(), "theirs"); });
   EXPECT_TRUE(write("ours"));
-  EXPECT_EQ(calls_.count(Call::kLock), 2);
+  EXPECT_EQ(calls_.count(Call::kTryLock), 2);
   EXPECT_EQ(contents(), "ours");
   EXPECT_THAT(entries(), ElementsAre("page.plist"));
 }

@@ -73,6 +73,34 @@ TEST(FileThreads, WritersOfOneFileInMemoryLeaveOneWholeGeneration) {
   writeAndRead(files, "/page.plist");
 }
 
+TEST(FileThreads, CleaningUpWhileFilesAreWrittenCostsNoWriterItsContents) {
+  const TemporaryFolder folder;
+  DiskFileSystem files(SystemCalls::posix());
+  constexpr int kWrites = 200;
+  std::atomic<int> writing{3};
+  std::vector<std::function<void()>> works;
+  for (const char letter : {'b', 'c', 'd'}) {
+    works.emplace_back([&, letter] {
+      const std::string name = letter == 'b' ? "alone.plist" : "together.plist";
+      for (int i = 0; i < kWrites; ++i) {
+        const FileResult result = files.writeAll(folder.at(name), std::string(1000, letter));
+        EXPECT_TRUE(result) << result.describe();
+      }
+      --writing;
+    });
+  }
+  works.emplace_back([&] {
+    while (writing > 0) {
+      const FileResult result = files.removeUnusedTemporaries(folder.path(), ".plist");
+      EXPECT_TRUE(result) << result.describe();
+    }
+  });
+  together(works);
+  std::vector<std::string> names;
+  EXPECT_TRUE(files.list(folder.path(), names));
+  EXPECT_EQ(names.size(), 2U);
+}
+
 TEST(FileThreads, TheSeamCanBeReplacedWhileOthersUseIt) {
   MemoryFileSystem memory;
   std::atomic<bool> done{false};

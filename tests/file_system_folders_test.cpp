@@ -1,6 +1,7 @@
 // The contract of FileSystem on names and folders, held by every implementation of it.
 #include <cerrno>
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include <gmock/gmock.h>
@@ -80,6 +81,22 @@ TEST_P(Folders, AnEmptyFileIsMadeOrMadeEmpty) {
   expectFailure(files().createEmptyFile(at("d")), FileStep::kOpen, EISDIR);
   expectFailure(files().createEmptyFile(at("missing/f")), FileStep::kOpen, ENOENT);
   EXPECT_THAT(entries(), UnorderedElementsAre("d", "full", "new"));
+}
+
+TEST_P(Folders, AnEmptyFileReplacesTheOldOneWhichItsReadersKeep) {
+  put("f", "contents");
+  std::unique_ptr<OpenedFile> reader;
+  ASSERT_TRUE(files().open(at("f"), reader));
+  EXPECT_TRUE(files().createEmptyFile(at("f")));
+  EXPECT_EQ(contents("f"), "");
+  std::string read;
+  const FileResult result = reader->read([&read](std::string_view block) {
+    read += block;
+    return true;
+  });
+  EXPECT_TRUE(result) << result.describe();
+  EXPECT_EQ(read, "contents");
+  EXPECT_THAT(entries(), ElementsAre("f"));
 }
 
 TEST_P(Folders, RemovingTakesAFolderWithAllItsContents) {
@@ -188,6 +205,28 @@ TEST_P(Folders, RenamingToANewNameNeedsWhatItMovesAndTheFolderItMovesTo) {
   expectFailure(files().renameToNew(at("f"), at("missing/f")), FileStep::kRename, ENOENT);
   expectFailure(files().renameToNew(at("d"), at("d/e")), FileStep::kRename, EINVAL);
   EXPECT_THAT(entries(), UnorderedElementsAre("d", "f"));
+}
+
+TEST_P(Folders, UnusedTemporariesOfTheNamedTargetsAreRemoved) {
+  ASSERT_TRUE(files().makeFolder(at("d")));
+  ASSERT_TRUE(files().makeFolder(at("folder.plist.tmp")));
+  for (const char* name : {"a.plist", "a.plist.tmp", "b.plist.tmp-12", "c.txt.tmp", "c.plist.tmp-x",
+                           "d/below.plist.tmp"}) {
+    put(name, "x");
+  }
+  const FileResult result = files().removeUnusedTemporaries(at(""), ".plist");
+  EXPECT_TRUE(result) << result.describe();
+  EXPECT_THAT(entries(), UnorderedElementsAre("a.plist", "c.txt.tmp", "c.plist.tmp-x", "d",
+                                              "folder.plist.tmp"));
+  EXPECT_THAT(entries(at("d")), ElementsAre("below.plist.tmp"));
+}
+
+TEST_P(Folders, OnlyAFolderIsRidOfTemporaries) {
+  put("f.plist.tmp", "x");
+  expectFailure(files().removeUnusedTemporaries(at("missing"), ".plist"), FileStep::kList, ENOENT);
+  expectFailure(files().removeUnusedTemporaries(at("f.plist.tmp"), ".plist"), FileStep::kList,
+                ENOTDIR);
+  EXPECT_EQ(contents("f.plist.tmp"), "x");
 }
 
 INSTANTIATE_TEST_SUITE_P(Contract, Folders, allImplementations(), nameOfImplementation);

@@ -10,6 +10,7 @@
 #include "VelWhiteBoard/foundation/atomic_write.h"
 #include "VelWhiteBoard/foundation/open_handle.h"
 #include "VelWhiteBoard/foundation/remove_tree.h"
+#include "VelWhiteBoard/foundation/temporary_file.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -43,14 +44,13 @@ FileResult openRegularFile(SystemCalls& calls, const std::string& path, OpenHand
   return FileResult::failure(FileStep::kOpen, -result, path);
 }
 
-// A buffer that is filled by a file of about a known size.
+// A buffer that a file of about a known size is read into.
 class ReadBuffer {
  public:
   // One byte more than the file, so that the read that meets its end needs no larger buffer.
-  explicit ReadBuffer(std::uint64_t fileSize) {
+  ReadBuffer(SystemCalls& calls, std::uint64_t fileSize) : calls_(calls) {
     if (fileSize >= std::numeric_limits<std::size_t>::max()) throw std::bad_alloc();
-    capacity_ = static_cast<std::size_t>(fileSize) + 1;
-    bytes_.reset(new char[capacity_]);  // not make_unique: that would fill it with zeros
+    enlarge(static_cast<std::size_t>(fileSize) + 1);
   }
 
   char* rest() { return bytes_.get() + size_; }
@@ -59,20 +59,25 @@ class ReadBuffer {
   // The next `count` bytes of the rest are filled.
   void advance(std::size_t count) {
     size_ += count;
-    if (size_ == capacity_) grow();
+    if (size_ == capacity_) enlarge(std::max(2 * capacity_, kFileBlockSize));
   }
 
   FileBytes take() { return {std::move(bytes_), size_}; }
 
  private:
-  void grow() {
-    const std::size_t larger = std::max(2 * capacity_, kFileBlockSize);
-    std::unique_ptr<char[]> bytes(new char[larger]);
-    std::memcpy(bytes.get(), bytes_.get(), size_);
+  void enlarge(std::size_t capacity) {
+    // Not make_unique: that would fill it with zeros.
+    std::unique_ptr<char[]> bytes(new char[capacity]);
+    if (capacity >= kLargeBuffer) calls_.expectFilling(bytes.get(), capacity);
+    if (size_ > 0) std::memcpy(bytes.get(), bytes_.get(), size_);
     bytes_ = std::move(bytes);
-    capacity_ = larger;
+    capacity_ = capacity;
   }
 
+  // Large pages are 2 MB on most machines; a smaller buffer has hardly a whole one.
+  static constexpr std::size_t kLargeBuffer = 4 * 1024 * 1024;
+
+  SystemCalls& calls_;
   std::unique_ptr<char[]> bytes_;
   std::size_t capacity_ = 0;
   std::size_t size_ = 0;
@@ -140,7 +145,7 @@ FileResult DiskFileSystem::readBytes(const std::string& path, FileBytes& bytes) 
   FileInfo info;
   const FileResult opened = openRegularFile(calls_, path, file, info);
   if (!opened.ok()) return opened;
-  ReadBuffer buffer(info.size);
+  ReadBuffer buffer(calls_, info.size);
   for (;;) {
     const std::int64_t count =
         uninterrupted([&] { return calls_.read(file.get(), buffer.rest(), buffer.restSize()); });
@@ -222,17 +227,16 @@ FileResult DiskFileSystem::makeFolders(const std::string& path) {
   return FileResult::failure(FileStep::kMakeFolder, -result, path.substr(0, end));
 }
 
-FileResult DiskFileSystem::createEmptyFile(const std::string& path) {
-  if (!namesSomething(path)) return namesNothing(FileStep::kOpen, path);
-  const OpenHandle file(calls_, uninterrupted([&] { return calls_.open(path, OpenMode::kEmpty); }));
-  if (!file.isOpen()) return FileResult::failure(FileStep::kOpen, file.error(), path);
-  FileInfo info;
-  if (const int result = requireRegularFile(calls_, file.get(), info); result < 0) {
-    return FileResult::failure(FileStep::kOpen, -result, path);
+FileResult DiskFileSystem::removeUnusedTemporaries(const std::string& folder,
+                                                   std::string_view targetSuffix) {
+  std::vector<std::string> names;
+  FileResult first = list(folder, names);
+  for (const std::string& name : names) {
+    if (!isTemporaryName(name, targetSuffix)) continue;
+    FileResult result = removeUnusedTemporary(calls_, appendPathComponent(folder, name));
+    if (first.ok()) first = std::move(result);
   }
-  const int result = uninterrupted([&] { return calls_.truncate(file.get()); });
-  if (result < 0) return FileResult::failure(FileStep::kWrite, -result, path);
-  return FileResult::success();
+  return first;
 }
 
 FileResult DiskFileSystem::rename(const std::string& from, const std::string& to) {

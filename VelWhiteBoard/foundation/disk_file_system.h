@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "VelWhiteBoard/foundation/file_system.h"
@@ -25,7 +26,8 @@ class DiskFileSystem final : public FileSystem {
   FileResult list(const std::string& path, std::vector<std::string>& names) override;
   FileResult makeFolder(const std::string& path) override;
   FileResult makeFolders(const std::string& path) override;
-  FileResult createEmptyFile(const std::string& path) override;
+  FileResult removeUnusedTemporaries(const std::string& folder,
+                                     std::string_view targetSuffix) override;
   FileResult rename(const std::string& from, const std::string& to) override;
   FileResult renameToNew(const std::string& from, const std::string& to) override;
 

@@ -1,6 +1,7 @@
 #include "VelWhiteBoard/foundation/file_system.h"
 
 #include <atomic>
+#include <cerrno>
 #include <system_error>
 
 #include "VelWhiteBoard/foundation/disk_file_system.h"
@@ -82,6 +83,18 @@ FileResult FileSystem::readAll(const std::string& path, std::string& contents) {
     contents.append(block);
     return true;
   });
+}
+
+FileResult FileSystem::createEmptyFile(const std::string& path) {
+  FileStatus found;
+  const bool isKnown = status(path, found).ok();  // if not, the write says why
+  if (path.ends_with(kSeparator) || (isKnown && found.kind == FileKind::kFolder)) {
+    return FileResult::failure(FileStep::kOpen, EISDIR, path);
+  }
+  if (isKnown && found.kind == FileKind::kOther) {
+    return FileResult::failure(FileStep::kOpen, EINVAL, path);
+  }
+  return writeAtomically(path, [](const BlockConsumer&) { return true; });
 }
 
 FileResult FileSystem::writeAll(const std::string& path, std::string_view contents) {

@@ -73,17 +73,19 @@ std::string_view fileStepName(FileStep step);
 /// the write has failed already and that the rest need not be produced.
 using BlockConsumer = std::function<bool(std::string_view block)>;
 
-/// Makes the contents of a file by calling its argument piece by piece, in pieces of any size.
+/// Makes the contents of a file by calling its argument piece by piece. Pieces may have any size,
+/// but each is written by itself: small ones should be gathered into blocks of `kFileBlockSize`.
 /// False means that the contents could not be made: then nothing is replaced.
 using ContentProducer = std::function<bool(const BlockConsumer& write)>;
 
-/// The largest piece that `FileSystem::read` hands over, and the size in which writes reach the
-/// disk. Large enough that the number of calls does not matter, small enough for any thread.
+/// The largest piece that `FileSystem::read` hands over, and the size in which to write. Large
+/// enough that the number of calls does not matter, small enough for any thread.
 inline constexpr std::size_t kFileBlockSize = 64 * 1024;
 
-/// What `FileSystem::writeAtomically` appends to the target's name for its temporary. One fixed
-/// name per target: what a crash leaves behind is used again by the next write instead of piling
-/// up. It does not end in ".plist", so a leftover is never taken for a page.
+/// What `FileSystem::writeAtomically` appends to the target's name for its temporary. All writers
+/// of a target use this name: what a crash leaves behind is used again by the next write instead of
+/// piling up. Only when the name cannot be had, "-1" or a higher number is added. None of these
+/// names ends in ".plist", so a leftover is never taken for a page.
 inline constexpr std::string_view kTemporarySuffix = ".tmp";
 
 /// A regular file that has been opened for reading. It stays what it was, even when the path gets
@@ -138,8 +140,12 @@ class FileSystem {
   /// The new contents go into `path` + `kTemporarySuffix` in the same folder, are synced, renamed
   /// over the target, and the folder is synced. On any failure before the rename the temporary is
   /// removed and the old file is untouched. The permissions of a replaced file are kept; a symbolic
-  /// link at `path` is replaced, not followed. The folder must exist. Writers of the same target,
-  /// in this process or another, take turns. `produce` must not write the same target itself.
+  /// link at `path` is replaced, not followed. The folder must exist. `produce` must not write the
+  /// same target itself.
+  ///
+  /// Writers of the same target, in this process or another, take turns. One that has waited for a
+  /// second goes ahead with a temporary of its own; then the contents that are renamed last stay,
+  /// even when they are the older ones.
   virtual FileResult writeAtomically(const std::string& path, const ContentProducer& produce) = 0;
 
   /// Removes a file, or a folder with all that it contains; symbolic links are removed, never
@@ -158,8 +164,12 @@ class FileSystem {
   /// Made folders are not synced: callers of this must not wait for a disk.
   virtual FileResult makeFolders(const std::string& path) = 0;
 
-  /// Leaves an empty regular file at `path`: a new one, or the existing one emptied.
-  virtual FileResult createEmptyFile(const std::string& path) = 0;
+  /// Removes from a folder the temporaries that writes of `writeAtomically` left when their process
+  /// was killed: those of targets whose name ends in `targetSuffix`. One that a writer uses now, in
+  /// this process or another, stays, and so does everything that is not a file. Costs one listing
+  /// of the folder when there is none. Reports the first failure.
+  virtual FileResult removeUnusedTemporaries(const std::string& folder,
+                                             std::string_view targetSuffix) = 0;
 
   /// Moves a file or folder within one volume. A file at `to` is replaced.
   virtual FileResult rename(const std::string& from, const std::string& to) = 0;
@@ -180,6 +190,9 @@ class FileSystem {
   FileResult read(const std::string& path, const BlockConsumer& consume);
   /// Appends the whole of a regular file to `contents`. On failure `contents` holds what was read.
   FileResult readAll(const std::string& path, std::string& contents);
+  /// Leaves an empty regular file at `path`: a new one, or one that replaces the file there, see
+  /// `writeAtomically`. A folder or a special file at `path` is a failure.
+  FileResult createEmptyFile(const std::string& path);
   /// `writeAtomically` with contents that lie in memory.
   FileResult writeAll(const std::string& path, std::string_view contents);
 

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string_view>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,8 +35,10 @@ int openFlags(OpenMode mode) {
       return O_RDONLY | kAlways;
     case OpenMode::kTemporary:
       return O_RDWR | O_CREAT | O_NOFOLLOW | kAlways;
-    case OpenMode::kEmpty:
-      return O_WRONLY | O_CREAT | kAlways;
+    case OpenMode::kNewTemporary:
+      return O_RDWR | O_CREAT | O_EXCL | kAlways;
+    case OpenMode::kLeftover:
+      return O_RDWR | O_NOFOLLOW | kAlways;
     case OpenMode::kFolder:
       return O_RDONLY | O_DIRECTORY | kAlways;
   }
@@ -90,6 +93,18 @@ class PosixCalls final : public SystemCalls {
     return result < 0 ? -errno : result;
   }
 
+  void expectFilling(char* memory, std::size_t size) override {
+#ifdef MADV_HUGEPAGE
+    // From the first whole page on. What the system answers makes no difference: it is a hint.
+    const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    void* start = memory;
+    if (std::align(pageSize, pageSize, start, size)) ::madvise(start, size, MADV_HUGEPAGE);
+#else
+    static_cast<void>(memory);
+    static_cast<void>(size);
+#endif
+  }
+
   std::int64_t write(int handle, const char* bytes, std::size_t size) override {
     const ssize_t result = ::write(handle, bytes, size);
     return result < 0 ? -errno : result;
@@ -111,7 +126,7 @@ class PosixCalls final : public SystemCalls {
     return result;
   }
 
-  int lock(int handle) override { return negatedError(::flock(handle, LOCK_EX)); }
+  int tryLock(int handle) override { return negatedError(::flock(handle, LOCK_EX | LOCK_NB)); }
 
   int unlock(int handle) override { return negatedError(::flock(handle, LOCK_UN)); }
 

@@ -21,10 +21,11 @@ struct FileInfo {
 
 /// What a file is opened for. None of these ever waits: a pipe nobody writes to opens at once.
 enum class OpenMode {
-  kRead,       ///< for reading
-  kTemporary,  ///< for reading and writing, made when missing, never through a symbolic link
-  kEmpty,      ///< for writing, made when missing
-  kFolder,     ///< a folder, for listing
+  kRead,          ///< for reading
+  kTemporary,     ///< for reading and writing, made when missing, never through a symbolic link
+  kNewTemporary,  ///< the same, but fails with -EEXIST when anything lies there
+  kLeftover,      ///< for reading and writing, never through a symbolic link, never made
+  kFolder,        ///< a folder, for listing
 };
 
 /// The calls that the disk implementation of FileSystem makes, one function each.
@@ -56,6 +57,9 @@ class SystemCalls {
 
   /// Answers the number of bytes; 0 is the end of the file.
   virtual std::int64_t read(int handle, char* bytes, std::size_t size) = 0;
+  /// A hint: all of this memory, which nothing has touched yet, is about to be filled. With it the
+  /// system may hand the memory out in large pages, where every small page costs a fault.
+  virtual void expectFilling(char* memory, std::size_t size) = 0;
   /// Answers the number of bytes taken, which may be fewer than given.
   virtual std::int64_t write(int handle, const char* bytes, std::size_t size) = 0;
   /// Makes the file empty.
@@ -66,8 +70,9 @@ class SystemCalls {
   /// Waits until the folder's entries are on the disk.
   virtual int syncFolder(const std::string& path) = 0;
 
-  /// Waits until nobody else, in any process, holds the lock of this file.
-  virtual int lock(int handle) = 0;
+  /// Takes the lock of this file; -EWOULDBLOCK while it is held through another opening of the
+  /// file, in this process or another. Never waits.
+  virtual int tryLock(int handle) = 0;
   virtual int unlock(int handle) = 0;
 
   virtual int rename(const std::string& from, const std::string& to) = 0;

@@ -8,8 +8,8 @@ namespace VelWhiteBoard {
 
 std::string_view callName(Call call) {
   constexpr std::array<std::string_view, kAllCalls.size()> kNames = {
-      "open",     "openFolder",     "close",      "status",     "read", "write",
-      "truncate", "setPermissions", "sync",       "syncFolder", "lock", "unlock",
+      "open",     "openFolder",     "close",      "status",     "read",    "write",
+      "truncate", "setPermissions", "sync",       "syncFolder", "tryLock", "unlock",
       "rename",   "renameToNew",    "makeFolder", "remove",     "list"};
   return kNames[static_cast<std::size_t>(call)];
 }
@@ -160,8 +160,8 @@ int FaultyCalls::syncFolder(const std::string& path) {
   return through(Call::kSyncFolder, [&] { return real_.syncFolder(path); });
 }
 
-int FaultyCalls::lock(int handle) {
-  return through(Call::kLock, [&] { return real_.lock(handle); });
+int FaultyCalls::tryLock(int handle) {
+  return through(Call::kTryLock, [&] { return real_.tryLock(handle); });
 }
 
 int FaultyCalls::unlock(int handle) {

@@ -29,7 +29,7 @@ enum class Call {
   kSetPermissions,
   kSync,
   kSyncFolder,
-  kLock,
+  kTryLock,
   kUnlock,
   kRename,
   kRenameToNew,
@@ -39,10 +39,10 @@ enum class Call {
 };
 
 inline constexpr std::array kAllCalls = {
-    Call::kOpen,   Call::kOpenFolder, Call::kClose,          Call::kStatus,      Call::kRead,
-    Call::kWrite,  Call::kTruncate,   Call::kSetPermissions, Call::kSync,        Call::kSyncFolder,
-    Call::kLock,   Call::kUnlock,     Call::kRename,         Call::kRenameToNew, Call::kMakeFolder,
-    Call::kRemove, Call::kList};
+    Call::kOpen,    Call::kOpenFolder, Call::kClose,          Call::kStatus,      Call::kRead,
+    Call::kWrite,   Call::kTruncate,   Call::kSetPermissions, Call::kSync,        Call::kSyncFolder,
+    Call::kTryLock, Call::kUnlock,     Call::kRename,         Call::kRenameToNew, Call::kMakeFolder,
+    Call::kRemove,  Call::kList};
 
 std::string_view callName(Call call);
 
@@ -101,12 +101,13 @@ class FaultyCalls final : public SystemCalls {
   int status(const std::string& path, bool followLinks, FileInfo& info) override;
   int statusOfHandle(int handle, FileInfo& info) override;
   std::int64_t read(int handle, char* bytes, std::size_t size) override;
+  void expectFilling(char* memory, std::size_t size) override { real_.expectFilling(memory, size); }
   std::int64_t write(int handle, const char* bytes, std::size_t size) override;
   int truncate(int handle) override;
   int setPermissions(int handle, std::uint32_t permissions) override;
   int sync(int handle) override;
   int syncFolder(const std::string& path) override;
-  int lock(int handle) override;
+  int tryLock(int handle) override;
   int unlock(int handle) override;
   int rename(const std::string& from, const std::string& to) override;
   int renameToNew(const std::string& from, const std::string& to) override;

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "VelWhiteBoard/foundation/temporary_file.h"
+
 namespace VelWhiteBoard {
 namespace {
 
@@ -202,13 +204,18 @@ FileResult MemoryFileSystem::makeFolders(const std::string& path) {
   return FileResult::success();
 }
 
-FileResult MemoryFileSystem::createEmptyFile(const std::string& path) {
-  if (!namesSomething(path)) return FileResult::failure(FileStep::kOpen, ENOENT, path);
+FileResult MemoryFileSystem::removeUnusedTemporaries(const std::string& folder,
+                                                     std::string_view targetSuffix) {
+  std::vector<std::string> names;
+  FileResult listed = list(folder, names);
   const std::lock_guard<std::mutex> lock(mutex_);
-  const std::string key = keyOf(path);
-  const int result = path.back() == '/' ? -EISDIR : writable(key);
-  if (result >= 0) nodes_[key].contents.clear();
-  return outcome(FileStep::kOpen, result, path);
+  // No write here ever leaves one, and none is in use: those that lie there were put there.
+  for (const std::string& name : names) {
+    const auto found = nodes_.find(keyOf(folder) + "/" + name);
+    const bool isFile = found != nodes_.end() && !found->second.isFolder;
+    if (isFile && isTemporaryName(name, targetSuffix)) nodes_.erase(found);
+  }
+  return listed;
 }
 
 int MemoryFileSystem::move(const std::string& from, const std::string& to) {

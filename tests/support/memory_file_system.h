@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "VelWhiteBoard/foundation/file_system.h"
@@ -26,7 +27,8 @@ class MemoryFileSystem final : public FileSystem {
   FileResult list(const std::string& path, std::vector<std::string>& names) override;
   FileResult makeFolder(const std::string& path) override;
   FileResult makeFolders(const std::string& path) override;
-  FileResult createEmptyFile(const std::string& path) override;
+  FileResult removeUnusedTemporaries(const std::string& folder,
+                                     std::string_view targetSuffix) override;
   FileResult rename(const std::string& from, const std::string& to) override;
   FileResult renameToNew(const std::string& from, const std::string& to) override;
 
