@@ -1,5 +1,6 @@
 // Appending vectors to any page.
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 #include <utility>
@@ -18,11 +19,11 @@ constexpr std::size_t kVectorsAtATime = 256;
 
 }  // namespace
 
-/// A batch of vectors for one page that is not current. No other batch is appended to that page, and
-/// the page is neither made current nor cleared, as long as this object lives.
+/// A batch of vectors for one page that is not current.
 class VWBVectorStorage::State::Batch {
  public:
-  Batch(State& state, const VelWbVecSwitchPage& page);
+  Batch(State& state, const VelWbVecSwitchPage& page)
+      : state_(state), page_(page), key_(page.pageInfo()) {}
   ~Batch();
   Batch(const Batch&) = delete;
   Batch& operator=(const Batch&) = delete;
@@ -32,6 +33,12 @@ class VWBVectorStorage::State::Batch {
   bool append(std::span<const VectorPtr> vectors);
 
  private:
+  /// Waits for the turn of this batch. Until it ends, no other batch is appended to the page, and
+  /// the page is neither made current nor cleared.
+  void begin() VELWHITEBOARD_EXCLUDES(state_.guard);
+  void end() noexcept VELWHITEBOARD_EXCLUDES(state_.guard);
+  /// Reads what is not cached, and begins; once more when the page was cleared in between.
+  ReadPage readAndBegin() VELWHITEBOARD_EXCLUDES(state_.guard);
   void applySome(std::span<const VectorPtr>& rest, CachedPage& page)
       VELWHITEBOARD_REQUIRES(state_.guard);
   void undo(CachedPage& page) noexcept VELWHITEBOARD_REQUIRES(state_.guard);
@@ -46,18 +53,33 @@ class VWBVectorStorage::State::Batch {
   /// Which of them the page had before it was read for the batch.
   bool hadSnap_ = false;
   bool hadWhole_ = false;
+  bool hasBegun_ = false;
 };
 
-VWBVectorStorage::State::Batch::Batch(State& state, const VelWbVecSwitchPage& page)
-    : state_(state), page_(page), key_(page.pageInfo()) {
+VWBVectorStorage::State::Batch::~Batch() { end(); }
+
+void VWBVectorStorage::State::Batch::begin() {
   const MutexHold hold(state_.guard);
   while (!state_.busyPages.insert(key_).second) state_.batchEnded.wait(state_.guard);
+  hasBegun_ = true;
 }
 
-VWBVectorStorage::State::Batch::~Batch() {
+void VWBVectorStorage::State::Batch::end() noexcept {
+  if (!std::exchange(hasBegun_, false)) return;
   const MutexHold hold(state_.guard);
   state_.busyPages.erase(key_);
   state_.batchEnded.notifyAll();
+}
+
+ReadPage VWBVectorStorage::State::Batch::readAndBegin() {
+  for (;;) {
+    const std::uint64_t clearings = state_.clearings;
+    state_.waitForPageFiles(key_);
+    ReadPage read = state_.readLists(key_);
+    begin();
+    if (clearings == state_.clearings) return read;
+    end();
+  }
 }
 
 void VWBVectorStorage::State::Batch::applySome(std::span<const VectorPtr>& rest, CachedPage& page) {
@@ -88,8 +110,7 @@ void VWBVectorStorage::State::Batch::undo(CachedPage& page) noexcept {
 }
 
 bool VWBVectorStorage::State::Batch::append(std::span<const VectorPtr> vectors) {
-  state_.waitForPageFiles(key_);
-  ReadPage read = state_.readLists(key_);
+  ReadPage read = readAndBegin();
   WriteBacklog::Prepared write;
   for (bool isFirst = true; isFirst || !vectors.empty(); isFirst = false) {
     if (!isFirst) state_.guard.giveWay();

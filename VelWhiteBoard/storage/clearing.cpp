@@ -60,6 +60,7 @@ void VWBVectorStorage::State::clearPage(const VelWbVecSwitchPage& page, const st
   }
   const auto operation = OperationQueue::makeOperation([removal] { removal->run(); });
   // From here on nothing can throw.
+  ++clearings;
   std::erase(pageCacheList, key);
   cleared = cache.take(key);
   if (currentPage && isSamePage(page, *currentPage)) {

@@ -93,8 +93,9 @@ void KnownFile::replace(Era queued, const AddRecords& addAll) {
 
 void KnownFile::remove() {
   FileSystem& files = FileSystem::current();
-  // The temporary goes first, so that a crash in between cannot leave it alone.
-  static_cast<void>(files.removeRecursively(path_ + std::string(kTemporarySuffix)));
+  // The temporaries go first, so that a crash in between cannot leave them alone.
+  const std::size_t name = path_.rfind('/') + 1;
+  static_cast<void>(files.removeUnusedTemporaries(path_.substr(0, name), path_.substr(name)));
   VWBPathManager::sharedManager().removeFolderOrFile(path_);
   hasBeenRemoved();
 }

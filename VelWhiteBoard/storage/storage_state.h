@@ -75,6 +75,8 @@ struct VWBVectorStorage::State {
   /// Pages to which a batch is being appended, and the end of each batch.
   std::set<std::string> busyPages VELWHITEBOARD_GUARDED_BY(guard);
   Condition batchEnded;
+  /// How often pages have been cleared: what was read of one before is not to be cached after.
+  std::atomic<std::uint64_t> clearings = 0;
 
   class ShortOperation;
   class LongOperation;

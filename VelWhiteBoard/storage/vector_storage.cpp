@@ -21,6 +21,7 @@ std::shared_ptr<VWBVectorStorage> VWBVectorStorage::initWithPath(const std::stri
   storage->setFolder(boardFolder(path));
   storage->setSaveQueue(std::move(queue));
   storage->reload();
+  static_cast<void>(FileSystem::current().removeUnusedTemporaries(storage->folder(), ".plist"));
   return storage;
 }
 
