@@ -4,60 +4,77 @@
 #include <unistd.h>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/strand.h"
-#include "VelWhiteBoard/foundation/thread_pool.h"
+#include "VelWhiteBoard/foundation/operation.h"
+#include "VelWhiteBoard/foundation/queue_state.h"
+#include "VelWhiteBoard/foundation/shared_threads.h"
 
 namespace VelWhiteBoard {
 namespace {
 
-/// Lets nothing that was added get lost when the process ends.
+/// Loses nothing that was added when the process ends.
 class DrainAtExit {
  public:
-  explicit DrainAtExit(ThreadPool& pool) : pool_(pool) {}
+  explicit DrainAtExit(SharedThreads& threads) : threads_(threads) {}
   ~DrainAtExit() {
     // A forked child has a copy of the queues but not the threads. Its parent runs the operations;
-    // here there is nobody to wait for.
-    if (::getpid() != owner_) return;
-    Strand::leaveOperationsOfThisThread();
-    pool_.drain();
+    // the child has no thread to wait for.
+    if (::getpid() == owner_) threads_.drain();
   }
   DrainAtExit(const DrainAtExit&) = delete;
   DrainAtExit& operator=(const DrainAtExit&) = delete;
 
  private:
-  ThreadPool& pool_;
+  SharedThreads& threads_;
   const ::pid_t owner_ = ::getpid();
 };
 
-ThreadPool& sharedPool() {
-  // The pool itself is never destroyed: static objects may add operations from their destructors.
-  static auto* const pool = new ThreadPool;
-  static const DrainAtExit drain(*pool);
-  return *pool;
+SharedThreads& sharedThreads() {
+  // Never destroyed: static objects may add operations from their destructors.
+  static auto* const threads = new SharedThreads;
+  static const DrainAtExit drain(*threads);
+  return *threads;
 }
 
 }  // namespace
 
-OperationQueue::OperationQueue() : strand_(std::make_shared<Strand>(sharedPool())) {}
+OperationQueue::OperationQueue() : state_(std::make_shared<QueueState>(sharedThreads())) {}
 
 OperationQueue::~OperationQueue() = default;
 
-// Each of the three keeps the strand alive by itself: the queue may be gone before the call
-// returns.
+// The following keep the state alive by themselves: the queue may be gone before the call returns.
 
-void OperationQueue::addOperationWithBlock(std::function<void()> operation) {
-  const std::shared_ptr<Strand> strand = strand_;
-  strand->add(std::move(operation));
+void OperationQueue::addOperationWithBlock(std::function<void()> work) {
+  addOperation(makeOperation(std::move(work)));
+}
+
+OperationQueue::OperationPtr OperationQueue::makeOperation(std::function<void()> work) {
+  return work ? std::make_shared<Operation>(std::move(work)) : nullptr;
+}
+
+void OperationQueue::addOperation(const OperationPtr& operation) noexcept {
+  const std::shared_ptr<QueueState> state = state_;
+  state->add(operation);
+}
+
+bool OperationQueue::removeOperation(const OperationPtr& operation) noexcept {
+  const std::shared_ptr<QueueState> state = state_;
+  return state->remove(operation);
 }
 
 void OperationQueue::setMaxConcurrentOperationCount(int count) {
-  const std::shared_ptr<Strand> strand = strand_;
-  strand->setLimit(count < 1 ? 1 : static_cast<std::size_t>(count));
+  const std::shared_ptr<QueueState> state = state_;
+  state->setLimit(count < 1 ? 1 : static_cast<std::size_t>(count));
 }
 
 void OperationQueue::waitUntilAllOperationsAreFinished() {
-  const std::shared_ptr<Strand> strand = strand_;
-  strand->waitUntilIdle();
+  const std::shared_ptr<QueueState> state = state_;
+  state->waitUntilIdle();
 }
+
+std::uint64_t OperationQueue::progress() const noexcept { return state_->progress(); }
+
+void OperationQueue::reportProgress() noexcept { QueueState::reportProgress(); }
+
+bool OperationQueue::isThisThreadInside() const noexcept { return state_->isThisThreadInside(); }
 
 }  // namespace VelWhiteBoard

@@ -2,6 +2,7 @@
 /// Work that runs in the background, in order.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -9,42 +10,58 @@
 
 namespace VelWhiteBoard {
 
-class Strand;
+class QueueState;
 
 /// A queue of operations that run in the background in the order in which they were added.
 ///
 /// All queues share a few threads, started when first needed: as many as there are queues with work
 /// at one time, at most 8. An operation that hangs, on a dead disk for instance, thus holds up its
-/// own queue and one thread, not the others. An idle queue is a few hundred bytes.
+/// own queue and one thread, not the others. An idle queue takes a few hundred bytes.
 ///
 /// Dropping a queue cancels nothing: what was added runs to its end, and each operation must own
 /// what it works on. A queue may be dropped by one of its own operations.
 ///
 /// When the process ends by returning from `main` or by `std::exit`, everything that was added, to
 /// whichever queue, still runs before the process is gone, so an operation that never ends keeps
-/// the process. Operations added later than that, by destructors of static objects, run on the
-/// adding thread before the call returns. Objects of static storage made after the first queue are
-/// gone when the last operations run. `std::_Exit`, `std::quick_exit` and `abort` wait for nothing.
-/// Forking is not supported: a child must not use queues, and neither runs nor awaits what its
-/// parent added.
+/// the process. Objects of static storage made after the first queue are gone when the last
+/// operations run. `std::_Exit`, `std::quick_exit` and `abort` wait for nothing. Forking is not
+/// supported: a child must not use queues, and neither runs nor awaits what its parent added.
 ///
 /// Every member function may be called from any thread, from inside an operation too.
 class VELWHITEBOARD_EXPORT OperationQueue {
  public:
+  /// An operation that was made before it is added, so that adding it needs no memory.
+  class Operation;
+  using OperationPtr = std::shared_ptr<Operation>;
+
   /// An empty queue that runs one operation at a time.
   OperationQueue();
   ~OperationQueue();
   OperationQueue(const OperationQueue&) = delete;
   OperationQueue& operator=(const OperationQueue&) = delete;
 
-  /// Adds an operation behind those already there and returns without waiting for it.
+  /// Adds an operation behind those already there and returns without waiting for it. The same as
+  /// `addOperation(makeOperation(work))`.
+  void addOperationWithBlock(std::function<void()> work);
+
+  /// Makes an operation that belongs to no queue yet. Null when the function is null. Throws
+  /// `std::bad_alloc`, as copying the function may, and nothing else.
+  static OperationPtr makeOperation(std::function<void()> work);
+
+  /// Adds an operation behind those already there and returns without waiting for it. It takes no
+  /// memory and cannot fail. Each operation is added once; null, and an operation that was added
+  /// before, are ignored.
   ///
-  /// A null function is ignored. An exception that leaves the operation is swallowed, and the queue
-  /// goes on with the next. What the operation holds is released as soon as it has run, before it
-  /// counts as finished. When the system grants the process no background thread at all, the
-  /// operation runs on the adding thread before the call returns; one that an operation adds there
-  /// runs behind it.
-  void addOperationWithBlock(std::function<void()> operation);
+  /// An exception that leaves the operation is swallowed, and the queue goes on with the next. What
+  /// the operation holds is released as soon as it has run, before it counts as finished. When the
+  /// system grants the process no background thread at all, the operation runs on the adding thread
+  /// before the call returns; one that an operation adds there runs behind it.
+  void addOperation(const OperationPtr& operation) noexcept;
+
+  /// Takes an operation back. True: it had not begun, and will not run; what it holds is released
+  /// with the last reference to it. False: it has begun or has run, or is not of this queue. Takes
+  /// the same time however many operations wait.
+  bool removeOperation(const OperationPtr& operation) noexcept;
 
   /// How many operations may run at the same time; initially 1. A count below 1 is taken as 1.
   /// Above 1, operations are started in order but may end in any. Operations that already run are
@@ -56,8 +73,19 @@ class VELWHITEBOARD_EXPORT OperationQueue {
   /// never end.
   void waitUntilAllOperationsAreFinished();
 
+  /// A number that changes whenever an operation of this queue ends, and whenever a running one
+  /// reports progress. A caller that sees it unchanged for a while knows that the queue is stuck.
+  std::uint64_t progress() const noexcept;
+
+  /// Called by an operation, on the thread that runs it: the work goes on, for instance because a
+  /// block was written. Costs next to nothing. Outside operations it has no effect.
+  static void reportProgress() noexcept;
+
+  /// Whether the calling thread is inside an operation of this queue.
+  bool isThisThreadInside() const noexcept;
+
  private:
-  std::shared_ptr<Strand> strand_;
+  std::shared_ptr<QueueState> state_;
 };
 
 }  // namespace VelWhiteBoard
