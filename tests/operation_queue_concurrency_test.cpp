@@ -65,6 +65,32 @@ TEST(OperationQueueConcurrency, ChangingTheCountLosesNothing) {
   EXPECT_EQ(count, 6000);
 }
 
+TEST(OperationQueueConcurrency, EachOperationEitherRunsOrIsRemoved) {
+  constexpr int kOperations = 2000;
+  OperationQueue queue;
+  std::atomic<int> ran{0};
+  std::atomic<int> removed{0};
+  std::vector<OperationQueue::OperationPtr> operations;
+  for (int i = 0; i < kOperations; ++i) {
+    operations.push_back(OperationQueue::makeOperation([&] {
+      OperationQueue::reportProgress();
+      ++ran;
+    }));
+  }
+  together(kThreads, [&](int thread) {
+    for (const auto& operation : operations) {
+      if (thread % 2 == 0) {
+        queue.addOperation(operation);  // one of the two threads is the first
+      } else if (queue.removeOperation(operation)) {
+        ++removed;
+      }
+      static_cast<void>(queue.progress());
+    }
+  });
+  queue.waitUntilAllOperationsAreFinished();
+  EXPECT_EQ(ran + removed, kOperations);
+}
+
 TEST(OperationQueueConcurrency, QueuesMayComeAndGoOnEveryThread) {
   constexpr int kQueues = 300;
   std::atomic<int> count{0};

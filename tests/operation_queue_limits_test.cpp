@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "VelWhiteBoard/foundation/operation_queue.h"
-#include "VelWhiteBoard/foundation/thread_pool.h"
+#include "VelWhiteBoard/foundation/shared_threads.h"
 
 #include "tests/support/gate.h"
 
@@ -117,7 +117,7 @@ TEST(OperationQueueLimits, ALowerCountHoldsForWhatHasNotBegun) {
 
 TEST(OperationQueueLimits, QueuesThatHangDoNotHoldUpAnother) {
   Gate gate;
-  std::vector<OperationQueue> hanging(ThreadPool::kMaxThreads - 1);
+  std::vector<OperationQueue> hanging(SharedThreads::kMaxThreads - 1);
   for (OperationQueue& queue : hanging) queue.addOperationWithBlock([&] { gate.pass(); });
   OperationQueue queue;
   bool hasRun = false;

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "VelWhiteBoard/foundation/operation_queue.h"
-#include "VelWhiteBoard/foundation/thread_pool.h"
+#include "VelWhiteBoard/foundation/shared_threads.h"
 
 #include "tests/support/gate.h"
 
@@ -84,9 +84,9 @@ void addChain(OperationQueue& queue, int left) {
 }
 
 /// Ends the process inside an operation that a waiting operation of another queue runs: all other
-/// threads of the pool hang, so nobody else can.
+/// shared threads hang, so no other can.
 [[noreturn]] void endInsideAnOperationThatAnotherWaitsFor() {
-  constexpr int kOtherThreads = static_cast<int>(ThreadPool::kMaxThreads) - 1;
+  constexpr int kOtherThreads = static_cast<int>(SharedThreads::kMaxThreads) - 1;
   static OperationQueue* const waiting = new OperationQueue;
   static auto* const hanging = new std::vector<OperationQueue>(kOtherThreads);
   addsWhileItIsDestroyed.queue = std::make_unique<OperationQueue>();

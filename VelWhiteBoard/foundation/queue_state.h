@@ -1,0 +1,76 @@
+/// @file
+/// The operations of one queue.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <list>
+#include <memory>
+
+#include "VelWhiteBoard/foundation/mutex.h"
+#include "VelWhiteBoard/foundation/operation.h"
+#include "VelWhiteBoard/foundation/operation_queue.h"
+#include "VelWhiteBoard/foundation/shared_threads.h"
+
+namespace VelWhiteBoard {
+
+/// What stands behind an `OperationQueue`; see there for what its operations promise.
+///
+/// Owned by its queue and by its operations, so it lives until the last of them has run. Make it
+/// with `std::make_shared`. The caller of a member function keeps it alive.
+class QueueState : public std::enable_shared_from_this<QueueState> {
+ public:
+  using Operation = OperationQueue::Operation;
+  using OperationPtr = OperationQueue::OperationPtr;
+
+  /// @param threads must outlive the queue.
+  explicit QueueState(SharedThreads& threads);
+  QueueState(const QueueState&) = delete;
+  QueueState& operator=(const QueueState&) = delete;
+
+  void add(const OperationPtr& operation) noexcept VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
+  bool remove(const OperationPtr& operation) noexcept VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
+  /// @param limit how many operations may run at the same time, at least 1.
+  void setLimit(std::size_t limit) VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
+  void waitUntilIdle() VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
+
+  std::uint64_t progress() const noexcept { return progress_.load(std::memory_order_relaxed); }
+  static void reportProgress() noexcept;
+  bool isThisThreadInside() const noexcept;
+
+  /// Whether an operation waits that may run now.
+  bool canStart() const VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
+  /// Runs the first operation on this thread, without the lock. The caller settles the queue
+  /// afterwards.
+  void runFirst() VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
+
+  /// For a thread that will never return to the operations it is inside of, because one of them
+  /// called `std::exit`: they count as finished, so that what waits behind them can run.
+  static void leaveOperationsOfThisThread() VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
+
+ private:
+  friend class SharedThreads;  // keeps its list of queues
+  class Frame;
+
+  bool isIdle() const VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
+  void finish(Operation& operation) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
+
+  SharedThreads& threads_;
+  Condition changed_;  // the queue became idle, or a waiting thread may be able to help
+  std::atomic<std::uint64_t> progress_{0};
+  // Empty lists take no memory of their own, which ten thousand idle queues need.
+  Operation::List pending_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
+  Operation::List running_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
+  std::size_t limit_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 1;
+  std::size_t waiters_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;  // in waitUntilIdle
+  std::size_t helpers_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;  // those that help
+
+  // The queue's element of the list of queues that have work. It waits in `place_` meanwhile, so
+  // that entering the list allocates nothing.
+  SharedThreads::Queues place_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
+  const SharedThreads::Queues::iterator position_;
+  bool isReady_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = false;
+};
+
+}  // namespace VelWhiteBoard
