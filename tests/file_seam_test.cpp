@@ -28,17 +28,19 @@ TEST(FileSeam, AScopePutsAnotherFileSystemInPlaceAndTheOldOneBack) {
   EXPECT_EQ(&FileSystem::current(), &disk);
 }
 
-TEST(FileSeam, OneSeparatorStandsBeforeAnAppendedComponent) {
+TEST(FileSeam, AnAppendedComponentStandsAfterOneSeparatorAndEndsInNone) {
   const struct {
     const char* base;
     const char* component;
     const char* expected;
   } rows[] = {{"/a", "b", "/a/b"},      {"/a/", "b", "/a/b"},   {"/a//", "b", "/a/b"},
               {"/a", "/b", "/a/b"},     {"/a/", "//b", "/a/b"}, {"/", "b", "/b"},
-              {"//", "/b", "/b"},       {"a", "b/c", "a/b/c"},  {"a", "b/", "a/b/"},
-              {"", "b", "b"},           {"", "/b", "/b"},       {"/a", "", "/a"},
-              {"/a/", "", "/a/"},       {"/a", "/", "/a"},      {"", "", ""},
-              {"/a//b", "c", "/a//b/c"}};
+              {"//", "/b", "/b"},       {"a", "b/c", "a/b/c"},  {"a", "b/", "a/b"},
+              {"a", "b//c//", "a/b/c"}, {"", "b", "b"},         {"", "/b", "/b"},
+              {"", "/b//c/", "/b/c"},   {"", "b/", "b"},        {"/a", "", "/a"},
+              {"/a/", "", "/a"},        {"/a", "/", "/a"},      {"/a/", "//", "/a"},
+              {"/", "", "/"},           {"//", "/", "/"},       {"", "/", "/"},
+              {"", "//", "/"},          {"", "", ""},           {"/a//b", "c", "/a//b/c"}};
   for (const auto& row : rows) {
     EXPECT_EQ(appendPathComponent(row.base, row.component), row.expected)
         << "'" << row.base << "' + '" << row.component << "'";

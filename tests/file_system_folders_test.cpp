@@ -52,6 +52,16 @@ TEST_P(Folders, MakingOneFolderNeedsItsParentAndAFreeName) {
   EXPECT_THAT(entries(), UnorderedElementsAre("d", "f"));
 }
 
+TEST_P(Folders, MakingAPrivateFolderNeedsItsParentAndAFreeName) {
+  EXPECT_TRUE(files().makePrivateFolder(at("d")));
+  EXPECT_EQ(files().kind(at("d")), FileKind::kFolder);
+  put("d/f", "x");
+  expectFailure(files().makePrivateFolder(at("d")), FileStep::kMakeFolder, EEXIST);
+  expectFailure(files().makePrivateFolder(at("a/b")), FileStep::kMakeFolder, ENOENT);
+  expectFailure(files().makePrivateFolder(""), FileStep::kMakeFolder, ENOENT);
+  EXPECT_THAT(entries(), ElementsAre("d"));
+}
+
 TEST_P(Folders, MakingFoldersMakesAllThatAreMissing) {
   for (const char* name : {"a/b/c", "a/b/c", "a/b", "a/d/", "e//f", "e/./g"}) {
     SCOPED_TRACE(name);

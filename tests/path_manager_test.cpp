@@ -42,6 +42,12 @@ class PathManager : public ::testing::Test {
     ASSERT_TRUE(fs::exists(path));
   }
 
+  mode_t permissions(const std::string& name) const {
+    struct stat info = {};
+    EXPECT_EQ(::stat(folder_.at(name).c_str(), &info), 0) << name;
+    return info.st_mode & 07777U;
+  }
+
   // Declared first, so that it acts last, when the environment is the old one again.
   struct Restoration {
     ~Restoration() { VWBPathManager::sharedManager().init(); }
@@ -110,10 +116,38 @@ TEST_F(PathManager, AStorePathMakesItsFolderUnderTheCaches) {
 TEST_F(PathManager, AStorePathIsTheSameWhetherOrNotItsFolderCanBeMade) {
   EXPECT_EQ(manager_.storePathWithRelativePath("/boards/7/", "a.plist"),
             folder_.at(".cache/boards/7/a.plist"));
-  EXPECT_FALSE(fs::exists(folder_.at(".cache"))) << "only the last folder would be made";
+  EXPECT_FALSE(fs::exists(folder_.at(".cache/boards"))) << "only the last folder would be made";
   put(folder_.at(".cache/boards/7"));
   EXPECT_EQ(manager_.storePathWithRelativePath("/boards/7/", "a.plist"),
             folder_.at(".cache/boards/7/a.plist"));
+}
+
+TEST_F(PathManager, AStorePathOfAFreshAccountMakesTheCachesDirectoryForItsUserAlone) {
+  const mode_t before = ::umask(022);
+  EXPECT_EQ(manager_.storePathWithRelativePath("/boards/", "a.plist"),
+            folder_.at(".cache/boards/a.plist"));
+  ::umask(before);
+  EXPECT_TRUE(fs::is_directory(folder_.at(".cache/boards")));
+  EXPECT_EQ(permissions(".cache"), 0700U);
+  EXPECT_EQ(permissions(".cache/boards"), 0755U) << "nobody else comes through the one above";
+}
+
+TEST_F(PathManager, AStorePathMakesTheFoldersAboveTheCachesDirectoryToo) {
+  const ScopedVariable moved("XDG_CACHE_HOME", folder_.at("var/user/caches"));
+  manager_.initConfigure();
+  const mode_t before = ::umask(022);
+  manager_.storePathWithRelativePath("/boards/", "a.plist");
+  ::umask(before);
+  EXPECT_TRUE(fs::is_directory(folder_.at("var/user/caches/boards")));
+  EXPECT_EQ(permissions("var/user/caches"), 0700U);
+  EXPECT_EQ(permissions("var/user"), 0755U);
+}
+
+TEST_F(PathManager, AStorePathLeavesACachesDirectoryThatExistsAsItIs) {
+  fs::create_directory(folder_.at(".cache"));
+  fs::permissions(folder_.at(".cache"), fs::perms{0755});
+  manager_.storePathWithRelativePath("/boards/", "a.plist");
+  EXPECT_EQ(permissions(".cache"), 0755U);
 }
 
 TEST_F(PathManager, AStorePathIsGluedTogetherAsPlainText) {
@@ -196,7 +230,11 @@ TEST_F(PathManager, AFolderIsMadeUnderDirectoryRootFolderAndSuffixWithoutWhatIsE
               {"", "a/b", documents_ + "/a/b"},
               {"course", "", documents_ + "/course"},
               {"course", "7", documents_ + "/course/7"},
-              {"/course/", "/8", documents_ + "/course/8"}};
+              {"/course/", "/8", documents_ + "/course/8"},
+              {"/course/", "", documents_ + "/course"},
+              {"", "9/", documents_ + "/9"},
+              {"course//a/", "//b//c//", documents_ + "/course/a/b/c"},
+              {"/", "/", documents_}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.expected);
     manager_.setRootFolder(row.rootFolder);
@@ -238,6 +276,43 @@ TEST_F(PathManager, AFileIsMadeEmpty) {
   EXPECT_EQ(fs::file_size(folder_.at("full")), 0U);
   EXPECT_FALSE(manager_.createFile(folder_.at("missing/f")));
   EXPECT_FALSE(manager_.createFile(folder_.path()));
+}
+
+TEST_F(PathManager, AnEmptyFileReplacesTheOldOneWithItsPermissions) {
+  put(folder_.at("f"), "contents");
+  fs::permissions(folder_.at("f"), fs::perms{0640});
+  fs::create_hard_link(folder_.at("f"), folder_.at("second name"));
+  EXPECT_TRUE(manager_.createFile(folder_.at("f")));
+  EXPECT_EQ(fs::file_size(folder_.at("f")), 0U);
+  EXPECT_EQ(permissions("f"), 0640U);
+  EXPECT_EQ(fs::file_size(folder_.at("second name")), 8U) << "the old file is another one";
+}
+
+TEST_F(PathManager, AnEmptyFileReplacesALinkAndNotWhatItLeadsTo) {
+  put(folder_.at("f"), "contents");
+  fs::create_symlink("f", folder_.at("link"));
+  fs::create_symlink("missing", folder_.at("dangling"));
+  EXPECT_TRUE(manager_.createFile(folder_.at("link")));
+  EXPECT_TRUE(manager_.createFile(folder_.at("dangling")));
+  EXPECT_EQ(fs::file_size(folder_.at("f")), 8U);
+  EXPECT_FALSE(fs::exists(folder_.at("missing")));
+  for (const char* name : {"link", "dangling"}) {
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(folder_.at(name)))) << name;
+    EXPECT_EQ(fs::file_size(folder_.at(name)), 0U) << name;
+  }
+}
+
+TEST_F(PathManager, OnlyAFileIsReplacedByAnEmptyOne) {
+  fs::create_directory(folder_.at("d"));
+  fs::create_directory_symlink("d", folder_.at("toFolder"));
+  ASSERT_EQ(::mkfifo(folder_.at("pipe").c_str(), 0600), 0);
+  for (const char* name : {"d", "d/", "toFolder", "pipe", "new/"}) {
+    EXPECT_FALSE(manager_.createFile(folder_.at(name))) << name;
+  }
+  EXPECT_TRUE(fs::is_directory(folder_.at("d")));
+  EXPECT_TRUE(fs::is_symlink(folder_.at("toFolder")));
+  EXPECT_TRUE(fs::is_fifo(folder_.at("pipe")));
+  EXPECT_FALSE(fs::exists(folder_.at("new")));
 }
 
 TEST_F(PathManager, RemovingTakesFilesAndWholeFoldersAndNothingIsThereAfterwards) {

@@ -48,17 +48,17 @@ class RemovingTrees : public ::testing::Test {
 // Makes `levels` folders inside each other, deeper than a path can say.
 void dig(const std::string& top, int levels) {
   SystemCalls& calls = SystemCalls::posix();
-  ASSERT_EQ(calls.makeFolder(top), 0);
+  ASSERT_EQ(calls.makeFolder(top, 0777), 0);
   // Each time a short chain, cheap to reach by its path, is made beside the tree made so far, which
   // is then moved to its end.
   const std::string next = top + ".next";
   constexpr int kChain = 100;
   for (int made = 0; made < levels; made += kChain) {
     std::string end = next;
-    ASSERT_EQ(calls.makeFolder(end), 0);
+    ASSERT_EQ(calls.makeFolder(end, 0777), 0);
     for (int i = 1; i < kChain; ++i) {
       end += "/d";
-      ASSERT_EQ(calls.makeFolder(end), 0);
+      ASSERT_EQ(calls.makeFolder(end, 0777), 0);
     }
     ASSERT_EQ(calls.rename(top, end + "/d"), 0);
     ASSERT_EQ(calls.rename(next, top), 0);

@@ -15,6 +15,10 @@
 namespace VelWhiteBoard {
 namespace {
 
+// Of new folders: the rights of all, less those that the user does not grant, or the user's only.
+constexpr std::uint32_t kUsualPermissions = 0777;
+constexpr std::uint32_t kPrivatePermissions = 0700;
+
 // A NUL byte would silently cut the path for the system: another file than the one asked for.
 bool namesSomething(const std::string& path) {
   return !path.empty() && path.find('\0') == std::string::npos;
@@ -191,8 +195,16 @@ FileResult DiskFileSystem::list(const std::string& path, std::vector<std::string
 }
 
 FileResult DiskFileSystem::makeFolder(const std::string& path) {
+  return makeFolderWith(path, kUsualPermissions);
+}
+
+FileResult DiskFileSystem::makePrivateFolder(const std::string& path) {
+  return makeFolderWith(path, kPrivatePermissions);
+}
+
+FileResult DiskFileSystem::makeFolderWith(const std::string& path, std::uint32_t permissions) {
   if (!namesSomething(path)) return namesNothing(FileStep::kMakeFolder, path);
-  const int result = uninterrupted([&] { return calls_.makeFolder(path); });
+  const int result = uninterrupted([&] { return calls_.makeFolder(path, permissions); });
   if (result < 0) return FileResult::failure(FileStep::kMakeFolder, -result, path);
   return FileResult::success();
 }
@@ -200,7 +212,7 @@ FileResult DiskFileSystem::makeFolder(const std::string& path) {
 // Which error an existing folder gives differs (a read-only volume says so first), so any error is
 // forgiven when a folder turns out to be there.
 int DiskFileSystem::makeUnlessFolder(const std::string& path) {
-  const int result = uninterrupted([&] { return calls_.makeFolder(path); });
+  const int result = uninterrupted([&] { return calls_.makeFolder(path, kUsualPermissions); });
   if (result >= 0 || result == -ENOENT) return result;
   FileInfo info;
   const int found = uninterrupted([&] { return calls_.status(path, true, info); });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,6 +26,7 @@ class DiskFileSystem final : public FileSystem {
   FileResult removeRecursively(const std::string& path) override;
   FileResult list(const std::string& path, std::vector<std::string>& names) override;
   FileResult makeFolder(const std::string& path) override;
+  FileResult makePrivateFolder(const std::string& path) override;
   FileResult makeFolders(const std::string& path) override;
   FileResult removeUnusedTemporaries(const std::string& folder,
                                      std::string_view targetSuffix) override;
@@ -32,6 +34,7 @@ class DiskFileSystem final : public FileSystem {
   FileResult renameToNew(const std::string& from, const std::string& to) override;
 
  private:
+  FileResult makeFolderWith(const std::string& path, std::uint32_t permissions);
   int makeUnlessFolder(const std::string& path);
   int lookThenRename(const std::string& from, const std::string& to);
 

@@ -1,5 +1,6 @@
 #include "VelWhiteBoard/foundation/file_system.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <system_error>
@@ -112,12 +113,16 @@ std::string_view withoutTrailingSeparators(std::string_view path) {
 }
 
 std::string appendPathComponent(std::string_view base, std::string_view component) {
-  if (base.empty()) return std::string(component);
-  while (!component.empty() && component.front() == kSeparator) component.remove_prefix(1);
-  if (component.empty()) return std::string(base);
   std::string path(withoutTrailingSeparators(base));
-  if (path.back() != kSeparator) path += kSeparator;
-  path += component;
+  // An absolute component stays one when there is nothing to append it to.
+  if (path.empty() && component.starts_with(kSeparator)) path = kSeparator;
+  while (!component.empty()) {
+    const std::string_view part = component.substr(0, component.find(kSeparator));
+    component.remove_prefix(std::min(component.size(), part.size() + 1));
+    if (part.empty()) continue;
+    if (!path.empty() && path.back() != kSeparator) path += kSeparator;
+    path += part;
+  }
   return path;
 }
 

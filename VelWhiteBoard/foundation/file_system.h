@@ -160,6 +160,9 @@ class FileSystem {
   /// Makes one folder. Its parent must exist; anything that exists at `path` is a failure.
   virtual FileResult makeFolder(const std::string& path) = 0;
 
+  /// The same for a folder that only its user may enter.
+  virtual FileResult makePrivateFolder(const std::string& path) = 0;
+
   /// Makes a folder with all missing ones above it. A folder that exists already is a success.
   /// Made folders are not synced: callers of this must not wait for a disk.
   virtual FileResult makeFolders(const std::string& path) = 0;
@@ -215,9 +218,9 @@ class ScopedFileSystem {
   FileSystem* previous_;
 };
 
-/// `base` with `component` appended as a path component: exactly one separator stands between the
-/// two, whether or not `base` ends or `component` begins with separators. An empty side gives the
-/// other side as it is.
+/// `base` with `component` appended as a path component: one separator stands between the two and
+/// none at the end, whatever separators the two have there, and doubled separators within
+/// `component` become one. An empty side adds nothing. What stands within `base` is kept.
 std::string appendPathComponent(std::string_view base, std::string_view component);
 
 /// `path` without the separators at its end; a path of separators only is "/".

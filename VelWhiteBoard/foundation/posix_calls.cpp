@@ -19,9 +19,8 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "files beyond 2 GB must open");
 
-// Everybody's rights, from which the process's umask takes away what the user does not grant.
+// The rights of all, from which the process's umask takes away what the user does not grant.
 constexpr mode_t kNewFileMode = 0666;
-constexpr mode_t kNewFolderMode = 0777;
 constexpr mode_t kPermissionBits = 0777;
 
 int negatedError(int result) { return result < 0 ? -errno : result; }
@@ -145,8 +144,8 @@ class PosixCalls final : public SystemCalls {
 #endif
   }
 
-  int makeFolder(const std::string& path) override {
-    return negatedError(::mkdir(path.c_str(), kNewFolderMode));
+  int makeFolder(const std::string& path, std::uint32_t permissions) override {
+    return negatedError(::mkdir(path.c_str(), static_cast<mode_t>(permissions)));
   }
 
   int remove(int folder, const std::string& name, bool isFolder) override {

@@ -79,7 +79,8 @@ class SystemCalls {
   /// Renames in one step unless something exists at `to`: that is -EEXIST. -EINVAL or -ENOSYS where
   /// the volume or the system has no such call.
   virtual int renameToNew(const std::string& from, const std::string& to) = 0;
-  virtual int makeFolder(const std::string& path) = 0;
+  /// Makes a folder with these permissions, less what the process's umask takes away.
+  virtual int makeFolder(const std::string& path, std::uint32_t permissions) = 0;
   /// Removes the name `name` in `folder`; `isFolder` says which of the two kinds it must be.
   virtual int remove(int folder, const std::string& name, bool isFolder) = 0;
   /// Appends the names in an open folder, without "." and "..".

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "VelWhiteBoard/foundation/file_system.h"
+#include "VelWhiteBoard/foundation/mutex.h"
 #include "VelWhiteBoard/foundation/standard_directories.h"
 
 namespace VelWhiteBoard {
@@ -28,14 +29,40 @@ std::vector<std::string> directoriesOfCode(std::uint64_t code) {
   }
 }
 
-// An empty suffix is a suffix that no name has, though every text ends in it.
+// Makes a folder that only its user may enter, with all missing ones above it as usual. A folder
+// that exists stays as it is. Whether it worked shows when the folder is used.
+void makePrivateFolders(const std::string& path) {
+  FileSystem& files = FileSystem::current();
+  if (files.exists(path)) return;
+  const std::string above = path.substr(0, path.find_last_of('/'));
+  if (!above.empty()) static_cast<void>(files.makeFolders(above));
+  static_cast<void>(files.makePrivateFolder(path));
+}
+
+// An empty suffix counts as one that no name has, though every string ends in it.
 bool passes(const std::string& name, const std::optional<std::string>& suffix) {
   return !suffix || (!suffix->empty() && name.ends_with(*suffix));
 }
 
 }  // namespace
 
-VWBPathManager::VWBPathManager() { initConfigure(); }
+struct VWBPathManager::Fields {
+  std::string documentDirectory;
+  std::string libraryDirectory;
+  std::string cacheDirectory;
+  std::string tempDirectory;
+  std::string rootFolder;
+};
+
+// No file is touched while the lock is held.
+struct VWBPathManager::State {
+  Mutex mutex;
+  Fields fields VELWHITEBOARD_GUARDED_BY(mutex);
+};
+
+VWBPathManager::VWBPathManager() : state_(std::make_unique<State>()) { initConfigure(); }
+
+VWBPathManager::~VWBPathManager() = default;
 
 VWBPathManager& VWBPathManager::sharedManager() {
   // Never destroyed: a storage that outlives `main` may still ask it.
@@ -49,35 +76,35 @@ VWBPathManager& VWBPathManager::init() {
 }
 
 void VWBPathManager::initConfigure() {
-  State fresh;
+  Fields fresh;
   fresh.documentDirectory = searchPath(kDocumentsCode).value_or("");
   fresh.libraryDirectory = searchPath(kLibraryCode).value_or("");
   fresh.cacheDirectory = searchPath(kCachesCode).value_or("");
   fresh.tempDirectory = temporaryDirectory();
-  // All at once: nobody sees one directory of the old environment beside one of the new.
-  const std::lock_guard<std::mutex> lock(mutex_);
-  state_ = std::move(fresh);
+  // All at once: no thread sees a directory of the old environment beside one of the new.
+  const MutexHold hold(state_->mutex);
+  state_->fields = std::move(fresh);
 }
 
-std::string VWBPathManager::read(std::string State::*field) const {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  return state_.*field;
+std::string VWBPathManager::read(std::string Fields::*field) const {
+  const MutexHold hold(state_->mutex);
+  return state_->fields.*field;
 }
 
-std::string VWBPathManager::rootFolder() const { return read(&State::rootFolder); }
+std::string VWBPathManager::rootFolder() const { return read(&Fields::rootFolder); }
 
 void VWBPathManager::setRootFolder(const std::string& rootFolder) {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  state_.rootFolder = rootFolder;
+  const MutexHold hold(state_->mutex);
+  state_->fields.rootFolder = rootFolder;
 }
 
-std::string VWBPathManager::documentDirectory() const { return read(&State::documentDirectory); }
+std::string VWBPathManager::documentDirectory() const { return read(&Fields::documentDirectory); }
 
-std::string VWBPathManager::libraryDirectory() const { return read(&State::libraryDirectory); }
+std::string VWBPathManager::libraryDirectory() const { return read(&Fields::libraryDirectory); }
 
-std::string VWBPathManager::cacheDirectory() const { return read(&State::cacheDirectory); }
+std::string VWBPathManager::cacheDirectory() const { return read(&Fields::cacheDirectory); }
 
-std::string VWBPathManager::tempDirectory() const { return read(&State::tempDirectory); }
+std::string VWBPathManager::tempDirectory() const { return read(&Fields::tempDirectory); }
 
 std::optional<std::string> VWBPathManager::searchPath(std::uint64_t directory) {
   std::vector<std::string> places = directoriesOfCode(directory);
@@ -102,7 +129,9 @@ std::string VWBPathManager::directoryPath(std::uint64_t directory) {
 
 std::string VWBPathManager::storePathWithRelativePath(const std::string& relativePath,
                                                       const std::string& fileName) {
-  const std::string folder = cacheDirectory() + relativePath;
+  const std::string caches = cacheDirectory();
+  makePrivateFolders(caches);
+  const std::string folder = caches + relativePath;
   checkShouldCreateDirectoryWithPath(folder);
   return folder + fileName;
 }
@@ -175,7 +204,7 @@ std::optional<std::vector<std::string>> VWBPathManager::filesAtPath(
   if (!isFolderExist(folder)) return std::nullopt;
   std::vector<std::string> names;
   if (!FileSystem::current().list(folder, names)) return std::nullopt;
-  // The names first: they cost nothing, a look at the file does.
+  // The names first: they cost nothing, the status of a file does.
   std::erase_if(names, [&](const std::string& name) {
     return !passes(name, hasSuffix) || !isFileExist(appendPathComponent(folder, name));
   });

@@ -1,7 +1,9 @@
+/// @file
+/// The standard directories of the user, and small file-system chores.
 #pragma once
 
 #include <cstdint>
-#include <mutex>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,22 +16,22 @@ namespace VelWhiteBoard {
 ///
 /// One object for the process, made on first use and never destroyed. Paths are UTF-8 and taken
 /// byte for byte; a relative one belongs to the process's working directory. Symbolic links count
-/// as what they point to, a dangling one as nothing. An empty path and one that contains a NUL byte
-/// name nothing: tests answer false, creations fail, a removal has nothing to do.
+/// as what they point to, a dangling one as nothing; what is removed or replaced is the link. An
+/// empty path and one that contains a NUL byte name nothing: tests answer false, creations fail, a
+/// removal has nothing to do.
 ///
 /// Failures are results only: false, or an absent string or list. Nothing is thrown or logged.
 ///
 /// Directories are asked for by number, in two ways that must not be mixed up:
-/// - a *directory code* (`searchPath`, and every `domain`): 9 the documents directory, 5 the
-/// library
-///   directory, 13 the caches directory, any other number none at all;
-/// - the argument of `directoryPath`: 0 documents, 1 library, 2 caches, any other the temporary
-/// one.
+/// - by directory code (`searchPath`, and every `domain`): 9 the documents directory, 5 the library
+///   directory, 13 the caches directory, any other number no directory;
+/// - by the argument of `directoryPath`: 0 documents, 1 library, 2 caches, any other number the
+///   temporary directory.
 ///
 /// Where they lie: documents are what the desktop's "user-dirs.dirs" says (~/Documents when it does
 /// not), the library is $XDG_DATA_HOME (~/.local/share), caches are $XDG_CACHE_HOME (~/.cache), the
 /// temporary directory is $TMPDIR (/tmp). A value that is not an absolute path counts as not set.
-/// No directory path ends in a separator, and none of the directories need exist.
+/// No directory path ends in a separator, and the directories need not exist.
 ///
 /// Every operation may be called from any thread, as long as no other thread changes the process's
 /// environment meanwhile.
@@ -46,8 +48,8 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   /// Reads the four directories from the environment again and empties `rootFolder`.
   void initConfigure();
 
-  /// A sub-folder that `createFolderWithSuffix` puts between the directory and the suffix; "" (the
-  /// initial value) for none. Nothing else uses it.
+  /// A sub-folder that `createFolderWithSuffix` puts between the directory and the suffix; no
+  /// sub-folder when empty, as initially. Nothing else uses it.
   std::string rootFolder() const;
   /// @see rootFolder
   void setRootFolder(const std::string& rootFolder);
@@ -71,9 +73,10 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
 
   /// The path of a file in a folder under the caches directory; makes the folder.
   ///
-  /// The three parts are put together as plain text, without separators between them, so that
-  /// `relativePath` begins and ends with one as needed ("/boards/7/"). Only the last folder is
-  /// made, and whether that worked shows in nothing here. `rootFolder` is not used.
+  /// The three parts are put together as plain strings, without separators between them, so
+  /// `relativePath` must begin and end with one as needed ("/boards/7/"). The caches directory is
+  /// made when it is missing, for its user only (mode 0700); below it only the last folder is made.
+  /// The answer does not tell whether that worked. `rootFolder` is not used.
   std::string storePathWithRelativePath(const std::string& relativePath,
                                         const std::string& fileName);
 
@@ -110,7 +113,9 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   /// Makes a folder with all missing ones above it. True also when it existed already.
   bool createFolderWithPath(const std::string& path);
 
-  /// Leaves an empty file at the path, emptying one that exists. The folder must exist.
+  /// Puts a new, empty file at the path. It replaces a file that exists and takes its permissions
+  /// over; whoever has the old file open keeps its contents. False for a folder or a special file
+  /// at the path, and when the folder does not exist.
   bool createFile(const std::string& path);
 
   /// Removes what lies at the path, a folder with all its contents. Symbolic links are removed, not
@@ -123,27 +128,21 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   /// capitals before small letters, "10.plist" before "2.plist". Absent when there is no such
   /// folder or it cannot be read.
   std::optional<std::vector<std::string>> filesAtPath(const std::string& folder);
-  /// The same, only with the names that end in `hasSuffix`, letter case minded. An absent suffix
-  /// lets every name through, an empty one none.
+  /// The same, only with the names that end in `hasSuffix`, upper and lower case distinguished. An
+  /// absent suffix lets every name pass, an empty one no name.
   std::optional<std::vector<std::string>> filesAtPath(const std::string& folder,
                                                       const std::optional<std::string>& hasSuffix);
 
  private:
-  struct State {
-    std::string documentDirectory;
-    std::string libraryDirectory;
-    std::string cacheDirectory;
-    std::string tempDirectory;
-    std::string rootFolder;
-  };
+  struct Fields;
+  struct State;
 
   VWBPathManager();
-  ~VWBPathManager() = default;
+  ~VWBPathManager();
 
-  std::string read(std::string State::*field) const;
+  std::string read(std::string Fields::*field) const;
 
-  mutable std::mutex mutex_;
-  State state_;  // guarded by mutex_; no file is touched while it is held
+  const std::unique_ptr<State> state_;
 };
 
 }  // namespace VelWhiteBoard

@@ -176,8 +176,8 @@ int FaultyCalls::renameToNew(const std::string& from, const std::string& to) {
   return through(Call::kRenameToNew, [&] { return real_.renameToNew(from, to); });
 }
 
-int FaultyCalls::makeFolder(const std::string& path) {
-  return through(Call::kMakeFolder, [&] { return real_.makeFolder(path); });
+int FaultyCalls::makeFolder(const std::string& path, std::uint32_t permissions) {
+  return through(Call::kMakeFolder, [&] { return real_.makeFolder(path, permissions); });
 }
 
 int FaultyCalls::remove(int folder, const std::string& name, bool isFolder) {

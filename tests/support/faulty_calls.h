@@ -111,7 +111,7 @@ class FaultyCalls final : public SystemCalls {
   int unlock(int handle) override;
   int rename(const std::string& from, const std::string& to) override;
   int renameToNew(const std::string& from, const std::string& to) override;
-  int makeFolder(const std::string& path) override;
+  int makeFolder(const std::string& path, std::uint32_t permissions) override;
   int remove(int folder, const std::string& name, bool isFolder) override;
   int list(int handle, std::vector<std::string>& names) override;
 

@@ -26,6 +26,7 @@ class MemoryFileSystem final : public FileSystem {
   FileResult removeRecursively(const std::string& path) override;
   FileResult list(const std::string& path, std::vector<std::string>& names) override;
   FileResult makeFolder(const std::string& path) override;
+  FileResult makePrivateFolder(const std::string& path) override { return makeFolder(path); }
   FileResult makeFolders(const std::string& path) override;
   FileResult removeUnusedTemporaries(const std::string& folder,
                                      std::string_view targetSuffix) override;
