@@ -1,4 +1,6 @@
 // A capture shows every vector as it was when the capture was taken.
+#include "VelWhiteBoard/storage/history.h"
+
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -8,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/storage/history.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 
 namespace VelWhiteBoard {

@@ -1,12 +1,12 @@
 // What a storage may do with a file depends on what it knows of it.
+#include "VelWhiteBoard/storage/known_file.h"
+
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
-
-#include "VelWhiteBoard/storage/known_file.h"
 
 #include "tests/support/temporary_folder.h"
 
@@ -19,7 +19,7 @@ class AKnownFile : public ::testing::Test {
  protected:
   void plant(std::string_view text = kOld) { std::ofstream(path_) << text; }
   void write() {
-    file_.replace(file_.era(), [](PropertyListWriter&) {});
+    file_.replace([](PropertyListWriter&) {});
   }
   static std::string contents(const std::string& path) {
     std::ifstream file(path);
@@ -70,26 +70,6 @@ TEST_F(AKnownFile, IsMovedAsideWhenItWasNotRead) {
   EXPECT_FALSE(std::filesystem::exists(path_ + ".damaged-2")) << "once";
 }
 
-TEST_F(AKnownFile, IsMovedAsideWhenWhatWasReadHasBeenForgotten) {
-  plant();
-  found(FileState::kReadWhole);
-  file_.forget();
-  write();
-  EXPECT_TRUE(isAside());
-}
-
-TEST_F(AKnownFile, IsNotMovedAsideByAWriteThatWasQueuedBeforeThat) {
-  plant();
-  found(FileState::kReadWhole);
-  const auto queued = file_.era();
-  file_.forget();
-  file_.replace(queued, [](PropertyListWriter&) {});
-  EXPECT_TRUE(isWritten());
-  EXPECT_TRUE(isNothingAside());
-  write();
-  EXPECT_FALSE(isNothingAside()) << "what that write wrote is not in memory any more";
-}
-
 TEST_F(AKnownFile, IsMovedToANameThatNothingHasYet) {
   for (const std::string suffix : {"", "-2", "-3"}) {
     plant();
@@ -137,10 +117,10 @@ TEST_F(AKnownFile, IsRemovedWithTheTemporaryThatACrashHasLeft) {
 TEST_F(AKnownFile, TellsWhetherItsLastWriteHasFailed) {
   KnownFile lost(folder_.at("no_such_folder/page.plist"));
   EXPECT_FALSE(lost.hasFailed());
-  lost.replace(lost.era(), [](PropertyListWriter&) {});
+  lost.replace([](PropertyListWriter&) {});
   EXPECT_TRUE(lost.hasFailed());
   std::filesystem::create_directories(folder_.at("no_such_folder"));
-  lost.replace(lost.era(), [](PropertyListWriter&) {});
+  lost.replace([](PropertyListWriter&) {});
   EXPECT_FALSE(lost.hasFailed());
 }
 

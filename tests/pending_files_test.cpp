@@ -1,4 +1,6 @@
 // Reading waits for what is queued, as long as the queue gets on.
+#include "VelWhiteBoard/storage/pending_files.h"
+
 #include <atomic>
 #include <chrono>
 #include <memory>
@@ -7,8 +9,6 @@
 #include <vector>
 
 #include <gtest/gtest.h>
-
-#include "VelWhiteBoard/storage/pending_files.h"
 
 #include "tests/support/gate.h"
 

@@ -1,4 +1,6 @@
 // A list whose copies share their entries, and the index by identifier above it.
+#include "VelWhiteBoard/storage/shared_vector_list.h"
+
 #include <cstdint>
 #include <memory>
 #include <random>
@@ -8,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/storage/shared_vector_list.h"
 #include "VelWhiteBoard/storage/snap_list.h"
 #include "VelWhiteBoard/vectors/vector_defines.h"
 
@@ -264,7 +265,8 @@ TEST(SnapLists, PackThemselvesWithoutLosingAnEntry) {
   }
   EXPECT_LT(snap.list().endPlace(), 2000U) << "packed";
   EXPECT_EQ(snap.list().vectors(), kept);
-  for (const VectorPtr& vector : kept) EXPECT_EQ(entryAt(snap, snap.findFirst(*vector->ID)), vector);
+  for (const VectorPtr& vector : kept)
+    EXPECT_EQ(entryAt(snap, snap.findFirst(*vector->ID)), vector);
 }
 
 }  // namespace

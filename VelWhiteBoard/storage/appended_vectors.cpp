@@ -50,7 +50,8 @@ void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, Ba
   if (recordCast<VelWbVecLine>(vector.get()) != nullptr) {
     const SnapList::Place place = lastEntry();
     if (place == SnapList::kNowhere) return snap.push_back(vector);
-    appendTo(snap.list().at(place), *vector, history, undo);  // without a position it stays as it is
+    appendTo(snap.list().at(place), *vector, history,
+             undo);  // without a position it stays as it is
     return;
   }
   if (vector->type == VelWBVectorStrRemove) {

@@ -34,9 +34,8 @@ ReadList<T> readRecords(const FeedAll& feedAll) {
 
 template <class T>
 ReadList<T> readFile(const std::string& path) {
-  return readRecords<T>([&path](const BlockConsumer& consume) {
-    return FileSystem::current().read(path, consume);
-  });
+  return readRecords<T>(
+      [&path](const BlockConsumer& consume) { return FileSystem::current().read(path, consume); });
 }
 
 std::string listFile(const std::string& folder, std::string_view kind, const std::string& pageKey) {

@@ -89,8 +89,8 @@ class History::Capture {
   Capture(const Capture&) = delete;
   Capture& operator=(const Capture&) = delete;
 
-  /// Replaces each of the vectors by a copy as it was at the instant of the capture. The storage may
-  /// have to wait meanwhile, so there should be just a few.
+  /// Replaces each of the vectors by a copy as it was at the instant of the capture. The storage
+  /// may have to wait meanwhile, so there should be just a few.
   void copyAsCaptured(std::vector<std::shared_ptr<const Record>>& vectors) const;
 
  private:

@@ -22,36 +22,19 @@ void KnownFile::endReading(Version begun, FileState found) noexcept {
   if (begun == version_) state_ = found;
 }
 
-KnownFile::Era KnownFile::era() const {
-  const MutexHold hold(mutex_);
-  return era_;
-}
-
-void KnownFile::forget() noexcept {
-  const MutexHold hold(mutex_);
-  if (state_ != FileState::kUnknown) stateBefore_ = state_;
-  state_ = FileState::kUnknown;
-  ++era_;
-  ++version_;
-}
-
 void KnownFile::hasBeenRemoved() noexcept {
   hasFailed_ = false;
-  const MutexHold hold(mutex_);
-  state_ = FileState::kAbsent;
-  stateBefore_ = FileState::kAbsent;
-  ++version_;
+  note(FileState::kAbsent);
 }
 
-bool KnownFile::mayReplace(Era queued) const {
+bool KnownFile::mayReplace() const {
   const MutexHold hold(mutex_);
-  const FileState state = queued == era_ ? state_ : stateBefore_;
-  return state != FileState::kUnknown && state != FileState::kNotRead;
+  return state_ != FileState::kUnknown && state_ != FileState::kNotRead;
 }
 
-void KnownFile::note(Era queued, FileState state) noexcept {
+void KnownFile::note(FileState state) noexcept {
   const MutexHold hold(mutex_);
-  (queued == era_ ? state_ : stateBefore_) = state;
+  state_ = state;
   ++version_;
 }
 
@@ -70,10 +53,10 @@ bool KnownFile::moveAside() {
   return moved.ok();
 }
 
-void KnownFile::replace(Era queued, const AddRecords& addAll) {
-  if (!mayReplace(queued)) {
+void KnownFile::replace(const AddRecords& addAll) {
+  if (!mayReplace()) {
     if (!moveAside()) return noteFailure();
-    note(queued, FileState::kAbsent);
+    note(FileState::kAbsent);
   }
   const FileResult written =
       FileSystem::current().writeAtomically(path_, [&addAll](const BlockConsumer& consume) {
@@ -87,7 +70,7 @@ void KnownFile::replace(Era queued, const AddRecords& addAll) {
       });
   // After a folder that could not be synced the new contents are in place all the same.
   if (!written.ok() && written.step != FileStep::kSyncFolder) return noteFailure();
-  note(queued, FileState::kWritten);
+  note(FileState::kWritten);
   hasFailed_ = !written.ok();
 }
 
@@ -105,13 +88,6 @@ std::shared_ptr<KnownFile> KnownFiles::at(const std::string& path) {
   std::shared_ptr<KnownFile>& file = files_[path];
   if (!file) file = std::make_shared<KnownFile>(path);
   return file;
-}
-
-void KnownFiles::forgetAll() noexcept {
-  const MutexHold hold(mutex_);
-  for (const auto& [path, file] : files_) {
-    if (file) file->forget();
-  }
 }
 
 void KnownFiles::haveBeenRemoved() noexcept {

@@ -16,8 +16,8 @@
 
 namespace VelWhiteBoard {
 
-/// Appended to the name of a file that is moved aside; "-2", "-3" and so on follow when there is one
-/// already.
+/// Appended to the name of a file that is moved aside; "-2", "-3" and so on follow when there is
+/// one already.
 inline constexpr std::string_view kDamagedSuffix = ".damaged";
 
 /// What stands in a file, as far as a storage knows.
@@ -40,9 +40,7 @@ enum class FileState {
 /// Threads: any.
 class KnownFile {
  public:
-  /// How often the state has been forgotten, and changed. What was begun under another number may
-  /// not speak of the file any more.
-  using Era = std::uint64_t;
+  /// How often the file has been written, moved or removed.
   using Version = std::uint64_t;
   using AddRecords = std::function<void(PropertyListWriter& writer)>;
 
@@ -57,17 +55,12 @@ class KnownFile {
   /// Notes what came of a reading.
   void endReading(Version begun, FileState found) noexcept;
 
-  /// To be called when a write is queued; `replace` takes the answer.
-  Era era() const;
-  /// The storage no longer holds what it read from the file. Writes that are queued already are not
-  /// affected.
-  void forget() noexcept;
   /// The file's folder has been removed.
   void hasBeenRemoved() noexcept;
 
   /// Replaces the file by the records that `addAll` adds. A write that fails, or throws, leaves the
   /// file that was there.
-  void replace(Era queued, const AddRecords& addAll);
+  void replace(const AddRecords& addAll);
   /// A write could not even begin.
   void noteFailure() noexcept { hasFailed_ = true; }
   /// Removes the file, with the temporaries that writes have left.
@@ -77,8 +70,8 @@ class KnownFile {
   bool hasFailed() const { return hasFailed_; }
 
  private:
-  bool mayReplace(Era queued) const;
-  void note(Era queued, FileState state) noexcept;
+  bool mayReplace() const;
+  void note(FileState state) noexcept;
   bool moveAside();
 
   const std::string path_;
@@ -86,9 +79,6 @@ class KnownFile {
   std::atomic<bool> hasFailed_ = false;
   mutable Mutex mutex_;
   FileState state_ VELWHITEBOARD_GUARDED_BY(mutex_) = FileState::kUnknown;
-  /// The state for writes that were queued before the last `forget`.
-  FileState stateBefore_ VELWHITEBOARD_GUARDED_BY(mutex_) = FileState::kUnknown;
-  Era era_ VELWHITEBOARD_GUARDED_BY(mutex_) = 0;
   Version version_ VELWHITEBOARD_GUARDED_BY(mutex_) = 0;
 };
 
@@ -99,7 +89,6 @@ class KnownFiles {
  public:
   std::shared_ptr<KnownFile> at(const std::string& path);
   /// See KnownFile; of all files.
-  void forgetAll() noexcept;
   void haveBeenRemoved() noexcept;
 
  private:

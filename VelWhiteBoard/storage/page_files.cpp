@@ -73,7 +73,6 @@ ReadPage VWBVectorStorage::State::readLists(const std::string& key) {
 CachedPage& VWBVectorStorage::State::cacheLists(const std::string& key, ReadPage& read) {
   CachedPage& page = cache.at(key);
   if (!page.snap) {
-    // Neither cached nor read: it was cached when the files were read, and has gone since.
     if (!read.snap) read.snap = std::make_unique<SnapList>();
     cache.setSnap(page, std::move(read.snap));
   }
@@ -107,7 +106,7 @@ WriteBacklog::Prepared VWBVectorStorage::State::preparePageWrite(
   const auto add = [&](const std::shared_ptr<const FileSlot>& slot, PageLog vectors) {
     if (!slot) return;
     const std::shared_ptr<KnownFile> file = slot->get();
-    contents.push_back({slot, file->era(), std::move(vectors)});
+    contents.push_back({slot, std::move(vectors)});
     pending.emplace_back(file->pendingName(), queue);
     names += file->path() + '\n';
   };
@@ -128,7 +127,7 @@ WriteBacklog::Prepared VWBVectorStorage::State::preparePageWrite(
 WriteBacklog::Prepared VWBVectorStorage::State::prepareVisitedPagesWrite(SharedVectorList pages) {
   const std::shared_ptr<KnownFile> file = pageFile->get();
   std::vector<FileContents> contents;
-  contents.push_back({pageFile, file->era(), PageLog(std::move(pages))});
+  contents.push_back({pageFile, PageLog(std::move(pages))});
   std::vector<PendingFile> pending;
   pending.emplace_back(file->pendingName(), saveQueue);
   return backlog.prepare(

@@ -31,7 +31,7 @@ void QueuedWrite::run() {
 void QueuedWrite::write(const FileContents& contents) const {
   // The log first of all: whether it could be read decides what becomes of its file.
   const SharedVectorList before = contents.vectors.before();
-  contents.file->get()->replace(contents.era, [&](PropertyListWriter& writer) {
+  contents.file->get()->replace([&](PropertyListWriter& writer) {
     addAll(before, writer);
     addAll(contents.vectors.since(), writer);
   });

@@ -39,7 +39,6 @@ class FileSlot {
 /// What goes into one file.
 struct FileContents {
   std::shared_ptr<const FileSlot> file;
-  KnownFile::Era era;
   PageLog vectors;
 };
 

@@ -13,8 +13,8 @@ namespace VelWhiteBoard {
 bool isTransient(const VelWbBaseVector& vector);
 
 /// Brings a vector, which must have an identifier, into the current page's state: a transient entry
-/// at the tail goes, a vector that continues or edits an entry changes it, commands are carried out,
-/// anything else is added. Gives a line its first position.
+/// at the tail goes, a vector that continues or edits an entry changes it, commands are carried
+/// out, anything else is added. Gives a line its first position.
 ///
 /// When it throws `std::bad_alloc`, nothing has changed.
 void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history);

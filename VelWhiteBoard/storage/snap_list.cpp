@@ -267,7 +267,8 @@ void SnapList::packIfSparse() noexcept {
     dropIndex();
     buildIndex();
   } catch (const std::bad_alloc&) {
-    // Packing only saves time and memory: the list is whole as it is, and `ensureIndex` tries again.
+    // Packing only saves time and memory: the list is whole as it is, and `ensureIndex` tries
+    // again.
   }
 }
 

@@ -34,14 +34,15 @@ struct ReadPage {
 
 /// The fields of a storage.
 ///
-/// Two locks. `semphore` is the one that the interface promises: the operations that change the board
-/// hold it over as much of their work as they say, reading files included. `guard` lies beneath it
-/// and makes each look at the fields atomic; it is never held while a file is read or written, or
-/// while another lock than those of the storage's parts is waited for. Order: `semphore`, `guard`.
+/// Two locks. `semphore` is the one that the interface promises: the operations that change the
+/// board hold it over as much of their work as they say, reading files included. `guard` lies
+/// beneath it and makes each look at the fields atomic; it is never held while a file is read or
+/// written, or while another lock than those of the storage's parts is waited for. Order:
+/// `semphore`, `guard`.
 ///
-/// Until `semphore()` or `setSemphore()` is called no client can hold the semaphore, so an operation
-/// that reads no file holds just `guard`: signalling a semaphore is a system call, several hundred
-/// nanoseconds, and a pen comes by here with every piece.
+/// Until `semphore()` or `setSemphore()` is called no client can hold the semaphore, so an
+/// operation that reads no file holds just `guard`: signalling a semaphore is a system call,
+/// several hundred nanoseconds, and a pen comes by here with every piece.
 ///
 /// Failure: every operation first prepares all that may throw, and then changes the fields in steps
 /// that cannot.

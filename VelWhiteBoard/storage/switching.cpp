@@ -65,8 +65,10 @@ VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const st
   }
   if (!isCurrent) {
     const CachedPage* cached = cache.find(key);
-    if (cached != nullptr && cached->snap) read.snap.reset();
-    const SharedVectorList& snap = read.snap ? read.snap->list() : cached->snap->list();
+    const bool isCached = cached != nullptr && cached->snap;
+    // It was cached when the files were read, and has gone since.
+    if (!isCached && !read.snap) read.snap = std::make_unique<SnapList>();
+    const SharedVectorList& snap = isCached ? cached->snap->list() : read.snap->list();
     query = queryOf(snap);
     entries = snap.vectors();
     std::optional<std::string> newWholeFile = wholeListFile(folder, key);

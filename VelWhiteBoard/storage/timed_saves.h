@@ -6,8 +6,8 @@
 
 namespace VelWhiteBoard {
 
-/// Measures the time since the last save, by the wall clock and, should that be set back, by a clock
-/// that nobody sets.
+/// Measures the time since the last save, by the wall clock and, should that be set back, by a
+/// clock that nobody sets.
 ///
 /// Threads: as the storage guards it.
 class TimedSaves {

@@ -45,8 +45,6 @@ void VWBVectorStorage::State::reload(bool isRemoved) {
   pageFile->set(file);
   const MutexHold hold(guard);
   dropped = cache.takeAll();
-  // What the lists held is no longer in memory, so the files are not to be replaced unread.
-  if (!isRemoved) files.forgetAll();
   file->endReading(file->beginReading(), pages.found);
   pageCacheList.clear();
   std::swap(visited, newVisited);

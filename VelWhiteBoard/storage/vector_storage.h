@@ -79,8 +79,8 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// `semphore`; costs the same however long the stroke and the log are.
   void saveVector(const VectorPtr& vector);
 
-  /// Queues the writing of every page whose last write has failed and that is still in memory, and of
-  /// the list of visited pages. The storage retries nothing by itself. Waits on `semphore`.
+  /// Queues the writing of every page whose last write has failed and that is still in memory, and
+  /// of the list of visited pages. The storage retries nothing by itself. Waits on `semphore`.
   ///
   /// @return whether there was any.
   bool retryFailedSaves();
