@@ -11,6 +11,14 @@
 #include "tests/support/property_lists.h"
 
 namespace VelWhiteBoard {
+namespace {
+
+std::string contentsOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+}  // namespace
 
 std::shared_ptr<VWBVectorStorage> BoardOnDisk::open() const {
   auto storage = VWBVectorStorage::initWithPath(parent());
@@ -18,8 +26,8 @@ std::shared_ptr<VWBVectorStorage> BoardOnDisk::open() const {
   return storage;
 }
 
-Names BoardOnDisk::setAside(const std::string& name) const {
-  Names found = names();
+Names setAsideIn(const std::string& folder, const std::string& name) {
+  Names found = namesIn(folder);
   std::erase_if(found,
                 [&](const std::string& each) { return !each.starts_with(name + ".damaged"); });
   return found;
@@ -32,17 +40,14 @@ bool BoardOnDisk::hasTemporaries() const {
   });
 }
 
-std::string BoardOnDisk::contents(const std::string& name) const {
-  std::ifstream file(at(name), std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
+std::string BoardOnDisk::contents(const std::string& name) const { return contentsOf(at(name)); }
 
 void BoardOnDisk::put(const std::string& name, const std::string& contents) const {
   std::ofstream(at(name), std::ios::binary | std::ios::trunc) << contents;
 }
 
-Names BoardOnDisk::identifiers(const std::string& name) const {
-  const ReadList list = readPropertyList(VelWbBaseVector::ownClass(), contents(name));
+Names recordsIn(const std::string& path) {
+  const ReadList list = readPropertyList(VelWbBaseVector::ownClass(), contentsOf(path));
   if (!list.result.ok()) return {};
   Names identifiers;
   for (const auto& record : list.records) {
@@ -53,10 +58,10 @@ Names BoardOnDisk::identifiers(const std::string& name) const {
   return identifiers;
 }
 
-Strings BoardOnDisk::kept(const std::string& name) const {
-  Names all = identifiers(name);
-  for (const std::string& aside : setAside(name)) {
-    const Names more = identifiers(aside);
+Strings keptIn(const std::string& folder, const std::string& name) {
+  Names all = recordsIn(folder + "/" + name);
+  for (const std::string& aside : setAsideIn(folder, name)) {
+    const Names more = recordsIn(folder + "/" + aside);
     all.insert(all.end(), more.begin(), more.end());
   }
   return {all.begin(), all.end()};

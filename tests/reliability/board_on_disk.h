@@ -16,6 +16,14 @@ namespace VelWhiteBoard {
 using Names = std::vector<std::string>;
 using Strings = std::set<std::string>;
 
+/// The identifiers of a file's records, in their order; a page switch's is its page key. None when
+/// the file is missing or no list.
+Names recordsIn(const std::string& path);
+/// The names under which a file of the folder was set aside, sorted.
+Names setAsideIn(const std::string& folder, const std::string& name);
+/// The identifiers that can still be read: in the file and in whatever it was set aside as.
+Strings keptIn(const std::string& folder, const std::string& name);
+
 /// A board's folder, looked at past every storage: the files are read as a stranger would read
 /// them, each time anew.
 class BoardOnDisk {
@@ -32,8 +40,7 @@ class BoardOnDisk {
 
   /// All names in the folder, sorted.
   Names names() const { return namesIn(folder()); }
-  /// The names under which the file was set aside, sorted.
-  Names setAside(const std::string& name) const;
+  Names setAside(const std::string& name) const { return setAsideIn(folder(), name); }
   /// Whether a write has left its temporary, under whatever name.
   bool hasTemporaries() const;
 
@@ -42,11 +49,8 @@ class BoardOnDisk {
   /// Writes a file in place, as `cp` does.
   void put(const std::string& name, const std::string& contents) const;
 
-  /// The identifiers of a file's records, in their order; a page switch's is its page key. None
-  /// when the file is missing or no list.
-  Names identifiers(const std::string& name) const;
-  /// The identifiers that can still be read: in the file and in whatever it was set aside as.
-  Strings kept(const std::string& name) const;
+  Names identifiers(const std::string& name) const { return recordsIn(at(name)); }
+  Strings kept(const std::string& name) const { return keptIn(folder(), name); }
 
  private:
   TemporaryFolder parent_;
