@@ -8,13 +8,16 @@
 //   file NAME DIGEST    from now on the file may hold this generation
 //   clear               from now on any file may be missing
 //   settled             all that was announced has been written
+//   lost NAME           a board that was opened again showed something else than was queued for
+//   this
+//                       file
 //   over                STEPS steps are done (without STEPS it never ends by itself)
 //
 // Lines are written at once and whole, so whoever reads them after a kill knows everything.
 #include <cstdint>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
+#include <map>
 #include <memory>
 #include <random>
 #include <semaphore>
@@ -46,7 +49,7 @@ void announce(const std::string& line) {
 class Player {
  public:
   Player(const std::string& directory, const std::string& lesson, std::uint32_t seed)
-      : random_(seed), storage_(VWBVectorStorage::initWithPath(directory)) {
+      : directory_(directory), random_(seed), storage_(VWBVectorStorage::initWithPath(directory)) {
     std::ifstream file(lesson);
     for (std::string line; std::getline(file, line);) lesson_.push_back(line);
     if (lesson_.empty()) std::_Exit(2);
@@ -58,8 +61,10 @@ class Player {
 
   void step() {
     const auto chance = random_() % 1000;
-    if (chance < 550) {
+    if (chance < 530) {
       draw();
+    } else if (chance < 550) {
+      reopen();
     } else if (chance < 750) {
       save();
     } else if (chance < 860) {
@@ -71,12 +76,15 @@ class Player {
     } else if (chance < 996) {
       settle();
     } else {
+      awaitOldQueues();
       announce("clear");
+      queued_.clear();
       storage_->clear();
     }
   }
 
   void settle() {
+    awaitOldQueues();
     storage_->saveQueue()->waitUntilAllOperationsAreFinished();
     announce("settled");
   }
@@ -102,9 +110,37 @@ class Player {
     return current && current->pageInfo() == page.pageInfo();
   }
 
+  void announceFile(const std::string& name, const std::string& digest) {
+    announce("file " + name + ' ' + digest);
+    queued_[name] = digest;
+  }
+
   void announcePage(const std::string& key) {
-    announce("file " + wholeName(key) + ' ' + digestOf(storage_->wholeVectorss()[key]));
-    announce("file " + snapName(key) + ' ' + digestOf(storage_->snapVectorss()[key]));
+    announceFile(wholeName(key), digestOf(storage_->wholeVectorss()[key]));
+    announceFile(snapName(key), digestOf(storage_->snapVectorss()[key]));
+  }
+
+  // The queues of the storages before have an order of their own, which nobody keeps but readers.
+  void awaitOldQueues() {
+    for (const auto& queue : oldQueues_) queue->waitUntilAllOperationsAreFinished();
+    oldQueues_.clear();
+  }
+
+  /// What was read must be what was queued last.
+  void check(const std::string& name, const VectorList& read) {
+    const auto queued = queued_.find(name);
+    if (queued == queued_.end()) return;
+    const std::string expected = queued->second == kAbsentFile ? digestOf({}) : queued->second;
+    if (digestOf(read) != expected) announce("lost " + name);
+  }
+
+  // Closes the board and opens it again at once, with whatever is queued.
+  void reopen() {
+    oldQueues_.push_back(storage_->saveQueue());
+    storage_.reset();
+    storage_ = VWBVectorStorage::initWithPath(directory_);
+    storage_->setIgnoreChanges(false);
+    check(kPagesName, vectorsOf(storage_->pageArray()));
   }
 
   void announceSave() {
@@ -131,9 +167,14 @@ class Player {
     if (!isCurrent(*page)) {
       VectorList visited = vectorsOf(storage_->pageArray());
       visited.push_back(page);
-      announce("file " + kPagesName + ' ' + digestOf(visited));
+      announceFile(kPagesName, digestOf(visited));
     }
+    const std::string key = page->pageInfo();
+    const bool isRead = !storage_->wholeVectorss().contains(key);
     storage_->switchPage(page);
+    if (!isRead) return;
+    check(wholeName(key), storage_->wholeVectorss()[key]);
+    check(snapName(key), storage_->snapVectorss()[key]);
   }
 
   // Which lists the new vectors join is known only afterwards, so nothing is written before that:
@@ -146,6 +187,8 @@ class Player {
       storage_->appendVectors(vectors, page);
       return;
     }
+    // A page that is read while the queue stands still is read as it is on the disk.
+    if (!storage_->wholeVectorss().contains(page->pageInfo())) settle();
     const auto stands = std::make_shared<std::binary_semaphore>(0);
     const auto gate = std::make_shared<std::binary_semaphore>(0);
     storage_->saveQueue()->addOperationWithBlock([stands, gate] {
@@ -160,16 +203,21 @@ class Player {
 
   void clearPage() {
     const auto page = anyPage();
-    announce("file " + wholeName(page->pageInfo()) + ' ' + kAbsentFile);
-    announce("file " + snapName(page->pageInfo()) + ' ' + kAbsentFile);
+    awaitOldQueues();
+    announceFile(wholeName(page->pageInfo()), kAbsentFile);
+    announceFile(snapName(page->pageInfo()), kAbsentFile);
     storage_->clearPage(*page);
   }
 
+  const std::string directory_;
   std::mt19937 random_;
   std::shared_ptr<VWBVectorStorage> storage_;
   std::vector<std::string> lesson_;
   std::size_t next_ = 0;
   double switchTime_ = 0;
+  std::vector<std::shared_ptr<OperationQueue>> oldQueues_;
+  /// Name -> generation that was queued last, as far as that is certain.
+  std::map<std::string, std::string> queued_;
 };
 
 int play(const std::vector<std::string>& arguments) {

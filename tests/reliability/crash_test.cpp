@@ -1,5 +1,6 @@
-// What a crash costs. A process plays a lesson at full speed and is killed at a random instant;
-// then every file of its board must be one whole generation that the process had announced.
+// What a crash costs. A process plays a lesson at full speed, closes its board and opens it again
+// now and then, and is killed at a random instant; then every file of its board must be one whole
+// generation that the process had announced.
 //
 // VELWB_KILLS sets the number of kills, VELWB_SEED the seed of all chances.
 #include <chrono>
@@ -55,6 +56,7 @@ class CrashingBoard {
       if (what == "file") generations_.add(name, digest);
       if (what == "clear") generations_.addClear();
       if (what == "settled") generations_.settle();
+      if (what == "lost") ADD_FAILURE() << name << " was not what had been queued for it";
     }
   }
 

@@ -16,6 +16,7 @@
 #include "VelWhiteBoard/storage/board_files.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
+#include "tests/reliability/board_on_disk.h"
 #include "tests/reliability/faulty_lesson.h"
 #include "tests/reliability/generations.h"
 #include "tests/support/faulty_calls.h"
@@ -137,17 +138,14 @@ class AFault : public ::testing::Test {
     }
   }
 
-  /// What could be read the day before can be read still, in its file or in the one set aside; but
+  /// What could be read the day before can be read still, in its file or in one set aside; but
   /// for the page that was cleared.
   void expectNothingLost(const std::string& folder) const {
     const std::string before = boardFolder(firstDay_.path());
     for (const std::string& name : namesIn(before, ".plist")) {
       if (name == wholeName("1_3") || name == snapName("1_3")) continue;
-      std::set<std::string> kept = identifiersIn(folder + "/" + name);
-      kept.merge(identifiersIn(folder + "/" + name + std::string(kDamagedSuffix)));
-      for (const std::string& identifier : identifiersIn(before + "/" + name)) {
-        EXPECT_TRUE(kept.contains(identifier)) << name << " has lost " << identifier;
-      }
+      const Strings kept = keptIn(folder, name);
+      EXPECT_EQ(missing(recordsIn(before + "/" + name), kept), Names()) << name;
     }
   }
 

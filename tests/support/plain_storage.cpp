@@ -1,8 +1,11 @@
-#include "tests/support/naive_board.h"
+#include "tests/support/plain_storage.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/model_mapping.h"
 #include "VelWhiteBoard/services/vector_manager.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 #include "VelWhiteBoard/vectors/strokes.h"
@@ -54,71 +57,136 @@ void merge(const VectorPtr& entry, const VectorPtr& vector) {
 
 std::int64_t milliseconds(double ts) { return static_cast<std::int64_t>(std::trunc(ts * 1000)); }
 
-std::string wholeName(const std::string& key) { return "whole_" + key + ".plist"; }
-std::string snapName(const std::string& key) { return "snap_" + key + ".plist"; }
-
-VectorList listOf(const NaiveBoard::Lists& lists, const std::string& key) {
+VectorList listOf(const PlainStorage::Lists& lists, const std::string& key) {
   const auto found = lists.find(key);
   return found == lists.end() ? VectorList() : found->second;
 }
 
 }  // namespace
 
+// ---- The disk
+
+void PlainDisk::write(const std::string& path, const Value& contents) {
+  files_[path] = contents;
+  log_.push_back("write " + path);
+}
+
+void PlainDisk::remove(const std::string& path) {
+  if (files_.erase(path) != 0) log_.push_back("remove " + path);
+}
+
+void PlainDisk::removeFolder(const std::string& folder) {
+  std::erase_if(files_, [&](const auto& file) { return file.first.starts_with(folder + "/"); });
+}
+
+Array PlainDisk::list(const std::string& path) const {
+  const auto found = files_.find(path);
+  if (found == files_.end() || !found->second.is_array()) return {};
+  return found->second;
+}
+
+// ---- The queue
+
+void PlainQueue::add(std::function<void()> operation, std::vector<std::string> writes) {
+  waiting_.push_back({std::move(operation), std::move(writes)});
+  if (!isHeld_) letGo();
+}
+
+void PlainQueue::letGo() {
+  isHeld_ = false;
+  while (!waiting_.empty()) {
+    waiting_.front().run();
+    waiting_.pop_front();
+  }
+}
+
+std::size_t PlainQueue::mostWaitingForAFile() const {
+  std::map<std::string, std::size_t> counts;
+  std::size_t most = 0;
+  for (const Operation& operation : waiting_) {
+    for (const std::string& path : operation.writes) most = std::max(most, ++counts[path]);
+  }
+  return most;
+}
+
 // ---- Files
 
-VectorList NaiveBoard::load(const std::string& name) const {
-  const auto found = files.find(name);
-  return found == files.end() ? VectorList() : modelArrayWithClass<VelWbBaseVector>(found->second);
+PlainStorage::PlainStorage(PlainDisk& disk, const std::string& path)
+    : folder(path + "/whiteBoard"), disk_(disk) {
+  reload();
 }
 
-void NaiveBoard::write(const std::string& key) {
-  files[wholeName(key)] = modelToJSONObject(listOf(wholeVectorss, key));
-  files[snapName(key)] = modelToJSONObject(listOf(snapVectorss, key));
+std::string PlainStorage::wholePath(const std::string& key) const {
+  return folder + "/whole_" + key + ".plist";
 }
 
-void NaiveBoard::reload() {
+std::string PlainStorage::snapPath(const std::string& key) const {
+  return folder + "/snap_" + key + ".plist";
+}
+
+VectorList PlainStorage::load(const std::string& path) const {
+  return modelArrayWithClass<VelWbBaseVector>(disk_.list(path));
+}
+
+void PlainStorage::reload() {
   wholeVectorss.clear();
   snapVectorss.clear();
+  pageCacheList.clear();
+  pageFile = folder + "/page.plist";
   pageArray.clear();
-  for (const VectorPtr& vector : load("page.plist")) {
-    pageArray.push_back(std::dynamic_pointer_cast<VelWbVecSwitchPage>(vector));
+  for (const VectorPtr& vector : modelArrayWithClass<VelWbVecSwitchPage>(disk_.list(pageFile))) {
+    if (auto page = std::dynamic_pointer_cast<VelWbVecSwitchPage>(vector)) {
+      pageArray.push_back(page);
+    }
   }
-  lastSaveDate = now;
+  lastSaveDate = currentDate();
   hasNewChange = false;
 }
 
-void NaiveBoard::saveFile(bool force) {
+void PlainStorage::saveFile(bool force) {
   if (!hasNewChange) return;
-  if (!force && !(now - lastSaveDate > 20'000)) return;
+  const auto now = currentDate();
+  if (!force && !(now - lastSaveDate > std::chrono::seconds(20))) return;
   if (!currentPage) return;
   lastSaveDate = now;
-  write(currentPage->pageInfo());
+  const std::string key = currentPage->pageInfo();
+  const Value snapForm = modelToJSONObject(listOf(snapVectorss, key));
+  const Value wholeForm = modelToJSONObject(listOf(wholeVectorss, key));
+  std::vector<std::string> writes;
+  if (wholeFile) writes.push_back(*wholeFile);
+  if (snapFile) writes.push_back(*snapFile);
+  saveQueue->add(
+      [&disk = disk_, snapForm, wholeForm, whole = wholeFile, snap = snapFile] {
+        if (whole) disk.write(*whole, wholeForm);
+        if (snap) disk.write(*snap, snapForm);
+      },
+      writes);
 }
 
 // ---- Saving vectors
 
-void NaiveBoard::saveVector(const VectorPtr& vector) {
+void PlainStorage::saveVector(const VectorPtr& vector) {
   if (ignoreChanges) return;
   const std::string key = currentPage ? currentPage->pageInfo() : "";
-  VectorList& snap = snapVectorss[key];
+  VectorList snap = listOf(snapVectorss, key);
+  VectorList whole = listOf(wholeVectorss, key);
   if (!snap.empty() && isTransient(*snap.back())) snap.pop_back();
   if (!vector->ID) vector->ID = VelWbVectorManager::shareManager().genID();
-  applySaved(vector, snap);
-  wholeVectorss[key].push_back(vector);
-  hasNewChange = true;
-  saveFile(false);
-}
-
-void NaiveBoard::applySaved(const VectorPtr& vector, VectorList& snap) {
   const auto entry = snapQuery.find(*vector->ID);
   if (entry != snapQuery.end() && !isTransient(*vector)) {
     continueEntry(VectorPtr(entry->second), vector, snap);
   } else {
     applyNew(vector, snap);
   }
+  whole.push_back(vector);
+  hasNewChange = true;
+  wholeVectorss[key] = whole;
+  snapVectorss[key] = snap;
+  saveFile(false);
 }
 
-void NaiveBoard::continueEntry(const VectorPtr& entry, const VectorPtr& vector, VectorList& snap) {
+void PlainStorage::continueEntry(const VectorPtr& entry, const VectorPtr& vector,
+                                 VectorList& snap) {
   if (isA<VelWbVecLine>(entry) && isA<VelWbVecPoint>(vector) && entry->ID == vector->ID) {
     append(entry, vector);
     return;
@@ -139,7 +207,7 @@ void NaiveBoard::continueEntry(const VectorPtr& entry, const VectorPtr& vector, 
   snapQuery[*entry->ID] = entry;
 }
 
-void NaiveBoard::applyNew(const VectorPtr& vector, VectorList& snap) {
+void PlainStorage::applyNew(const VectorPtr& vector, VectorList& snap) {
   if (vector->type == "remove") {
     const auto remove = std::dynamic_pointer_cast<VelWbVecRemove>(vector);
     if (!remove || !remove->rmID || snapQuery.count(*remove->rmID) == 0) return;
@@ -166,22 +234,31 @@ void NaiveBoard::applyNew(const VectorPtr& vector, VectorList& snap) {
   }
 }
 
-void NaiveBoard::appendVectors(const VectorList& vectors, const Page& page) {
+void PlainStorage::appendVectors(const VectorList& vectors, const Page& page) {
   if (currentPage && page->curPage == currentPage->curPage && page->WBID == currentPage->WBID) {
     for (const VectorPtr& vector : vectors) saveVector(vector);
     return;
   }
   const std::string key = page->pageInfo();
-  if (wholeVectorss.count(key) == 0) wholeVectorss[key] = load(wholeName(key));
-  if (snapVectorss.count(key) == 0) snapVectorss[key] = load(snapName(key));
+  VectorList whole = wholeVectorss.contains(key) ? wholeVectorss[key] : load(wholePath(key));
+  VectorList snap = snapVectorss.contains(key) ? snapVectorss[key] : load(snapPath(key));
   for (const VectorPtr& vector : vectors) {
-    applyAppended(vector, snapVectorss[key]);
-    wholeVectorss[key].push_back(vector);
+    applyAppended(vector, snap);
+    whole.push_back(vector);
   }
-  write(key);
+  wholeVectorss[key] = whole;
+  snapVectorss[key] = snap;
+  const Value snapForm = modelToJSONObject(snap);
+  const Value wholeForm = modelToJSONObject(whole);
+  saveQueue->add(
+      [&disk = disk_, snapForm, wholeForm, wholeTo = wholePath(key), snapTo = snapPath(key)] {
+        disk.write(snapTo, snapForm);
+        disk.write(wholeTo, wholeForm);
+      },
+      {wholePath(key), snapPath(key)});
 }
 
-void NaiveBoard::applyAppended(const VectorPtr& vector, VectorList& snap) {
+void PlainStorage::applyAppended(const VectorPtr& vector, VectorList& snap) {
   if (isA<VelWbVecLine>(vector)) {
     const auto found = last(snap, vector->ID);
     if (found == snap.end()) {
@@ -210,12 +287,16 @@ void NaiveBoard::applyAppended(const VectorPtr& vector, VectorList& snap) {
 
 // ---- Pages
 
-bool NaiveBoard::hasVectorsWithPage(const VelWbVecSwitchPage& page) const {
+bool PlainStorage::hasVectorsWithPage(const VelWbVecSwitchPage& page) const {
   const std::string key = page.pageInfo();
-  return snapVectorss.count(key) != 0 || files.count(wholeName(key)) != 0;
+  if (snapVectorss.contains(key)) return true;
+  for (const std::string& each : pageCacheList) {
+    if (each == key) return true;
+  }
+  return disk_.has(wholePath(key));
 }
 
-VectorList NaiveBoard::switchPage(const Page& page) {
+VectorList PlainStorage::switchPage(const Page& page) {
   saveFile(true);
   if (currentPage && currentPage->WBID == page->WBID && currentPage->resource == page->resource &&
       currentPage->curPage == page->curPage) {
@@ -224,8 +305,10 @@ VectorList NaiveBoard::switchPage(const Page& page) {
   const std::string key = page->pageInfo();
   hasNewChange = false;
   currentPage = page->mutableCopyWithZone();
-  if (wholeVectorss.count(key) == 0) wholeVectorss[key] = load(wholeName(key));
-  if (snapVectorss.count(key) == 0) snapVectorss[key] = load(snapName(key));
+  wholeFile = wholePath(key);
+  snapFile = snapPath(key);
+  if (!wholeVectorss.contains(key)) wholeVectorss[key] = load(*wholeFile);
+  if (!snapVectorss.contains(key)) snapVectorss[key] = load(*snapFile);
   snapQuery.clear();
   for (const VectorPtr& entry : snapVectorss[key]) {
     if (entry->ID) snapQuery[*entry->ID] = entry;
@@ -235,32 +318,39 @@ VectorList NaiveBoard::switchPage(const Page& page) {
       pageArray.pop_back();
     }
     pageArray.push_back(page);
-    files["page.plist"] = modelToJSONObject(VectorList(pageArray.begin(), pageArray.end()));
+    const Value form = modelToJSONObject(VectorList(pageArray.begin(), pageArray.end()));
+    // Where the file is, is asked for when the operation runs.
+    saveQueue->add([this, form] { disk_.write(pageFile, form); }, {pageFile});
   }
   return snapVectorss[key];
 }
 
-VectorList NaiveBoard::snapWithPage(const VelWbVecSwitchPage& page) const {
+VectorList PlainStorage::snapWithPage(const VelWbVecSwitchPage& page) const {
   const auto cached = snapVectorss.find(page.pageInfo());
-  return cached == snapVectorss.end() ? load(snapName(page.pageInfo())) : cached->second;
+  return cached == snapVectorss.end() ? load(snapPath(page.pageInfo())) : cached->second;
 }
 
-void NaiveBoard::clear() {
-  files.clear();
+void PlainStorage::clear() {
+  disk_.removeFolder(folder);
+  wholeVectorss.clear();
+  snapVectorss.clear();
   snapQuery.clear();
   reload();
 }
 
-void NaiveBoard::clearPage(const VelWbVecSwitchPage& page) {
+void PlainStorage::clearPage(const VelWbVecSwitchPage& page) {
   const std::string key = page.pageInfo();
+  std::erase(pageCacheList, key);
   wholeVectorss.erase(key);
   snapVectorss.erase(key);
   if (currentPage && page.WBID == currentPage->WBID && page.curPage == currentPage->curPage) {
     snapQuery.clear();
     hasNewChange = false;
   }
-  files.erase(wholeName(key));
-  files.erase(snapName(key));
+  saveQueue->add([&disk = disk_, whole = wholePath(key), snap = snapPath(key)] {
+    disk.remove(whole);
+    disk.remove(snap);
+  });
 }
 
 }  // namespace VelWhiteBoard
