@@ -59,7 +59,6 @@ class alignas(double) Path::Chunk {
     this->~Chunk();
     ::operator delete(this);
   }
-  bool isUnique() const noexcept { return references_.load(std::memory_order_acquire) == 1; }
 
   bool holdsRows() const noexcept { return holdsRows_; }
   /// Positions for which there is room.
@@ -75,32 +74,15 @@ class alignas(double) Path::Chunk {
     return {numbers() + start, ends()[index] - start};
   }
 
-  /// Whether a position of `size` numbers has room behind the first `seen` ones.
-  bool hasRoom(std::size_t seen, std::size_t size) const noexcept {
+  /// Adds a position for the path that sees the first `seen` ones; false when there is no room for
+  /// it, or when another path that shares the chunk has added one.
+  bool add(std::size_t seen, Position position) noexcept {
     if (seen >= capacity_) return false;
-    return holdsRows_ ? size <= numberCapacity_ - startOf(seen) : size == kTriple;
-  }
-
-  /// Whether the path that sees `seen` positions may write the next one, for which there is room.
-  /// `alone` when no other path shares the chunk.
-  bool claim(std::size_t seen, bool alone) noexcept {
-    auto expected = static_cast<std::uint32_t>(seen);
-    if (alone) {
-      used_.store(expected + 1, std::memory_order_relaxed);
-      return true;
-    }
-    return used_.compare_exchange_strong(expected, expected + 1, std::memory_order_relaxed);
-  }
-
-  /// Writes the position at `index`, which has been claimed.
-  void write(std::size_t index, Position position) noexcept {
-    if (!holdsRows_) {
-      std::copy_n(position.data(), kTriple, numbers() + index * kTriple);
-      return;
-    }
-    const std::size_t start = startOf(index);
-    std::copy_n(position.data(), position.size(), numbers() + start);
-    ends()[index] = start + position.size();
+    const bool hasRoom = holdsRows_ ? position.size() <= numberCapacity_ - startOf(seen)
+                                    : position.size() == kTriple;
+    if (!hasRoom || !claim(seen)) return false;
+    write(seen, position);
+    return true;
   }
 
   /// Takes over the first `count` positions of `source`; this chunk must be fresh.
@@ -114,6 +96,28 @@ class alignas(double) Path::Chunk {
   }
 
  private:
+  /// Whether the path that sees `seen` positions may write the next one.
+  bool claim(std::size_t seen) noexcept {
+    auto expected = static_cast<std::uint32_t>(seen);
+    if (references_.load(std::memory_order_acquire) == 1) {
+      used_.store(expected + 1, std::memory_order_relaxed);
+      return true;
+    }
+    return used_.compare_exchange_strong(expected, expected + 1, std::memory_order_relaxed);
+  }
+
+  void write(std::size_t index, Position position) noexcept {
+    if (!holdsRows_) {
+      // One by one: they were often written a moment ago, and a wider read would wait for that.
+      const double triple[kTriple] = {position[0], position[1], position[2]};
+      std::copy_n(triple, kTriple, numbers() + index * kTriple);
+      return;
+    }
+    const std::size_t start = startOf(index);
+    std::copy_n(position.data(), position.size(), numbers() + start);
+    ends()[index] = start + position.size();
+  }
+
   Chunk(std::size_t positions, std::size_t numbers, bool holdsRows) noexcept
       : capacity_(static_cast<std::uint32_t>(positions)),
         holdsRows_(holdsRows),
@@ -213,27 +217,23 @@ void Path::reserve(std::size_t positions) {
   }
 }
 
-// The view may point into the tail, so the tail stays until the position has been written. What can
-// throw comes before anything changes.
 void Path::push_back(Position position) {
-  if (size_ == 0 && !tail_ && position.size() == kTriple) {
+  const std::size_t used = size_ == 0 ? 0 : (size_ - 1) % kChunkPositions + 1;
+  if (!tail_ || !tail_->add(used, position)) addElsewhere(used, position);
+  ++size_;
+}
+
+/// Adds a position that the tail cannot take. It may be a view into the tail, which therefore stays
+/// until the position has been copied. What can throw comes before anything changes.
+void Path::addElsewhere(std::size_t used, Position position) {
+  if (used == 0 && !tail_ && position.size() == kTriple) {
     std::copy_n(position.data(), kTriple, only_);
-    size_ = 1;
     return;
   }
-  const std::size_t used = size_ == 0 ? 0 : (size_ - 1) % kChunkPositions + 1;
-  if (used == kChunkPositions) {
-    startChunk(position);
-  } else if (tail_ && tail_->hasRoom(used, position.size()) &&
-             tail_->claim(used, tail_.isUnique())) {
-    tail_->write(used, position);
-  } else {
-    Shared<Chunk> larger = largerTail(used, position.size());
-    larger->claim(used, true);
-    larger->write(used, position);
-    tail_ = std::move(larger);
-  }
-  ++size_;
+  if (used == kChunkPositions) return startChunk(position);
+  Shared<Chunk> larger = largerTail(used, position.size());
+  larger->add(used, position);
+  tail_ = std::move(larger);
 }
 
 /// Makes the tail a full chunk and `first` the first position of a new tail.
@@ -243,8 +243,7 @@ void Path::startChunk(Position first) {
       first.size() == kTriple
           ? Chunk::makeTriples(kChunkPositions)
           : Chunk::makeRows(kChunkPositions, numbersFor(kChunkPositions, 0, first.size())));
-  fresh->claim(0, true);
-  fresh->write(0, first);
+  fresh->add(0, first);
   if (!full_) {
     full_ = Shared<FullChunks>(new FullChunks);
   } else if (!full_.isUnique()) {
@@ -268,7 +267,7 @@ Path::Shared<Path::Chunk> Path::largerTail(std::size_t used, std::size_t numbers
   if (tail_) {
     larger->takeFirst(*tail_, used);
   } else if (used > 0) {
-    larger->write(0, only_);
+    larger->add(0, only_);
   }
   return larger;
 }

@@ -106,6 +106,7 @@ class VELWHITEBOARD_EXPORT Path {
 
   bool equals(const Path& other) const noexcept;
   Position lastChunkPosition(std::size_t index) const noexcept;
+  void addElsewhere(std::size_t used, Position position);
   void startChunk(Position first);
   Shared<Chunk> largerTail(std::size_t used, std::size_t numbersOfNext) const;
 

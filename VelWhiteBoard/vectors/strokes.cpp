@@ -66,6 +66,13 @@ void foldPositions(VelWbVecPoint& stroke, const VelWbVecPoint& update) {
   *stroke.path = std::move(grown);
 }
 
+/// Takes over what `update` says about the width.
+void takeWidths(VelWbVecLine& stroke, const VelWbVecLine& update) noexcept {
+  if (update.pixel >= 1) stroke.pixel = update.pixel;
+  if (update.ps >= 1) stroke.ps = update.ps;
+  if (update.widthIndex >= 0) stroke.widthIndex = update.widthIndex;
+}
+
 }  // namespace
 
 const RecordClass& VelWbVecPoint::ownClass() {
@@ -113,15 +120,18 @@ VelWbVecLine::~VelWbVecLine() {
 
 void VelWbVecLine::append(const VelWbBaseVector& update) {
   const auto* line = recordCast<const VelWbVecLine>(update);
-  // Copied first: once the path has grown, nothing may throw any more.
-  ArrayOwner newOffset;
-  if (line != nullptr && line->offset && isSameStroke(update))
-    newOffset = ArrayOwner(*line->offset);
+  if (line != nullptr && line->offset) {
+    if (!isSameStroke(update)) return;
+    ArrayOwner newOffset(*line->offset);
+    // A move adds no positions: from here on nothing needs memory.
+    appendPositions(update);
+    takeWidths(*this, *line);
+    newOffset.swap(offset);
+    return;
+  }
   if (!appendPositions(update) || line == nullptr) return;
-  if (line->pixel >= 1) pixel = line->pixel;
-  if (line->ps >= 1) ps = line->ps;
-  if (line->widthIndex >= 0) widthIndex = line->widthIndex;
-  newOffset.swap(offset);
+  takeWidths(*this, *line);
+  if (offset) ArrayOwner().swap(offset);
 }
 
 double VelWbVecLine::lineWidth() const {
