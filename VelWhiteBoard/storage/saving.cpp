@@ -56,6 +56,7 @@ void VWBVectorStorage::State::saveFile(bool force) {
   if (!currentPage) return;
   write = preparePageWrite(currentKey(), wholeFile, snapFile, SaveOrder::kWholeFirst);
   timedSaves.setLastSaveDate(now);
+  hasUnqueuedChange = false;
   backlog.queue(write);
 }
 
@@ -100,6 +101,7 @@ bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const Vecto
     if (newSnap) cached.snap = std::move(newSnap);
     if (!cached.whole) cached.whole.emplace(std::move(newWhole));
     hasNewChange = true;
+    hasUnqueuedChange = true;
     // Looked at here already, so that a piece need not wait on the semaphore a second time.
     isDue = timedSaves.isDue(currentDate());
   }

@@ -56,6 +56,8 @@ struct VWBVectorStorage::State {
   mutable Mutex guard;
   SwitchPagePtr currentPage VELWHITEBOARD_GUARDED_BY(guard);
   bool hasNewChange VELWHITEBOARD_GUARDED_BY(guard) = false;
+  /// Whether a vector was accepted on the current page after the last write of it was queued.
+  bool hasUnqueuedChange VELWHITEBOARD_GUARDED_BY(guard) = false;
   std::string folder VELWHITEBOARD_GUARDED_BY(guard);
   std::optional<std::string> wholeFile VELWHITEBOARD_GUARDED_BY(guard);
   std::optional<std::string> snapFile VELWHITEBOARD_GUARDED_BY(guard);

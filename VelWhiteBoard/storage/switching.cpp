@@ -27,6 +27,7 @@ SnapQuery queryOf(const SharedVectorList& snap) {
 VectorList VWBVectorStorage::switchPage(const SwitchPagePtr& page) {
   if (!page) return {};
   const std::string key = page->pageInfo();
+  saveFile(true);
   for (;;) {
     // Without the semaphore, so that nobody waits for a disk because of this call. Another thread
     // may queue a removal, or append a batch, before the semaphore is held: then once more.
@@ -58,8 +59,8 @@ VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const st
   SnapQuery query;
   VectorList entries;
   const MutexHold hold(guard);
-  // The page that is left, with everything that was accepted up to now.
-  const bool isSaved = hasNewChange && currentPage;
+  // The page that is left has been queued before; what was accepted since must not stay behind.
+  const bool isSaved = !isCurrent && hasNewChange && currentPage && hasUnqueuedChange;
   if (isSaved) {
     pageWrite = preparePageWrite(currentKey(), wholeFile, snapFile, SaveOrder::kWholeFirst);
   }
@@ -84,6 +85,7 @@ VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const st
     cacheLists(key, read);
     // From here on nothing can throw.
     hasNewChange = false;
+    hasUnqueuedChange = false;
     keyOfCurrent_ = {copy->WBID, copy->curPage, std::move(newKey)};
     std::swap(currentPage, copy);
     std::swap(wholeFile, newWholeFile);

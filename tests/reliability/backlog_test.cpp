@@ -45,7 +45,9 @@ std::size_t growthOf(int times, const std::function<void()>& action) {
 
 /// Under a sanitizer, whose heap keeps what is freed, only what else the test says is checked.
 void expectGrowthBelow(std::size_t bound, std::size_t growth) {
-  if (kHeapIsMeasurable) EXPECT_LT(growth, bound);
+  if (kHeapIsMeasurable) {
+    EXPECT_LT(growth, bound);
+  }
 }
 
 constexpr int kTimes = 5000;

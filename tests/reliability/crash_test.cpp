@@ -138,7 +138,7 @@ class CrashingBoard {
                              std::to_string(std::filesystem::hash_value(at(name))) + "-" +
                              std::to_string(gatheredFiles_++);
     std::filesystem::copy_file(at(name), stem + ".plist");
-    std::ofstream(stem + ".json") << modelToJSONString(loadVectors(at(name)));
+    std::ofstream(stem + ".json") << modelToJSONString(readVectors(at(name)).list);
   }
 
   TemporaryFolder parent_;
