@@ -43,10 +43,10 @@ class AtomicWriting : public ::testing::Test {
   }
 
   std::string contents(const std::string& name = "page.plist") {
-    std::string found;
+    FileBytes found;
     DiskFileSystem plain(SystemCalls::posix());
-    const FileResult result = plain.readAll(folder_.at(name), found);
-    return result ? found : "(" + result.describe() + ")";
+    const FileResult result = plain.readBytes(folder_.at(name), found);
+    return result ? std::string(found.view()) : "(" + result.describe() + ")";
   }
 
   std::vector<std::string> entries() const {

@@ -248,8 +248,9 @@ TEST(BoardFiles, HoldTheDictionaryFormKeyByKeyInTheOrderOfDeclaration) {
   board.save(stroke);
   board.write();
   board.settle();
-  std::string contents;
-  ASSERT_TRUE(FileSystem::current().readAll(board.at("snap_1_1.plist"), contents));
+  FileBytes bytes;
+  ASSERT_TRUE(FileSystem::current().readBytes(board.at("snap_1_1.plist"), bytes));
+  const std::string contents(bytes.view());
   std::vector<std::string> keys;
   for (std::size_t at = 0; (at = contents.find("<key>", at)) != std::string::npos; ++at) {
     keys.push_back(contents.substr(at + 5, contents.find("</key>", at) - at - 5));

@@ -27,9 +27,9 @@ namespace fs = std::filesystem;
 class DiskFiles : public ::testing::Test {
  protected:
   std::string contents(const std::string& path) {
-    std::string found;
-    const FileResult result = files_.readAll(path, found);
-    return result ? found : "(" + result.describe() + ")";
+    FileBytes found;
+    const FileResult result = files_.readBytes(path, found);
+    return result ? std::string(found.view()) : "(" + result.describe() + ")";
   }
 
   TemporaryFolder folder_;
@@ -54,8 +54,8 @@ TEST_F(DiskFiles, APipeIsNeitherReadNorEmptiedNorWaitedFor) {
   const std::string pipe = folder_.at("pipe");
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   EXPECT_EQ(files_.kind(pipe), FileKind::kOther);
-  std::string ignored;
-  EXPECT_EQ(files_.readAll(pipe, ignored).step, FileStep::kOpen);
+  FileBytes ignored;
+  EXPECT_EQ(files_.readBytes(pipe, ignored).step, FileStep::kOpen);
   EXPECT_EQ(files_.createEmptyFile(pipe).step, FileStep::kOpen);
   std::vector<std::string> names;
   EXPECT_EQ(files_.list(pipe, names).step, FileStep::kList);
@@ -64,9 +64,9 @@ TEST_F(DiskFiles, APipeIsNeitherReadNorEmptiedNorWaitedFor) {
 }
 
 TEST_F(DiskFiles, ADeviceIsNoFile) {
-  std::string ignored;
+  FileBytes ignored;
   EXPECT_EQ(files_.kind("/dev/null"), FileKind::kOther);
-  EXPECT_EQ(files_.readAll("/dev/zero", ignored).step, FileStep::kOpen);
+  EXPECT_EQ(files_.readBytes("/dev/zero", ignored).step, FileStep::kOpen);
   EXPECT_EQ(files_.createEmptyFile("/dev/null").step, FileStep::kOpen);
 }
 
@@ -116,7 +116,10 @@ TEST_F(DiskFiles, ASignalDuringAnyCallCostsNothing) {
   interrupt();
   check(files_.writeAll(folder_.at("d/f"), "contents"));
   interrupt();
-  check(files_.readAll(folder_.at("d/f"), read));
+  check(files_.read(folder_.at("d/f"), [&read](std::string_view block) {
+    read += block;
+    return true;
+  }));
   interrupt();
   check(files_.status(folder_.at("d/f"), status));
   interrupt();
@@ -140,7 +143,10 @@ TEST_F(DiskFiles, AReadThatFailsHalfwaySaysSo) {
   ASSERT_TRUE(files_.writeAll(folder_.at("f"), std::string(2 * kFileBlockSize, 'x')));
   calls_.inject(Fault::failing(Call::kRead, 2, EIO));
   std::string read;
-  const FileResult result = files_.readAll(folder_.at("f"), read);
+  const FileResult result = files_.read(folder_.at("f"), [&read](std::string_view block) {
+    read += block;
+    return true;
+  });
   EXPECT_EQ(result.step, FileStep::kRead);
   EXPECT_EQ(result.error, EIO);
   EXPECT_EQ(read.size(), kFileBlockSize) << "what was read before is the caller's";

@@ -2,6 +2,7 @@
 #include <atomic>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -25,7 +26,7 @@ void together(const std::vector<std::function<void()>>& works) {
   for (std::thread& thread : threads) thread.join();
 }
 
-bool isWhole(const std::string& text) {
+bool isWhole(std::string_view text) {
   return text.size() == 100'000 && text.find_first_not_of(text[0]) == std::string::npos;
 }
 
@@ -46,17 +47,17 @@ void writeAndRead(FileSystem& files, const std::string& target) {
   }
   works.emplace_back([&] {
     do {
-      std::string read;
-      const FileResult result = files.readAll(target, read);
+      FileBytes read;
+      const FileResult result = files.readBytes(target, read);
       EXPECT_TRUE(result) << result.describe();
-      EXPECT_TRUE(isWhole(read));
+      EXPECT_TRUE(isWhole(read.view()));
     } while (writing > 0);
   });
   together(works);
-  std::string last;
-  EXPECT_TRUE(files.readAll(target, last));
-  EXPECT_TRUE(isWhole(last));
-  EXPECT_NE(last[0], 'a');
+  FileBytes last;
+  EXPECT_TRUE(files.readBytes(target, last));
+  EXPECT_TRUE(isWhole(last.view()));
+  EXPECT_FALSE(last.view().starts_with('a'));
   EXPECT_FALSE(files.exists(target + std::string(kTemporarySuffix)));
 }
 

@@ -129,9 +129,9 @@ TEST_P(FileContents, OnlyAFileCanBeRead) {
 }
 
 TEST_P(FileContents, AFailureNamesThePathItBelongsTo) {
-  std::string ignored;
-  EXPECT_EQ(files().readAll(at("missing"), ignored).path, at("missing"));
-  EXPECT_EQ(files().readAll(at("missing"), ignored).describe(),
+  FileBytes ignored;
+  EXPECT_EQ(files().readBytes(at("missing"), ignored).path, at("missing"));
+  EXPECT_EQ(files().readBytes(at("missing"), ignored).describe(),
             "open " + at("missing") + ": No such file or directory");
 }
 
@@ -181,12 +181,10 @@ TEST_P(FileContents, ALeftoverTemporaryIsUsedUpByTheNextWrite) {
 TEST_P(FileContents, AnEmptyPathOrANulByteNamesNothing) {
   put("f", "x");
   Names names;
-  std::string ignored;
   FileBytes bytes;
   for (const std::string& path : {std::string(), at("f") + std::string("\0", 1),
                                   at("f") + std::string("\0.plist", 7), std::string("\0", 1)}) {
     EXPECT_EQ(files().kind(path), FileKind::kAbsent);
-    expectFailure(files().readAll(path, ignored), FileStep::kOpen, ENOENT);
     expectFailure(files().readBytes(path, bytes), FileStep::kOpen, ENOENT);
     expectFailure(files().writeAll(path, "new"), FileStep::kOpen, ENOENT);
     expectFailure(files().list(path, names), FileStep::kList, ENOENT);

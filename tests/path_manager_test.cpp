@@ -129,7 +129,7 @@ TEST_F(PathManager, AStorePathOfAFreshAccountMakesTheCachesDirectoryForItsUserAl
   ::umask(before);
   EXPECT_TRUE(fs::is_directory(folder_.at(".cache/boards")));
   EXPECT_EQ(permissions(".cache"), 0700U);
-  EXPECT_EQ(permissions(".cache/boards"), 0755U) << "nobody else comes through the one above";
+  EXPECT_EQ(permissions(".cache/boards"), 0755U) << "the one above keeps others out";
 }
 
 TEST_F(PathManager, AStorePathMakesTheFoldersAboveTheCachesDirectoryToo) {

@@ -1,5 +1,6 @@
 // Who uses which temporary: writers of one target in many threads and processes, and leftovers.
 #include <cerrno>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
@@ -7,6 +8,7 @@
 #include <string_view>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -43,6 +45,26 @@ class ForeignLock {
 
  private:
   int handle_;
+};
+
+// A process that was forked at some moment and does nothing, with every handle of ours open.
+class ForkedHelper {
+ public:
+  ~ForkedHelper() {
+    if (id_ <= 0) return;
+    ::kill(id_, SIGKILL);
+    ::waitpid(id_, nullptr, 0);
+  }
+  void start() {
+    id_ = ::fork();
+    if (id_ == 0) {
+      for (;;) ::pause();
+    }
+  }
+  bool isRunning() const { return id_ > 0; }
+
+ private:
+  pid_t id_ = -1;
 };
 
 class Temporaries : public ::testing::Test {
@@ -149,6 +171,40 @@ TEST_F(Temporaries, OneWithAnOwnNameIsRemovedWhateverFails) {
     }
   }
   EXPECT_GE(failures, 7) << "the loop must have met the calls of a write";
+}
+
+TEST_F(Temporaries, AnObstacleThatReturnsIsRemovedOnceAndThenWrittenAround) {
+  for (int nth = 1; nth <= 5; ++nth) {
+    calls_.before(Call::kOpen, nth, [&] {
+      if (!fs::is_symlink(temporary_)) fs::create_symlink("missing", temporary_);
+    });
+  }
+  EXPECT_TRUE(write("new"));
+  EXPECT_EQ(calls_.count(Call::kRemove), 1);
+  EXPECT_EQ(contents(), "new");
+}
+
+TEST_F(Temporaries, AForkedHelperDoesNotGoOnHoldingTheLockOfAWriter) {
+  ForkedHelper helper;
+  calls_.before(Call::kSync, 1, [&] { helper.start(); });
+  calls_.inject(Fault::failing(Call::kRename, 1, EIO));
+  calls_.inject(Fault::failing(Call::kRemove, 1, EACCES));
+  EXPECT_FALSE(write("new"));
+  ASSERT_TRUE(helper.isRunning());
+  ASSERT_THAT(entries(), ElementsAre("page.plist.tmp"));
+  EXPECT_TRUE(clean(other_));
+  EXPECT_THAT(entries(), ElementsAre());
+}
+
+TEST_F(Temporaries, AForkedHelperDoesNotGoOnHoldingTheLockOfACleaner) {
+  ForkedHelper helper;
+  put("page.plist.tmp");
+  calls_.before(Call::kTryLock, 1, [&] { helper.start(); });
+  calls_.inject(Fault::failing(Call::kRemove, 1, EACCES));
+  EXPECT_FALSE(clean(files_));
+  ASSERT_TRUE(helper.isRunning());
+  EXPECT_TRUE(clean(other_));
+  EXPECT_THAT(entries(), ElementsAre());
 }
 
 TEST_F(Temporaries, AFolderWithoutRoomForAnyNameIsAFailure) {

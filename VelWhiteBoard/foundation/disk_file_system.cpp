@@ -147,7 +147,7 @@ FileResult DiskFileSystem::readBytes(const std::string& path, FileBytes& bytes) 
   bytes = {};
   OpenHandle file(calls_);
   FileInfo info;
-  const FileResult opened = openRegularFile(calls_, path, file, info);
+  FileResult opened = openRegularFile(calls_, path, file, info);
   if (!opened.ok()) return opened;
   ReadBuffer buffer(calls_, info.size);
   for (;;) {

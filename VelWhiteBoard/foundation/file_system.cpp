@@ -79,13 +79,6 @@ FileResult FileSystem::read(const std::string& path, const BlockConsumer& consum
   return opened.ok() ? file->read(consume) : opened;
 }
 
-FileResult FileSystem::readAll(const std::string& path, std::string& contents) {
-  return read(path, [&contents](std::string_view block) {
-    contents.append(block);
-    return true;
-  });
-}
-
 FileResult FileSystem::createEmptyFile(const std::string& path) {
   FileStatus found;
   const bool isKnown = status(path, found).ok();  // if not, the write says why

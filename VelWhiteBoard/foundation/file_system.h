@@ -191,8 +191,6 @@ class FileSystem {
   bool exists(const std::string& path) { return kind(path) != FileKind::kAbsent; }
   /// Opens a regular file and hands its contents to `consume`, see OpenedFile.
   FileResult read(const std::string& path, const BlockConsumer& consume);
-  /// Appends the whole of a regular file to `contents`. On failure `contents` holds what was read.
-  FileResult readAll(const std::string& path, std::string& contents);
   /// Leaves an empty regular file at `path`: a new one, or one that replaces the file there, see
   /// `writeAtomically`. A folder or a special file at `path` is a failure.
   FileResult createEmptyFile(const std::string& path);

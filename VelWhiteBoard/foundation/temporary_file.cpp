@@ -21,7 +21,7 @@ constexpr int kMaxTurns = 1000;
 constexpr char kNumberSeparator = '-';
 // Own names are as many as writers that gave up waiting, and leftovers of some that crashed.
 constexpr int kMaxOwnNames = 1000;
-// Under a name of its own a writer loses only to somebody who tidies up at that moment.
+// Under a name of its own a writer loses only to a cleaner that runs at that moment.
 constexpr int kMaxLostOwnNames = 3;
 
 // Errors which mean that a foreign object has the temporary's name: a symbolic link, a pipe or

@@ -52,9 +52,9 @@ class DamagedBoard {
   void settle() { storage_->saveQueue()->waitUntilAllOperationsAreFinished(); }
 
   std::string contents(const std::string& name) {
-    std::string text;
-    const FileResult read = disk_.readAll(at(name), text);
-    return read ? text : "(" + read.describe() + ")";
+    FileBytes bytes;
+    const FileResult read = disk_.readBytes(at(name), bytes);
+    return read ? std::string(bytes.view()) : "(" + read.describe() + ")";
   }
   void put(const std::string& name, const std::string& text) {
     const FileResult written = disk_.writeAll(at(name), text);

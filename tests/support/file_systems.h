@@ -43,9 +43,9 @@ class FileSystems : public ::testing::TestWithParam<Implementation> {
     ASSERT_TRUE(result) << result.describe();
   }
   std::string contents(const std::string& name) {
-    std::string found;
-    const FileResult result = files().readAll(at(name), found);
-    return result ? found : "(" + result.describe() + ")";
+    FileBytes found;
+    const FileResult result = files().readBytes(at(name), found);
+    return result ? std::string(found.view()) : "(" + result.describe() + ")";
   }
   Names entries(const std::string& path) {
     Names names;

@@ -81,14 +81,14 @@ bool isBoardFile(const std::string& name) {
 }  // namespace
 
 void StrictReader::collectFile(const std::string& path, Records kind) {
-  std::string contents;
-  const FileResult result = FileSystem::current().readAll(path, contents);
+  FileBytes contents;
+  const FileResult result = FileSystem::current().readBytes(path, contents);
   ASSERT_TRUE(result) << result.describe();
   Array records;
   for (const auto& record : recordsOfFile(VelWbBaseVector::ownClass(), path)) {
     records.emplace_back(modelToJSONObject(*record));
   }
-  Gathered::instance().add(nameOfRunningTest() + ": " + path, contents, records,
+  Gathered::instance().add(nameOfRunningTest() + ": " + path, std::string(contents.view()), records,
                            kind == Records::kOdd);
 }
 
@@ -98,10 +98,11 @@ void StrictReader::collect(const std::string& folder, const std::vector<File>& p
   if (!FileSystem::current().list(folder, names)) return;  // a test may have taken it away
   for (const std::string& name : names) {
     const std::string path = folder + "/" + name;
-    std::string contents;
-    if (!FileSystem::current().readAll(path, contents)) continue;  // a folder of the test's
+    FileBytes contents;
+    if (!FileSystem::current().readBytes(path, contents)) continue;  // a folder of the test's
+    const File found(name, contents.view());
     bool isPlanted = false;
-    for (const File& file : planted) isPlanted = isPlanted || file == File(name, contents);
+    for (const File& file : planted) isPlanted = isPlanted || file == found;
     if (isPlanted) continue;
     EXPECT_TRUE(isBoardFile(name)) << path << " is left in the board's folder";
     if (name.ends_with(".plist")) collectFile(path, records);
