@@ -52,7 +52,8 @@ PropertiesByName allProperties() {
 }  // namespace
 
 const Property* propertyOfAnyVector(std::string_view name) {
-  static const PropertiesByName properties = allProperties();
+  // Never destroyed: operations that are queued when the process ends decode records.
+  static const auto& properties = *new PropertiesByName(allProperties());
   const auto found = properties.find(name);
   return found == properties.end() ? nullptr : found->second;
 }
