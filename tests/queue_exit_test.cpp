@@ -98,6 +98,22 @@ TEST_F(QueueExit, AnAwaitedOperationThatEndsTheProcessLosesNothingOfEitherQueue)
   EXPECT_EQ(textOf("late"), "late");
 }
 
+TEST_F(QueueExit, ComesWhileOtherThreadsGoOnAddingAndWaiting) {
+  EXPECT_EQ(endBy("others"), 0);
+  expectAllFilesOfTheQueues();
+  EXPECT_EQ(textOf("behind"), "behind");
+}
+
+TEST_F(QueueExit, ComesThoughAnOperationAddsItselfForEver) {
+  EXPECT_EQ(endBy("forever"), 0);
+  expectAllFilesOfTheQueues();
+}
+
+TEST_F(QueueExit, AnOperationThatRunsOnTheMainThreadAtTheEndReadsJSON) {
+  EXPECT_EQ(endBy("text"), 0);
+  EXPECT_EQ(textOf("parsed"), "yes");
+}
+
 TEST_F(QueueExit, AForkedChildEndsWithoutWaitingForOperationsThatAreItsParents) {
   EXPECT_EQ(endBy("fork"), 0);
   expectAllFilesOfTheQueues();

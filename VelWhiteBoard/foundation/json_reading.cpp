@@ -13,6 +13,7 @@
 #include "VelWhiteBoard/foundation/dictionary_keys.h"
 #include "VelWhiteBoard/foundation/json_mending.h"
 #include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/per_thread.h"
 
 namespace VelWhiteBoard {
 
@@ -42,6 +43,12 @@ class TextParser {
  private:
   dom::parser parser_;
   std::vector<char> buffer_;
+};
+
+/// What a thread keeps from text to text, so that most texts need no memory but their records'.
+struct ReadingMemory {
+  TextParser parser;
+  std::vector<double> numbers;
 };
 
 /// The keys of a parsed object, for the decoding rule. A key that occurs twice has its last value.
@@ -102,7 +109,7 @@ void addPosition(Path& path, const dom::element& element, std::vector<double>& n
 Path pathWithElements(const dom::array& positions) {
   Path path;
   path.reserve(positions.size());
-  thread_local std::vector<double> numbers;
+  std::vector<double>& numbers = ofThisThread<ReadingMemory>().numbers;
   for (const dom::element position : positions) addPosition(path, position, numbers);
   return path;
 }
@@ -222,7 +229,7 @@ std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::ob
 template <class Use>
 auto withParsedText(std::string_view text, const Use& use)
     -> decltype(use(std::declval<const dom::element&>())) {
-  thread_local TextParser parser;
+  TextParser& parser = ofThisThread<ReadingMemory>().parser;
   dom::element element;
   auto error = parser.parse(text).get(element);
   if (error != simdjson::SUCCESS) {

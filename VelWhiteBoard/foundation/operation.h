@@ -33,6 +33,12 @@ class OperationQueue::Operation {
   /// The queue in which it waits or runs, which it keeps alive; null before and after.
   std::shared_ptr<QueueState> queue VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
   bool isRunning VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = false;
+  bool isAwaited VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = false;  // by the end
+  std::uint64_t number VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;
+
+  bool isWaiting() const VELWHITEBOARD_REQUIRES(SharedThreads::mutex) {
+    return queue != nullptr && !isRunning;
+  }
 };
 
 }  // namespace VelWhiteBoard

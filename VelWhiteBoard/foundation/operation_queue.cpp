@@ -4,6 +4,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include <simdjson.h>
+
 #include "VelWhiteBoard/foundation/operation.h"
 #include "VelWhiteBoard/foundation/queue_state.h"
 #include "VelWhiteBoard/foundation/shared_threads.h"
@@ -31,6 +33,9 @@ class DrainAtExit {
 SharedThreads& sharedThreads() {
   // Never destroyed: static objects may add operations from their destructors.
   static auto* const threads = new SharedThreads;
+  // The JSON parser's library makes static objects when it is first used. Used before the drain is
+  // made, they outlive it, so that the last operations can parse.
+  static_cast<void>(simdjson::get_active_implementation()->name());
   static const DrainAtExit drain(*threads);
   return *threads;
 }

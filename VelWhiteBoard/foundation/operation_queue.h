@@ -21,11 +21,21 @@ class QueueState;
 /// Dropping a queue cancels nothing: what was added runs to its end, and each operation must own
 /// what it works on. A queue may be dropped by one of its own operations.
 ///
-/// When the process ends by returning from `main` or by `std::exit`, everything that was added, to
-/// whichever queue, still runs before the process is gone, so an operation that never ends keeps
-/// the process. Objects of static storage made after the first queue are gone when the last
-/// operations run. `std::_Exit`, `std::quick_exit` and `abort` wait for nothing. Forking is not
-/// supported: a child must not use queues, and neither runs nor awaits what its parent added.
+/// When the process ends by returning from `main` or by `std::exit`, the end begins with the
+/// destructors of static objects. What was added before then, to whichever queue, runs before the
+/// process is gone, so an operation that never ends keeps the process. Nothing that other threads
+/// do does. From then on:
+/// - What these operations add runs too, behind them, up to as many as there were and a thousand
+///   more; so an operation that adds itself again for ever does not keep the process.
+/// - What any other thread adds runs on that thread before the call returns, unless its queue has
+///   something to do. Then it runs behind that, by whichever thread, if the process is still there.
+/// - `removeOperation` takes back nothing that was added before.
+/// - `waitUntilAllOperationsAreFinished` does not wait for what is added after the call.
+///
+/// Operations that destructors of static objects add later run on the adding thread before the call
+/// returns. Objects of static storage made after the first queue are gone when the last operations
+/// run. `std::_Exit`, `std::quick_exit` and `abort` wait for nothing. Forking is not supported: a
+/// child must not use queues, and neither runs nor awaits what its parent added.
 ///
 /// Every member function may be called from any thread, from inside an operation too.
 class VELWHITEBOARD_EXPORT OperationQueue {
@@ -55,12 +65,13 @@ class VELWHITEBOARD_EXPORT OperationQueue {
   /// An exception that leaves the operation is swallowed, and the queue goes on with the next. What
   /// the operation holds is released as soon as it has run, before it counts as finished. When the
   /// system grants the process no background thread at all, the operation runs on the adding thread
-  /// before the call returns; one that an operation adds there runs behind it.
+  /// before the call returns; one that an operation adds there runs behind it. So never add while
+  /// holding a lock that the operation takes.
   void addOperation(const OperationPtr& operation) noexcept;
 
   /// Takes an operation back. True: it had not begun, and will not run; what it holds is released
-  /// with the last reference to it. False: it has begun or has run, or is not of this queue. Takes
-  /// the same time however many operations wait.
+  /// with the last reference to it. False: it has begun or has run, is not of this queue, or stays
+  /// because the process ends. Takes the same time however many operations wait.
   bool removeOperation(const OperationPtr& operation) noexcept;
 
   /// How many operations may run at the same time; initially 1. A count below 1 is taken as 1.

@@ -1,5 +1,7 @@
 #include "VelWhiteBoard/foundation/queue_state.h"
 
+#include <algorithm>
+
 namespace VelWhiteBoard {
 
 /// Marks that this thread is inside an operation. Frames nest where an operation waits for another
@@ -50,15 +52,18 @@ void QueueState::add(const OperationPtr& operation) noexcept {
   if (!operation) return;
   const MutexHold hold(SharedThreads::mutex);
   if (operation->place.empty()) return;  // was added before
+  const Frame* const frame = Frame::innermost;
+  threads_.admit(*operation, frame == nullptr ? nullptr : &frame->operation());
   operation->place.front() = operation;
   operation->queue = shared_from_this();
   pending_.splice(pending_.end(), operation->place);
-  threads_.countAdded();
   threads_.settle(*this);
   if (helpers_ > 0) changed_.notifyAll();
   // Inside an operation its thread works on when the operation has ended. Run at once, operations
   // that add one another would pile up on the stack.
-  if (threads_.hasNoThread() && Frame::innermost == nullptr) threads_.workHere();
+  if (frame == nullptr && !threads_.runInBackground(*operation)) {
+    threads_.workHere(*this, *operation);
+  }
 }
 
 bool QueueState::remove(const OperationPtr& operation) noexcept {
@@ -68,11 +73,12 @@ bool QueueState::remove(const OperationPtr& operation) noexcept {
   std::shared_ptr<QueueState> queue;
   const MutexHold hold(SharedThreads::mutex);
   if (operation->queue.get() != this || operation->isRunning) return false;
+  if (threads_.isEnding() && operation->isAwaited) return false;
   removed.splice(removed.end(), pending_, operation->position);
   queue.swap(operation->queue);
-  threads_.countGone();
+  threads_.dismiss(*operation);
   threads_.settle(*this);
-  if (waiters_ > 0 && isIdle()) changed_.notifyAll();
+  wakeWaiting();
   return true;
 }
 
@@ -106,28 +112,52 @@ void QueueState::finish(Operation& operation) {
   running_.erase(operation.position);
   operation.queue.reset();
   progress_.fetch_add(1, std::memory_order_relaxed);
-  threads_.countGone();
-  if (isIdle() ? waiters_ > 0 : helpers_ > 0) changed_.notifyAll();
+  threads_.dismiss(operation);
+  wakeWaiting();
 }
 
 void QueueState::waitUntilIdle() {
   if (isThisThreadInside()) return;
-  // A thread that waits inside an operation works on nothing else. If all of them waited for queues
-  // that none of them runs, they would do so for ever; so each runs the queue that it waits for.
-  const bool helps = Frame::innermost != nullptr;
+  const bool isInsideAnother = Frame::innermost != nullptr;
   const MutexHold hold(SharedThreads::mutex);
-  ++waiters_;
-  if (helps) ++helpers_;
-  while (!isIdle()) {
+  const std::uint64_t number = threads_.lastNumber();
+  while (!isWaitOver(number)) {
+    // A thread that waits inside an operation works on nothing else. If all of them waited for
+    // queues that none of them runs, they would do so for ever; so each runs the queue that it
+    // waits for. At the end there may be no other thread that does.
+    const bool helps = isInsideAnother || threads_.isEnding();
     if (helps && canStart()) {
       runFirst();
       threads_.settle(*this);
     } else {
-      changed_.wait(SharedThreads::mutex);
+      wait(helps);
     }
   }
+}
+
+bool QueueState::isWaitOver(std::uint64_t number) const {
+  if (isIdle()) return true;
+  if (!threads_.isEnding()) return false;
+  // Another thread may go on adding while the process ends, so that the queue is never idle again.
+  const std::uint64_t last = std::max(number, threads_.lastNumberBeforeEnd());
+  if (!pending_.empty() && pending_.front()->number <= last) return false;
+  for (const OperationPtr& operation : running_) {
+    if (operation->number <= last) return false;
+  }
+  return true;
+}
+
+void QueueState::wait(bool helps) {
+  ++waiters_;
+  if (helps) ++helpers_;
+  changed_.wait(SharedThreads::mutex);
   if (helps) --helpers_;
   --waiters_;
+}
+
+void QueueState::wakeWaiting() {
+  if (waiters_ == 0) return;
+  if (isIdle() || helpers_ > 0 || threads_.isEnding()) changed_.notifyAll();
 }
 
 void QueueState::leaveOperationsOfThisThread() {

@@ -54,6 +54,10 @@ class QueueState : public std::enable_shared_from_this<QueueState> {
   class Frame;
 
   bool isIdle() const VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
+  /// Whether a thread that began to wait when `number` was the last operation has waited enough.
+  bool isWaitOver(std::uint64_t number) const VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
+  void wait(bool helps) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
+  void wakeWaiting() VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
   void finish(Operation& operation) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
 
   SharedThreads& threads_;
@@ -63,14 +67,15 @@ class QueueState : public std::enable_shared_from_this<QueueState> {
   Operation::List pending_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
   Operation::List running_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
   std::size_t limit_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 1;
-  std::size_t waiters_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;  // in waitUntilIdle
-  std::size_t helpers_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;  // those that help
+  // Threads that sleep in waitUntilIdle, and those of them that run operations.
+  std::size_t waiters_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;
+  std::size_t helpers_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;
 
-  // The queue's element of the list of queues that have work. It waits in `place_` meanwhile, so
-  // that entering the list allocates nothing.
+  // The queue's element of the lists of queues that have work, made with the queue so that entering
+  // them allocates nothing. `list_` is where it stands, `place_` when the queue has no work.
   SharedThreads::Queues place_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
+  SharedThreads::Queues* list_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = &place_;
   const SharedThreads::Queues::iterator position_;
-  bool isReady_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = false;
 };
 
 }  // namespace VelWhiteBoard

@@ -7,6 +7,13 @@
 #include "VelWhiteBoard/foundation/queue_state.h"
 
 namespace VelWhiteBoard {
+namespace {
+
+// Operations that are run at the end though they were not there when it began: beyond so many, more
+// than there were operations, one that adds itself again for ever has to be assumed.
+constexpr std::size_t kMostFollowUps = 1000;
+
+}  // namespace
 
 // A static object with a destructor would be gone before the last operations run.
 static_assert(std::is_trivially_destructible_v<Mutex>);
@@ -14,55 +21,82 @@ constinit Mutex SharedThreads::mutex;
 
 SharedThreads::SharedThreads(std::size_t maxThreads, ThreadStarter startThread)
     : maxThreads_(maxThreads), startThread_(std::move(startThread)) {
-  threads_.reserve(maxThreads_);  // so that a thread that has been started always finds its place
+  workers_.reserve(maxThreads_);  // so that starting a thread moves none
 }
 
 SharedThreads::~SharedThreads() { drain(); }
 
-void SharedThreads::countAdded() { ++unfinished_; }
+void SharedThreads::admit(Operation& operation, const Operation* adder) {
+  operation.number = ++lastNumber_;
+  operation.isAwaited = !isEnding_ || (adder != nullptr && adder->isAwaited && followUps_ > 0);
+  if (!operation.isAwaited) return;
+  ++awaited_;
+  if (isEnding_) --followUps_;
+}
 
-void SharedThreads::countGone() {
-  if (--unfinished_ == 0) drained_.notifyAll();
+void SharedThreads::dismiss(const Operation& operation) {
+  if (operation.isAwaited && --awaited_ == 0) drained_.notifyAll();
 }
 
 void SharedThreads::settle(QueueState& queue) {
-  const bool isReady = queue.canStart();
-  if (isReady == queue.isReady_) return;
-  queue.isReady_ = isReady;
-  if (!isReady) {
-    queue.place_.splice(queue.place_.end(), ready_, queue.position_);
-    return;
-  }
-  ready_.splice(ready_.end(), queue.place_);
-  callThread();
+  Queues* list = &queue.place_;
+  if (queue.canStart()) list = queue.pending_.front()->isAwaited ? &ready_ : &late_;
+  if (list == queue.list_) return;
+  list->splice(list->end(), *queue.list_, queue.position_);
+  queue.list_ = list;
+  if (list != &queue.place_) callThread();
 }
 
 void SharedThreads::settleStarted(QueueState& queue) {
-  if (queue.isReady_ && queue.canStart()) {  // more than one at a time
-    ready_.splice(ready_.end(), ready_, queue.position_);
-    callThread();
-  } else {
-    settle(queue);
-  }
+  queue.place_.splice(queue.place_.end(), *queue.list_, queue.position_);
+  queue.list_ = &queue.place_;
+  settle(queue);
 }
 
 void SharedThreads::callThread() {
   if (ready_.size() > idle_) grow();
   // A thread that is awake looks for work before it sleeps.
-  if (ready_.size() > idle_ - sleeping_) wake_.notifyOne();
-  drained_.notifyAll();
+  if (ready_.size() + late_.size() > idle_ - sleeping_) wake_.notifyOne();
+  if (isEnding_) drained_.notifyAll();
 }
 
 void SharedThreads::grow() {
-  if (isClosed_ || threads_.size() >= maxThreads_) return;
+  if (hasEnded_ || workers_.size() >= maxThreads_) return;
+  Worker& worker = workers_.emplace_back();
   try {
-    auto work = [this] { this->work(); };
-    threads_.push_back(startThread_ ? startThread_(work) : std::thread(work));
+    auto work = [this, &worker] { this->work(worker); };
+    worker.thread = startThread_ ? startThread_(work) : std::thread(work);
     ++idle_;
   } catch (...) {
-    // The system grants no more threads. Those there are do the work, or the caller when there are
-    // none.
+    // The system grants no more threads. Those there are do the work, or the adding thread when
+    // there are none.
+    workers_.pop_back();
   }
+}
+
+QueueState* SharedThreads::nextQueue() const {
+  if (!ready_.empty()) return ready_.front();
+  return late_.empty() ? nullptr : late_.front();
+}
+
+void SharedThreads::work(Worker& worker) {
+  mutex.lock();
+  while (!hasEnded_) {
+    if (nextQueue() == nullptr) {
+      ++sleeping_;
+      wake_.wait(mutex);
+      --sleeping_;
+      continue;
+    }
+    const std::shared_ptr<QueueState> queue = nextQueue()->shared_from_this();
+    --idle_;
+    worker.isInside = true;
+    queue->runFirst();
+    worker.isInside = false;
+    ++idle_;  // first, because this thread is free for what the queue may start next
+    settle(*queue);
+  }
+  mutex.unlock();
 }
 
 void SharedThreads::takeTurn(QueueState& queue) {
@@ -71,49 +105,62 @@ void SharedThreads::takeTurn(QueueState& queue) {
   settle(queue);
 }
 
-void SharedThreads::work() {
-  mutex.lock();
-  while (!ready_.empty() || !isClosed_) {
-    if (ready_.empty()) {
-      ++sleeping_;
-      wake_.wait(mutex);
-      --sleeping_;
-      continue;
-    }
-    const std::shared_ptr<QueueState> queue = ready_.front()->shared_from_this();
-    --idle_;
-    queue->runFirst();
-    ++idle_;  // first, because this thread is free for what the queue may start next
-    settle(*queue);
-  }
-  mutex.unlock();
+bool SharedThreads::runInBackground(const Operation& operation) const {
+  return isEnding_ ? operation.isAwaited : !workers_.empty();
 }
 
-void SharedThreads::workHere() {
-  while (!ready_.empty()) takeTurn(*ready_.front());
+void SharedThreads::workHere(QueueState& queue, const Operation& operation) {
+  if (!isEnding_) {
+    // There is no other thread, so this one also runs what its operations add.
+    while (!ready_.empty()) takeTurn(*ready_.front());
+    return;
+  }
+  // Awaited operations are left to the end: they may need a lock that the adding thread holds.
+  if (!hasEnded_ && queue.pending_.front().get() != &operation) return;
+  while (operation.isWaiting() && queue.canStart()) takeTurn(queue);
+  for (std::size_t turn = 0; hasEnded_ && turn < kMostFollowUps && !late_.empty(); ++turn) {
+    takeTurn(*late_.front());
+  }
 }
 
 void SharedThreads::drain() {
   QueueState::leaveOperationsOfThisThread();
-  std::vector<std::thread> threads;
-  mutex.lock();
-  while (unfinished_ > 0) {
-    if (ready_.empty()) {
-      drained_.wait(mutex);
-    } else {
-      takeTurn(*ready_.front());
+  {
+    const MutexHold hold(mutex);
+    if (!isEnding_) {
+      isEnding_ = true;
+      endNumber_ = lastNumber_;
+      followUps_ = awaited_ + kMostFollowUps;
     }
+    while (awaited_ > 0) {
+      if (ready_.empty()) {
+        drained_.wait(mutex);
+      } else {
+        takeTurn(*ready_.front());
+      }
+    }
+    hasEnded_ = true;
+    wake_.notifyAll();
   }
-  isClosed_ = true;
-  threads.swap(threads_);
-  wake_.notifyAll();
-  mutex.unlock();
-  for (std::thread& thread : threads) {
-    if (thread.get_id() == std::this_thread::get_id()) {
-      thread.detach();
-    } else {
-      thread.join();
+  endThreads();
+}
+
+void SharedThreads::endThreads() {
+  for (std::size_t at = 0;; ++at) {
+    std::thread ending;
+    {
+      const MutexHold hold(mutex);
+      if (at == workers_.size()) return;
+      Worker& worker = workers_[at];
+      if (!worker.thread.joinable()) continue;
+      // Inside there is a late operation, or the one that ends the process on this very thread.
+      if (worker.isInside) {
+        worker.thread.detach();
+        continue;
+      }
+      ending = std::move(worker.thread);
     }
+    ending.join();
   }
 }
 

@@ -52,8 +52,8 @@ PropertiesByName allProperties() {
 }  // namespace
 
 const Property* propertyOfAnyVector(std::string_view name) {
-  // Never destroyed: files are still read while the process ends.
-  static const PropertiesByName& properties = *new PropertiesByName(allProperties());
+  // Never destroyed: operations that are queued when the process ends decode records.
+  static const auto& properties = *new PropertiesByName(allProperties());
   const auto found = properties.find(name);
   return found == properties.end() ? nullptr : found->second;
 }

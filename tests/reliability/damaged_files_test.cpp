@@ -104,7 +104,7 @@ TEST(ADamagedFile, OfTheVisitedPagesIsSetAsideBeforeTheFirstSwitchIsRecorded) {
     board.settle();
     EXPECT_EQ(board.setAside(), Names{"page.plist.damaged"});
     EXPECT_EQ(board.contents("page.plist.damaged"), damaged);
-    EXPECT_EQ(loadPages(board.at(kPagesName)).size(), 1U);
+    EXPECT_EQ(readPages(board.at(kPagesName)).list.size(), 1U);
   }
 }
 

@@ -256,7 +256,7 @@ TEST_F(AFault, OfMakingTheFolderIsMadeGoodOnceThereIsAFolder) {
     lesson.save();
     EXPECT_EQ(identifiersIn(boardFolder(below) + "/" + wholeName("1_1")),
               (std::set<std::string>{"a", "a text", "b", "b text"}));
-    EXPECT_EQ(loadPages(pageListFile(boardFolder(below))).size(), 3U);
+    EXPECT_EQ(readPages(pageListFile(boardFolder(below))).list.size(), 3U);
   }
 }
 

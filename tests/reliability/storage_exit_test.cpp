@@ -29,12 +29,12 @@ TEST_P(TheEndWithAFullQueue, LeavesEverythingOnTheDisk) {
   ASSERT_EQ(WEXITSTATUS(status), 0);
 
   const std::string folder = boardFolder(parent.path());
-  EXPECT_EQ(loadPages(pageListFile(folder)).size(), static_cast<std::size_t>(kPages));
+  EXPECT_EQ(readPages(pageListFile(folder)).list.size(), static_cast<std::size_t>(kPages));
   for (int number = 1; number <= kPages + 1; ++number) {
     const std::string key = "1_" + std::to_string(number);
     const std::size_t expected = number <= kPages ? kVectors : 2;
-    EXPECT_EQ(loadVectors(wholeListFile(folder, key)).size(), expected) << key;
-    EXPECT_EQ(loadVectors(snapListFile(folder, key)).size(), expected) << key;
+    EXPECT_EQ(readVectors(wholeListFile(folder, key)).list.size(), expected) << key;
+    EXPECT_EQ(readVectors(snapListFile(folder, key)).list.size(), expected) << key;
   }
   EXPECT_EQ(namesIn(folder, ".tmp"), std::vector<std::string>());
 }

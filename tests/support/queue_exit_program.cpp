@@ -10,8 +10,10 @@
 #include <unistd.h>
 #include <vector>
 
+#include "VelWhiteBoard/foundation/model_mapping.h"
 #include "VelWhiteBoard/foundation/operation_queue.h"
 #include "VelWhiteBoard/foundation/shared_threads.h"
+#include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/gate.h"
 
@@ -114,6 +116,55 @@ void addChain(OperationQueue& queue, int left) {
   std::abort();
 }
 
+/// Other threads go on adding to a queue of their own and to one that has work, and waiting for
+/// both.
+void endWhileOthersGoOn() {
+  static auto* const queues = new std::vector<OperationQueue>(2);
+  static auto* const begun = new Meeting(4);
+  std::function<void(std::size_t)> goOn = [](std::size_t at) {
+    begun->arrive();
+    for (int round = 0;; ++round) {
+      (*queues)[at % 2].addOperationWithBlock([] {});
+      if (at == 2 && round % 1000 == 0) (*queues)[1].waitUntilAllOperationsAreFinished();
+    }
+  };
+  for (const std::size_t at : {0U, 1U, 2U}) std::thread(goOn, at).detach();
+  begun->arrive();
+  filledQueues();
+  (*queues)[1].addOperationWithBlock(writing("behind"));
+}
+
+void addForEver(OperationQueue& queue) {
+  queue.addOperationWithBlock([&queue] { addForEver(queue); });
+}
+
+/// The last operation runs on the main thread, since all others wait for it, and parses a text as
+/// the main thread has done before.
+void endWithATextToRead() {
+  constexpr int kThreads = static_cast<int>(SharedThreads::kMaxThreads);
+  static auto* const hanging = new std::vector<OperationQueue>(kThreads);
+  static auto* const allHang = new Meeting(kThreads + 1);
+  static auto* const gate = new Gate;
+  const std::string text =
+      R"({"type": "line", "ID": ")" + std::string(100'000, 'x') + R"(", "path": [[1, 2, 3]]})";
+  const auto parse = [text] {
+    const auto line = std::dynamic_pointer_cast<VelWbVecLine>(modelWithJSON<VelWbVecLine>(text));
+    return line != nullptr && line->ID->size() == 100'000 && line->path->size() == 1;
+  };
+  if (!parse()) return;
+  for (OperationQueue& queue : *hanging) {
+    queue.addOperationWithBlock([] {
+      allHang->arrive();
+      gate->pass();
+    });
+  }
+  allHang->arrive();
+  ofStaticStorage.addOperationWithBlock([parse] {
+    write("parsed", parse() ? "yes" : "no");
+    gate->open();
+  });
+}
+
 int endInAForkedChild() {
   filledQueues();
   if (::fork() == 0) std::exit(0);
@@ -139,6 +190,13 @@ int end(const std::string& way) {
     endInsideAnOperation();
   } else if (way == "inside-awaited") {
     endInsideAnOperationThatAnotherWaitsFor();
+  } else if (way == "others") {
+    endWhileOthersGoOn();
+  } else if (way == "forever") {
+    addForEver(ofStaticStorage);
+    filledQueues();
+  } else if (way == "text") {
+    endWithATextToRead();
   } else if (way == "fork") {
     return endInAForkedChild();
   } else {
@@ -152,6 +210,7 @@ int end(const std::string& way) {
 
 int main(int count, char** arguments) {
   if (count != 3) return 2;
+  ::alarm(100);  // a process that does not end fails its test
   VelWhiteBoard::folder = arguments[2];
   return VelWhiteBoard::end(arguments[1]);
 }

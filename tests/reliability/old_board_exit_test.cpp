@@ -1,0 +1,73 @@
+// A process that opens boards which were there before, draws one stroke on each and ends at once:
+// it ends without a signal, and the strokes are on the disk.
+#include <cstdlib>
+#include <set>
+#include <string>
+#include <sys/wait.h>
+#include <tuple>
+
+#include <gtest/gtest.h>
+
+#include "VelWhiteBoard/storage/board_files.h"
+
+#include "tests/reliability/generations.h"
+#include "tests/support/temporary_folder.h"
+
+namespace VelWhiteBoard {
+namespace {
+
+/// A crash that depends on which thread runs the last save needs some processes to show.
+constexpr int kProcesses = 25;
+
+class TheEndWithOldBoards : public ::testing::TestWithParam<std::tuple<const char*, int>> {
+ protected:
+  /// Answers what `std::system` does.
+  int run(const std::string& way, const std::string& identifier) {
+    const std::string command = "'" VELWB_OLD_BOARD_EXIT_PROGRAM "' " + way + " '" +
+                                folder_.path() + "' " + std::to_string(boards()) + " '" +
+                                identifier + "'";
+    return std::system(command.c_str());
+  }
+
+  std::string way() const { return std::get<0>(GetParam()); }
+  int boards() const { return std::get<1>(GetParam()); }
+  std::string board(int number) const { return boardFolder(folder_.at(std::to_string(number))); }
+
+ private:
+  const TemporaryFolder folder_;
+};
+
+TEST_P(TheEndWithOldBoards, IsNoCrashAndLeavesEveryStrokeOnTheDisk) {
+  ASSERT_EQ(run("make", ""), 0);
+  for (int process = 0; process < kProcesses; ++process) {
+    const std::string identifier = "new " + std::to_string(process);
+    const int status = run(way(), identifier);
+    ASSERT_TRUE(WIFEXITED(status)) << "process " << process;
+    ASSERT_EQ(WEXITSTATUS(status), 0) << "process " << process;
+    for (int number = 0; number < boards(); ++number) {
+      EXPECT_EQ(identifiersIn(wholeListFile(board(number), "1_1")).count(identifier), 1U);
+      EXPECT_EQ(identifiersIn(snapListFile(board(number), "1_1")).count(identifier), 1U);
+    }
+  }
+  // Nothing of the earlier processes went missing on the way.
+  for (int number = 0; number < boards(); ++number) {
+    const std::set<std::string> found = identifiersIn(wholeListFile(board(number), "1_1"));
+    for (int process = 0; process < kProcesses; ++process) {
+      EXPECT_EQ(found.count("new " + std::to_string(process)), 1U) << process;
+    }
+    EXPECT_EQ(found.count("old 0"), 1U);
+    EXPECT_EQ(found.count("old 1999"), 1U);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, TheEndWithOldBoards,
+                         ::testing::Combine(::testing::Values("return", "exit", "inside", "thread",
+                                                              "busy", "busy_and_waiting"),
+                                            ::testing::Values(1, 8)),
+                         [](const auto& parameters) {
+                           return std::string(std::get<0>(parameters.param)) + "_" +
+                                  std::to_string(std::get<1>(parameters.param));
+                         });
+
+}  // namespace
+}  // namespace VelWhiteBoard
