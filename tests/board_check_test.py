@@ -40,7 +40,7 @@ class Boards(CheckedBoards):
                 self.assertIn("whole_7_1.plist: DAMAGED at line ", result.stdout)
                 saved = text[:size].count(b"\n\t</dict>")
                 if saved > 0:
-                    self.assertEqual(self.recovered("whole_7_1.plist"), whole[:saved])
+                    self.assertEqual(self.recovered("whole_7_1.plist")[:saved], whole[:saved])
                 self.assertEqual(self.recovered("snap_7_1.plist"),
                                  plist(self.whole_board / "whiteBoard" / "snap_7_1.plist"))
 

@@ -1,16 +1,14 @@
 // What can be told of the files of a board, without changing any.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <map>
-#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/property_list_reader.h"
+#include "list_reading.h"
 
 namespace board_check {
 
@@ -20,53 +18,61 @@ class NoBoard : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// A place in a text, counted from 1.
-struct Place {
-  std::uint64_t line = 1;
-  std::uint64_t column = 1;
-};
-
-/// One property list: its records up to the end, or up to where it breaks.
+/// A file that may hold a list.
 struct ListFile {
   std::filesystem::path path;
   bool exists = false;
-  /// Why the file cannot be read at all; none when it can.
-  std::optional<std::string> cannotRead;
-  VelWhiteBoard::PropertyListResult result;
-  VelWhiteBoard::RecordList records;
-  /// Type name -> how many records have it.
-  std::map<std::string, std::size_t> types;
-  /// Where the file begins to differ from what the library would write; none when it does not.
-  std::optional<Place> differsAt;
+  Reading reading;
 
-  bool isSound() const { return exists && !cannotRead && result.ok(); }
+  bool isSound() const { return exists && reading.isSound(); }
+  bool wasGiven() const { return !exists || reading.wasGiven(); }
 };
 
 /// One list of a board, and what may lie beside it.
 struct StoredList {
   ListFile current;
-  /// An earlier one that the library could not read and set aside before it was replaced.
-  ListFile setAside;
-  /// A write that did not end.
-  ListFile temporary;
+  /// Those before it that the library did not read and moved aside, oldest first.
+  std::vector<ListFile> setAside;
+  /// Writes that did not end.
+  std::vector<ListFile> temporaries;
+  /// Whether a temporary may stand in for the list. Not when all that is left of a page is
+  /// temporaries: the page was cleared, or no write of it ever ended.
+  bool mayUseTemporaries = true;
 
-  bool isFine() const { return current.isSound() && !setAside.exists; }
+  bool isFine() const { return current.isSound() && setAside.empty(); }
   /// Whether there is more than an unfinished write.
-  bool isKnown() const { return current.exists || setAside.exists; }
-  /// The file to go by now: the temporary only when that says more than a broken or missing file.
+  bool isKnown() const { return current.exists || !setAside.empty(); }
+  bool wasGiven() const;
+  /// The file to go by now: a temporary only when it says more than a broken or missing file.
   const ListFile& best() const;
+  /// All there is to go by, oldest first.
+  std::vector<const ListFile*> sources() const;
   /// Whether nothing of the list is missing.
   bool isComplete() const;
-  /// All that can be read, oldest first: what was set aside, then what came since.
-  VelWhiteBoard::RecordList savedRecords() const;
+};
+
+/// Of how many entries one of a page's files knows more than the other.
+struct Comparison {
+  std::uint64_t logIsAhead = 0;
+  std::uint64_t snapshotIsAhead = 0;
+  /// One identifier for each.
+  std::string exampleOfLog;
+  std::string exampleOfSnapshot;
+  /// The log is too long to be compared.
+  bool lackedMemory = false;
+
+  bool isInStep() const { return logIsAhead == 0 && snapshotIsAhead == 0 && !lackedMemory; }
 };
 
 /// The two lists of one page.
 struct PageFiles {
   StoredList whole;
   StoredList snap;
+  Comparison comparison;
 
   bool isKnown() const { return whole.isKnown() || snap.isKnown(); }
+  bool isFine() const { return whole.isFine() && snap.isFine() && comparison.isInStep(); }
+  bool wasGiven() const { return whole.wasGiven() && snap.wasGiven() && !comparison.lackedMemory; }
 };
 
 /// A board's folder.
@@ -83,10 +89,9 @@ struct BoardFiles {
   bool isEmpty() const;
   bool hasKnownPages() const;
   bool isAllFine() const;
+  /// Whether the system gave every file.
+  bool wasAllGiven() const;
 };
-
-/// Reads one property list of vectors; `asked` as the library asks for.
-ListFile inspectFile(const std::filesystem::path& path, const VelWhiteBoard::RecordClass& asked);
 
 /// Reads the whole board in `directory`, or in the folder "whiteBoard" there. Throws NoBoard when
 /// neither holds one, std::filesystem::filesystem_error when a folder cannot be listed.

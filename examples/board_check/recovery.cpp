@@ -1,15 +1,17 @@
 #include "recovery.h"
 
 #include <algorithm>
-#include <memory>
+#include <new>
 #include <ostream>
 #include <set>
 #include <string>
 
-#include "VelWhiteBoard/foundation/file_system.h"
-#include "VelWhiteBoard/foundation/property_list_writer.h"
-#include "VelWhiteBoard/storage/vector_storage.h"
 #include "VelWhiteBoard/vectors/commands.h"
+
+#include "file_name.h"
+#include "new_list.h"
+#include "page_recovery.h"
+#include "printable.h"
 
 namespace board_check {
 
@@ -18,117 +20,70 @@ using namespace VelWhiteBoard;
 
 namespace {
 
-template <class Records>
-void writeList(const fs::path& path, const Records& records) {
-  const FileResult written =
-      FileSystem::current().writeAtomically(path.string(), [&](const BlockConsumer& consume) {
-        PropertyListWriter writer(consume);
-        for (const auto& record : records) {
-          if (!writer.add(*record)) return false;
-        }
-        return writer.finish();
-      });
-  if (!written.ok()) throw CannotRecover(written.describe());
-}
+/// The new board has this name until it is whole.
+constexpr const char* kUnfinishedName = "whiteBoard-unfinished";
 
-std::shared_ptr<VelWbVecSwitchPage> pageOfKey(const std::string& key) {
-  const auto page = VelWbVecSwitchPage::initWithType("switchPage");
-  const std::size_t bar = key.find('_');
-  page->WBID = std::stoll(key.substr(0, bar));
-  page->curPage = std::stoull(key.substr(bar + 1));
-  return page;
-}
-
-/// The present state of a page, from its log: the log is played into a board of its own, since only
-/// the storage knows how vectors become a page. Changes the records.
-VectorList replay(const std::string& key, const RecordList& log, const fs::path& scratch) {
-  const auto storage = VWBVectorStorage::initWithPath(scratch.string());
-  storage->switchPage(pageOfKey(key));  // not to be recorded: nobody asks for the pages visited
-  storage->setIgnoreChanges(false);
-  for (const auto& record : log) {
-    storage->saveVector(std::static_pointer_cast<VelWbBaseVector>(record));
+/// The keys of the pages whose visits are known.
+class VisitedKeys final : public ListVisitor {
+ public:
+  void takeRecord(const std::shared_ptr<Record>& record) override {
+    if (const auto* page = recordCast<const VelWbVecSwitchPage>(record.get())) {
+      keys_.insert(page->pageInfo());
+    }
   }
-  const auto lists = storage->snapVectorss();
-  storage->saveQueue()->waitUntilAllOperationsAreFinished();
-  fs::remove_all(scratch);
-  return lists.at(key);
+  bool contains(const std::string& key) const { return keys_.contains(key); }
+
+ private:
+  std::set<std::string> keys_;
+};
+
+void recoverPageList(const BoardFiles& board, const fs::path& folder, std::ostream& out) {
+  const StoredList& list = board.pageList;
+  const std::vector<const ListFile*> sources = list.sources();
+  VisitedKeys visited;
+  readAll(sources, VelWbVecSwitchPage::ownClass(), visited);
+  std::uint64_t madeUp = 0;
+  const std::uint64_t records = writeList(folder / kPageListName, [&](const AddRecord& add) {
+    // What is missing in the list of visits is at least findable: each page once, at the beginning.
+    for (const auto& [key, page] : board.pages) {
+      if (list.isFine() || !page.isKnown() || visited.contains(key)) continue;
+      add(*pageOfKey(key));
+      ++madeUp;
+    }
+    forEachVisit(sources, add);
+  });
+  if (list.isFine()) return;
+  out << "page.plist: " << counted(records - madeUp, "record") << " kept" << originOf(list) << "; "
+      << madeUp << " made up from the names of files.\n";
 }
 
-std::string count(std::size_t records) {
-  return std::to_string(records) + (records == 1 ? " record" : " records");
-}
-
-/// What a list was pieced together from, where that is not simply its file.
-std::string origin(const StoredList& list) {
-  std::string text;
-  if (!list.setAside.records.empty()) {
-    text += ", " + std::to_string(list.setAside.records.size()) + " of them set aside earlier";
-  }
-  if (!list.temporary.records.empty() && &list.best() == &list.temporary) {
-    text += ", " + std::to_string(list.temporary.records.size()) +
-            " of them from a write that did not end";
-  }
-  return text;
-}
-
-/// Writes the log and answers what it holds.
-RecordList recoverLog(const PageFiles& page, const fs::path& file, std::ostream& out) {
-  RecordList log = page.whole.savedRecords();
-  if (!log.empty() || page.whole.isComplete()) {
-    writeList(file, log);
-    out << "log of " << count(log.size()) << origin(page.whole);
-    return log;
-  }
-  // Without a log, the state is all that is known of how the page came about.
-  const RecordList state = page.snap.savedRecords();
-  writeList(file, state);
-  out << "log lost, its place taken by the " << count(state.size()) << " of the snapshot";
-  return {};
-}
-
-void recoverPage(const std::string& key, const PageFiles& page, const fs::path& folder,
-                 const fs::path& scratch, std::ostream& out) {
-  out << "page " << key << ": ";
-  const RecordList log = recoverLog(page, folder / ("whole_" + key + ".plist"), out);
-  const fs::path snap = folder / ("snap_" + key + ".plist");
-  const RecordList left = page.snap.savedRecords();
-  if (page.snap.isFine()) {
-    writeList(snap, left);
-    out << "; snapshot of " << count(left.size()) << ".\n";
-    return;
-  }
-  const VectorList rebuilt = log.empty() ? VectorList() : replay(key, log, scratch);
-  // A log that is not whole may say less than what is left of the snapshot.
-  const bool isRebuiltBetter = !log.empty() && rebuilt.size() >= left.size();
-  if (page.whole.isComplete() || isRebuiltBetter) {
-    writeList(snap, rebuilt);
-    out << "; snapshot rebuilt from the log, " << count(rebuilt.size()) << ".\n";
-  } else {
-    writeList(snap, left);
-    out << "; snapshot " << (page.snap.isComplete() ? "of " : "cut off after ")
-        << count(left.size()) << origin(page.snap) << ".\n";
+/// Pages of which nothing but temporaries is there.
+void tellWhatIsSkipped(const std::string& key, const PageFiles& page, std::ostream& out) {
+  if (page.whole.mayUseTemporaries) return;
+  for (const StoredList* list : {&page.whole, &page.snap}) {
+    for (const ListFile& file : list->temporaries) {
+      out << "page " << key << ": " << file.path.filename().string()
+          << " skipped: it is a write that did not end, neither file of the page is there, and the "
+             "page may have been cleared.\n";
+    }
   }
 }
 
-RecordList visitedPages(const BoardFiles& board, std::ostream& out) {
-  RecordList pages;
-  std::set<std::string> listed;
-  for (const auto& record : board.pageList.savedRecords()) {
-    const auto* page = recordCast<VelWbVecSwitchPage>(record.get());
-    if (page == nullptr) continue;
-    pages.push_back(record);
-    listed.insert(page->pageInfo());
-  }
-  if (board.pageList.isFine()) return pages;
-  // What is missing in the list of visits is at least findable: each page once, at the beginning.
-  RecordList all;
+bool recoverPages(const BoardFiles& board, const fs::path& folder, std::ostream& out) {
+  bool areAllWritten = true;
   for (const auto& [key, page] : board.pages) {
-    if (!listed.contains(key)) all.push_back(pageOfKey(key));
+    tellWhatIsSkipped(key, page, out);
+    if (!page.isKnown()) continue;
+    try {
+      recoverPage(key, page, folder, out);
+    } catch (const std::bad_alloc&) {
+      out << "left out: no memory.\n";
+      fs::remove(folder / wholeName(key));
+      fs::remove(folder / snapName(key));
+      areAllWritten = false;
+    }
   }
-  out << "page.plist: " << count(pages.size()) << " kept" << origin(board.pageList) << "; "
-      << all.size() << " made up from the names of files.\n";
-  all.insert(all.end(), pages.begin(), pages.end());
-  return all;
+  return areAllWritten;
 }
 
 fs::path withoutLinks(const fs::path& path) {
@@ -160,20 +115,38 @@ void requireNothingAt(const fs::path& target, const BoardFiles& board) {
   }
 }
 
+/// Removes what was written, unless the board has got its name.
+class Unfinished {
+ public:
+  explicit Unfinished(fs::path folder) : folder_(std::move(folder)) {}
+  ~Unfinished() {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+  }
+  Unfinished(const Unfinished&) = delete;
+  Unfinished& operator=(const Unfinished&) = delete;
+
+  const fs::path& folder() const { return folder_; }
+
+ private:
+  fs::path folder_;
+};
+
 }  // namespace
 
-void recover(const BoardFiles& board, const fs::path& target, std::ostream& out) {
+bool recover(const BoardFiles& board, const fs::path& target, std::ostream& out) {
   requireNothingAt(target, board);
   const fs::path folder = target / "whiteBoard";
+  const Unfinished unfinished(target / kUnfinishedName);
   std::error_code error;
-  if (!fs::create_directories(folder, error)) {
+  if (!fs::create_directories(unfinished.folder(), error)) {
     throw CannotRecover("cannot make " + folder.string() + ": " + error.message());
   }
-  for (const auto& [key, page] : board.pages) {
-    recoverPage(key, page, folder, target / "scratch", out);
-  }
-  writeList(folder / "page.plist", visitedPages(board, out));
+  const bool areAllWritten = recoverPages(board, unfinished.folder(), out);
+  recoverPageList(board, unfinished.folder(), out);
+  fs::rename(unfinished.folder(), folder);
   out << "The new board is " << folder.string() << ".\n";
+  return areAllWritten;
 }
 
 }  // namespace board_check

@@ -29,7 +29,8 @@ folder "whiteBoard" below DIR, and nothing else in DIR is touched.
 
 Exit status: 0 when the board's files hold the whole lesson; 1 when lines were skipped,
 a page came back different or the clients disagree; 2 when the lesson could not be
-played: a wrong option, a missing file, a folder that cannot be written.)";
+played: a wrong option, a missing file, a folder that cannot be written, a full disk under
+a picture or the report.)";
 
 /// One side of "1280x720"; none when it is no whole number or out of range.
 std::optional<double> sideOf(std::string_view text) {

@@ -1,5 +1,6 @@
 #include "lesson_log.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <iostream>
 #include <system_error>
@@ -28,7 +29,9 @@ std::optional<std::string_view> LessonLog::nextLine() {
     bytesRead_ += line_.size() + 1;
     if (line_.find_first_not_of(" \t\r") != std::string::npos) return line_;
   }
-  if (input_.bad()) throw CannotRun("reading " + file_ + " failed");
+  // Of a failure to read standard input, only the C stream behind it tells.
+  const bool inputFailed = &input_ == &std::cin && std::ferror(stdin) != 0;
+  if (input_.bad() || inputFailed) throw CannotRun("reading " + file_ + " failed");
   return std::nullopt;
 }
 

@@ -2,9 +2,10 @@
 #include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <variant>
 
-#include "cannot_run.h"
+#include "../standard_streams.h"
 #include "command_line.h"
 #include "session.h"
 
@@ -13,17 +14,23 @@ namespace {
 constexpr int kSomethingLost = 1;
 constexpr int kCouldNotRun = 2;
 
+int runCommand(int argc, char** argv) {
+  const auto parsed = lesson::parseCommandLine(argc, argv);
+  if (const int* status = std::get_if<int>(&parsed)) return *status;
+  return lesson::runLesson(std::get<lesson::Options>(parsed)) ? EXIT_SUCCESS : kSomethingLost;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  int status = kCouldNotRun;
   try {
-    const auto parsed = lesson::parseCommandLine(argc, argv);
-    if (const int* status = std::get_if<int>(&parsed)) return *status;
-    return lesson::runLesson(std::get<lesson::Options>(parsed)) ? EXIT_SUCCESS : kSomethingLost;
-  } catch (const lesson::CannotRun& reason) {
-    std::cerr << "lesson: " << reason.what() << '\n';
+    example::keepStandardStreams();
+    status = runCommand(argc, argv);
+  } catch (const std::bad_alloc&) {
+    std::cerr << "lesson: no memory\n";
   } catch (const std::exception& error) {
     std::cerr << "lesson: " << error.what() << '\n';
   }
-  return kCouldNotRun;
+  return example::wasOutputTaken("lesson") ? status : kCouldNotRun;
 }

@@ -49,5 +49,6 @@ int main() {
   const VectorList entries = reopened->switchPage(reopened->latestPage());
   const bool same = entries.size() == 1 && *entries.front() == *stroke;
   std::cout << reopened->folder() << (same ? " holds the stroke.\n" : " lost the stroke!\n");
-  return same ? 0 : 1;
+  if (!std::cout.flush()) std::cerr << "quickstart: cannot write to standard output\n";
+  return same && std::cout ? 0 : 1;
 }

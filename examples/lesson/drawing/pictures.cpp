@@ -1,6 +1,8 @@
 #include "drawing/pictures.h"
 
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include <cairo-svg.h>
 #include <cairo.h>
@@ -30,6 +32,35 @@ cairo_status_t draw(cairo_surface_t* surface, const vwb::VectorList& snapshot, v
   return cairo_status(context.get());
 }
 
+/// A picture's file, which gets its name once it is whole: a full disk leaves the picture that was
+/// there, or none.
+class PictureFile {
+ public:
+  explicit PictureFile(const std::string& path) : path_(path), temporary_(path + ".tmp") {}
+  ~PictureFile() {
+    std::error_code ignored;
+    if (!isWhole_) std::filesystem::remove(temporary_, ignored);
+  }
+  PictureFile(const PictureFile&) = delete;
+  PictureFile& operator=(const PictureFile&) = delete;
+
+  /// Where to write.
+  const char* temporary() const { return temporary_.c_str(); }
+
+  void finish(cairo_status_t status) {
+    require(status, path_);
+    std::error_code error;
+    std::filesystem::rename(temporary_, path_, error);
+    if (error) throw CannotRun("cannot write " + path_ + ": " + error.message());
+    isWhole_ = true;
+  }
+
+ private:
+  std::string path_;
+  std::string temporary_;
+  bool isWhole_ = false;
+};
+
 SurfacePtr pictureOf(const vwb::VectorList& snapshot, vwb::Size size) {
   SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(size.width),
                                                 static_cast<int>(size.height)));
@@ -41,16 +72,18 @@ SurfacePtr pictureOf(const vwb::VectorList& snapshot, vwb::Size size) {
 }  // namespace
 
 void writeSvg(const std::string& path, const vwb::VectorList& snapshot, vwb::Size size) {
-  const SurfacePtr surface(cairo_svg_surface_create(path.c_str(), size.width, size.height));
+  PictureFile file(path);
+  const SurfacePtr surface(cairo_svg_surface_create(file.temporary(), size.width, size.height));
   cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PX);
   cairo_surface_set_fallback_resolution(surface.get(), kPixelsPerInch, kPixelsPerInch);
   require(draw(surface.get(), snapshot, size), path);
   cairo_surface_finish(surface.get());  // writes the file, and tells whether that worked
-  require(cairo_surface_status(surface.get()), path);
+  file.finish(cairo_surface_status(surface.get()));
 }
 
 void writePng(const std::string& path, const vwb::VectorList& snapshot, vwb::Size size) {
-  require(cairo_surface_write_to_png(pictureOf(snapshot, size).get(), path.c_str()), path);
+  PictureFile file(path);
+  file.finish(cairo_surface_write_to_png(pictureOf(snapshot, size).get(), file.temporary()));
 }
 
 std::vector<std::byte> pixelsOf(const vwb::VectorList& snapshot, vwb::Size size) {
