@@ -2,9 +2,9 @@
 /// What stands behind `OperationQueue::Operation`.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <list>
 #include <memory>
 #include <utility>
 
@@ -14,31 +14,58 @@
 
 namespace VelWhiteBoard {
 
-/// A piece of work, and its place in the lists of a queue. The place is made with the operation and
-/// moves from list to list, so that adding, starting and removing it allocate nothing.
+/// A piece of work, and its links in the lists of a queue. The links are part of it, so that
+/// adding, starting and removing it allocate nothing.
 class OperationQueue::Operation {
  public:
-  using List = std::list<std::shared_ptr<Operation>>;
+  enum class Stage : std::uint8_t { kNew, kWaiting, kRunning, kGone };
 
-  explicit Operation(std::function<void()> block) : work(std::move(block)) {}
+  explicit Operation(std::function<void()>&& block) : work(std::move(block)) {}
   Operation(const Operation&) = delete;
   Operation& operator=(const Operation&) = delete;
 
   /// Before the operation is added it belongs to the caller, from then on to the running thread.
   std::function<void()> work;
 
-  /// One empty element until the operation is added, and none from then on.
-  List place VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = List(1);
-  List::iterator position VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = place.begin();
-  /// The queue in which it waits or runs, which it keeps alive; null before and after.
-  std::shared_ptr<QueueState> queue VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
-  bool isRunning VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = false;
+  Stage stage VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = Stage::kNew;
   bool isAwaited VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = false;  // by the end
   std::uint64_t number VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;
+  /// Keeps the operation alive while it waits.
+  std::shared_ptr<Operation> self VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
+  /// The queue in which it waits or runs; null before and after.
+  QueueState* queue VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = nullptr;
+  Operation* previous VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = nullptr;
+  Operation* next VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = nullptr;
+};
 
-  bool isWaiting() const VELWHITEBOARD_REQUIRES(SharedThreads::mutex) {
-    return queue != nullptr && !isRunning;
+/// Operations in order, linked by themselves. An operation is in at most one list.
+class OperationList {
+ public:
+  using Operation = OperationQueue::Operation;
+
+  bool isEmpty() const { return first_ == nullptr; }
+  std::size_t size() const { return size_; }
+  /// Null when the list is empty.
+  Operation* first() const { return first_; }
+
+  void append(Operation& operation) VELWHITEBOARD_REQUIRES(SharedThreads::mutex) {
+    operation.previous = last_;
+    operation.next = nullptr;
+    (last_ == nullptr ? first_ : last_->next) = &operation;
+    last_ = &operation;
+    ++size_;
   }
+
+  void remove(Operation& operation) VELWHITEBOARD_REQUIRES(SharedThreads::mutex) {
+    (operation.previous == nullptr ? first_ : operation.previous->next) = operation.next;
+    (operation.next == nullptr ? last_ : operation.next->previous) = operation.previous;
+    --size_;
+  }
+
+ private:
+  Operation* first_ = nullptr;
+  Operation* last_ = nullptr;
+  std::size_t size_ = 0;
 };
 
 }  // namespace VelWhiteBoard

@@ -49,7 +49,8 @@ OperationQueue::~OperationQueue() = default;
 // The following keep the state alive by themselves: the queue may be gone before the call returns.
 
 void OperationQueue::addOperationWithBlock(std::function<void()> work) {
-  addOperation(makeOperation(std::move(work)));
+  const std::shared_ptr<QueueState> state = state_;
+  if (work) state->add(std::make_shared<Operation>(std::move(work)));
 }
 
 OperationQueue::OperationPtr OperationQueue::makeOperation(std::function<void()> work) {

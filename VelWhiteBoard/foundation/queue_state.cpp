@@ -1,6 +1,7 @@
 #include "VelWhiteBoard/foundation/queue_state.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace VelWhiteBoard {
 
@@ -44,41 +45,39 @@ bool QueueState::isThisThreadInside() const noexcept {
   return frame != nullptr;
 }
 
-bool QueueState::isIdle() const { return pending_.empty() && running_.empty(); }
+bool QueueState::isIdle() const { return pending_.isEmpty() && running_.isEmpty(); }
 
-bool QueueState::canStart() const { return !pending_.empty() && running_.size() < limit_; }
+bool QueueState::canStart() const { return !pending_.isEmpty() && running_.size() < limit_; }
 
-void QueueState::add(const OperationPtr& operation) noexcept {
+void QueueState::add(OperationPtr operation) noexcept {
   if (!operation) return;
   const MutexHold hold(SharedThreads::mutex);
-  if (operation->place.empty()) return;  // was added before
+  Operation& added = *operation;
+  if (added.stage != Operation::Stage::kNew) return;
   const Frame* const frame = Frame::innermost;
-  threads_.admit(*operation, frame == nullptr ? nullptr : &frame->operation());
-  operation->place.front() = operation;
-  operation->queue = shared_from_this();
-  pending_.splice(pending_.end(), operation->place);
+  threads_.admit(added, frame == nullptr ? nullptr : &frame->operation());
+  added.stage = Operation::Stage::kWaiting;
+  added.queue = this;
+  added.self = std::move(operation);
+  pending_.append(added);
+  if (!self_) self_ = shared_from_this();
   threads_.settle(*this);
   if (helpers_ > 0) changed_.notifyAll();
   // Inside an operation its thread works on when the operation has ended. Run at once, operations
   // that add one another would pile up on the stack.
-  if (frame == nullptr && !threads_.runInBackground(*operation)) {
-    threads_.workHere(*this, *operation);
-  }
+  if (frame == nullptr && !threads_.runInBackground(added)) threads_.workHere(*this, added);
 }
 
 bool QueueState::remove(const OperationPtr& operation) noexcept {
   if (!operation) return false;
-  // What may be the last references to the two; released after the lock.
-  Operation::List removed;
-  std::shared_ptr<QueueState> queue;
+  OperationPtr removed;  // may be the last reference; released after the lock
   const MutexHold hold(SharedThreads::mutex);
-  if (operation->queue.get() != this || operation->isRunning) return false;
+  if (operation->queue != this || operation->stage != Operation::Stage::kWaiting) return false;
   if (threads_.isEnding() && operation->isAwaited) return false;
-  removed.splice(removed.end(), pending_, operation->position);
-  queue.swap(operation->queue);
-  threads_.dismiss(*operation);
+  removed.swap(operation->self);
+  pending_.remove(*removed);
+  dismiss(*removed);
   threads_.settle(*this);
-  wakeWaiting();
   return true;
 }
 
@@ -90,9 +89,10 @@ void QueueState::setLimit(std::size_t limit) {
 }
 
 void QueueState::runFirst() {
-  const OperationPtr operation = pending_.front();
-  running_.splice(running_.end(), pending_, pending_.begin());
-  operation->isRunning = true;
+  const OperationPtr operation = std::move(pending_.first()->self);
+  pending_.remove(*operation);
+  running_.append(*operation);
+  operation->stage = Operation::Stage::kRunning;
   threads_.settleStarted(*this);
   SharedThreads::mutex.unlock();
   {
@@ -109,11 +109,17 @@ void QueueState::runFirst() {
 }
 
 void QueueState::finish(Operation& operation) {
-  running_.erase(operation.position);
-  operation.queue.reset();
+  running_.remove(operation);
   progress_.fetch_add(1, std::memory_order_relaxed);
+  dismiss(operation);
+}
+
+void QueueState::dismiss(Operation& operation) {
+  operation.stage = Operation::Stage::kGone;
+  operation.queue = nullptr;
   threads_.dismiss(operation);
-  wakeWaiting();
+  if (waiters_ == 0) return;
+  if (isIdle() || helpers_ > 0 || threads_.isEnding()) changed_.notifyAll();
 }
 
 void QueueState::waitUntilIdle() {
@@ -140,11 +146,10 @@ bool QueueState::isWaitOver(std::uint64_t number) const {
   if (!threads_.isEnding()) return false;
   // Another thread may go on adding while the process ends, so that the queue is never idle again.
   const std::uint64_t last = std::max(number, threads_.lastNumberBeforeEnd());
-  if (!pending_.empty() && pending_.front()->number <= last) return false;
-  for (const OperationPtr& operation : running_) {
-    if (operation->number <= last) return false;
-  }
-  return true;
+  if (!pending_.isEmpty() && pending_.first()->number <= last) return false;
+  const Operation* operation = running_.first();
+  while (operation != nullptr && operation->number > last) operation = operation->next;
+  return operation == nullptr;
 }
 
 void QueueState::wait(bool helps) {
@@ -155,17 +160,12 @@ void QueueState::wait(bool helps) {
   --waiters_;
 }
 
-void QueueState::wakeWaiting() {
-  if (waiters_ == 0) return;
-  if (isIdle() || helpers_ > 0 || threads_.isEnding()) changed_.notifyAll();
-}
-
 void QueueState::leaveOperationsOfThisThread() {
   const MutexHold hold(SharedThreads::mutex);
   for (const Frame* frame = Frame::innermost; frame != nullptr; frame = frame->outer()) {
-    const std::shared_ptr<QueueState> queue = frame->queue().shared_from_this();
-    queue->finish(frame->operation());
-    queue->threads_.settle(*queue);
+    QueueState& queue = frame->queue();
+    queue.finish(frame->operation());
+    queue.threads_.settle(queue);
   }
   Frame::innermost = nullptr;
 }

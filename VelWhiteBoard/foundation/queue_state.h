@@ -17,8 +17,8 @@ namespace VelWhiteBoard {
 
 /// What stands behind an `OperationQueue`; see there for what its operations promise.
 ///
-/// Owned by its queue and by its operations, so it lives until the last of them has run. Make it
-/// with `std::make_shared`. The caller of a member function keeps it alive.
+/// Owned by its queue and, while it has operations, by itself; so it lives until the last of them
+/// has run. Make it with `std::make_shared`. The caller of a member function keeps it alive.
 class QueueState : public std::enable_shared_from_this<QueueState> {
  public:
   using Operation = OperationQueue::Operation;
@@ -29,7 +29,7 @@ class QueueState : public std::enable_shared_from_this<QueueState> {
   QueueState(const QueueState&) = delete;
   QueueState& operator=(const QueueState&) = delete;
 
-  void add(const OperationPtr& operation) noexcept VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
+  void add(OperationPtr operation) noexcept VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
   bool remove(const OperationPtr& operation) noexcept VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
   /// @param limit how many operations may run at the same time, at least 1.
   void setLimit(std::size_t limit) VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
@@ -57,15 +57,16 @@ class QueueState : public std::enable_shared_from_this<QueueState> {
   /// Whether a thread that began to wait when `number` was the last operation has waited enough.
   bool isWaitOver(std::uint64_t number) const VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
   void wait(bool helps) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
-  void wakeWaiting() VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
+  /// The operation has run or was removed: tells those who wait for that.
+  void dismiss(Operation& operation) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
   void finish(Operation& operation) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
 
   SharedThreads& threads_;
   Condition changed_;  // the queue became idle, or a waiting thread may be able to help
   std::atomic<std::uint64_t> progress_{0};
-  // Empty lists take no memory of their own, which ten thousand idle queues need.
-  Operation::List pending_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
-  Operation::List running_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
+  OperationList pending_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
+  OperationList running_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
+  std::shared_ptr<QueueState> self_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
   std::size_t limit_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 1;
   // Threads that sleep in waitUntilIdle, and those of them that run operations.
   std::size_t waiters_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;

@@ -40,11 +40,13 @@ void SharedThreads::dismiss(const Operation& operation) {
 
 void SharedThreads::settle(QueueState& queue) {
   Queues* list = &queue.place_;
-  if (queue.canStart()) list = queue.pending_.front()->isAwaited ? &ready_ : &late_;
-  if (list == queue.list_) return;
-  list->splice(list->end(), *queue.list_, queue.position_);
-  queue.list_ = list;
-  if (list != &queue.place_) callThread();
+  if (queue.canStart()) list = queue.pending_.first()->isAwaited ? &ready_ : &late_;
+  if (list != queue.list_) {
+    list->splice(list->end(), *queue.list_, queue.position_);
+    queue.list_ = list;
+    if (list != &queue.place_) callThread();
+  }
+  if (queue.isIdle()) queue.self_.reset();
 }
 
 void SharedThreads::settleStarted(QueueState& queue) {
@@ -88,19 +90,18 @@ void SharedThreads::work(Worker& worker) {
       --sleeping_;
       continue;
     }
-    const std::shared_ptr<QueueState> queue = nextQueue()->shared_from_this();
+    QueueState& queue = *nextQueue();
     --idle_;
     worker.isInside = true;
-    queue->runFirst();
+    queue.runFirst();
     worker.isInside = false;
     ++idle_;  // first, because this thread is free for what the queue may start next
-    settle(*queue);
+    settle(queue);
   }
   mutex.unlock();
 }
 
 void SharedThreads::takeTurn(QueueState& queue) {
-  const std::shared_ptr<QueueState> kept = queue.shared_from_this();
   queue.runFirst();
   settle(queue);
 }
@@ -116,8 +117,9 @@ void SharedThreads::workHere(QueueState& queue, const Operation& operation) {
     return;
   }
   // Awaited operations are left to the end: they may need a lock that the adding thread holds.
-  if (!hasEnded_ && queue.pending_.front().get() != &operation) return;
-  while (operation.isWaiting() && queue.canStart()) takeTurn(queue);
+  if (!hasEnded_ && queue.pending_.first() != &operation) return;
+  const std::shared_ptr<Operation> kept = operation.self;
+  while (kept->stage == Operation::Stage::kWaiting && queue.canStart()) takeTurn(queue);
   for (std::size_t turn = 0; hasEnded_ && turn < kMostFollowUps && !late_.empty(); ++turn) {
     takeTurn(*late_.front());
   }
