@@ -251,12 +251,12 @@ TEST(PropertyListRefusals, TheResultNamesTheCulpritAndItsPlace) {
     std::uint64_t column;
     std::uint64_t byte;
   } rows[] = {
-      {"<plist><array>\n\t<foo/>\n</array></plist>", "an element is no property-list element", 2, 2,
+      {"<plist><array>\n\t<foo/>\n</array></plist>", "not an element of property lists", 2, 2,
        16},
-      {"<plist>\n<dict/></plist>", "the top of the list is no array", 2, 1, 8},
+      {"<plist>\n<dict/></plist>", "the top of the list is not an array", 2, 1, 8},
       {"<plist><array>\r\n<dict><true/></dict>", "a value has no key", 2, 7, 22},
       {"<plist><array><dict><key>a</key>\n</dict>", "a key has no value", 2, 1, 33},
-      {"<plist><array>\n\n  <integer>x</integer>", "an integer is none", 3, 13, 28},
+      {"<plist><array>\n\n  <integer>x</integer>", "malformed integer", 3, 13, 28},
       {"<plist><array>\xE7\x99\xBD</array></plist>", "text stands outside an element", 1, 15, 14},
   };
   for (const auto& row : rows) {

@@ -5,11 +5,11 @@
 #include <limits>
 #include <string>
 #include <type_traits>
-#include <utility>
+#include <variant>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/model_mapping.h"
 #include "VelWhiteBoard/foundation/number_text.h"
+#include "VelWhiteBoard/foundation/safe_values.h"
 #include "VelWhiteBoard/foundation/truncation.h"
 
 namespace VelWhiteBoard {
@@ -99,40 +99,20 @@ void assign(const Property& property, Record& record, const Scalar& scalar) {
     case PropertyKind::path:
       return property.in<std::optional<Path>>(record).reset();
     case PropertyKind::array:
-      return property.in<std::optional<Array>>(record).reset();
+      return ArrayOwner().swap(property.in<std::optional<Array>>(record));
     case PropertyKind::records:
       return property.list->set(record, std::nullopt);
   }
 }
 
-void assign(const Property& property, Record& record, Value value) {
-  if (const auto scalar = scalarWithValue(value)) {
-    assign(property, record, *scalar);
-    return;
-  }
+void assign(const Property& property, Record& record, Value&& value) {
+  const DismantledAtEnd guard(value);
   assign(property, record, Scalar());
-  if (!value.is_array()) return;
-  auto& array = value.get_ref<Array&>();
-  switch (property.kind) {
-    case PropertyKind::path:
-      property.in<std::optional<Path>>(record) = pathWithArray(array);
-      return;
-    case PropertyKind::array:
-      property.in<std::optional<Array>>(record) = std::move(array);
-      return;
-    case PropertyKind::records:
-      property.list->set(record, recordsWithArray(property.list->elementClass(), array));
-      return;
-    default:
-      return;
-  }
-}
-
-void assignFromOutside(const Property& property, Record& record, const Value& value) {
-  if (property.kind == PropertyKind::path && value.is_array()) {
-    property.in<std::optional<Path>>(record) = pathWithArray(value.get_ref<const Array&>());
-  } else if (!nestsTooDeep(value)) {
-    assign(property, record, value);
+  auto* const array = value.get_ptr<Array*>();
+  if (array != nullptr && property.kind == PropertyKind::array) {
+    property.in<std::optional<Array>>(record).emplace().swap(*array);
+  } else {
+    assignFromOutside(property, record, value);
   }
 }
 
@@ -152,13 +132,26 @@ Path pathWithArray(const Array& positions) {
   return path;
 }
 
-Array arrayWithPath(const Path& path) {
-  Array positions;
+void putPath(Value& place, const Path& path) {
+  place = Array();
+  auto& positions = place.get_ref<Array&>();
   positions.reserve(path.size());
   for (const auto position : path) {
-    positions.emplace_back(Array(position.begin(), position.end()));
+    positions.emplace_back() = Array(position.begin(), position.end());
   }
-  return positions;
+}
+
+Value valueWithScalar(const Scalar& scalar) {
+  return std::visit(
+      [](const auto& value) -> Value {
+        using T = std::decay_t<decltype(value)>;
+        if constexpr (std::is_same_v<T, std::monostate>) {
+          return nullptr;
+        } else {
+          return value;
+        }
+      },
+      scalar);
 }
 
 std::optional<Scalar> scalarWithValue(const Value& value) {

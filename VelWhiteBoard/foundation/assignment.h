@@ -1,5 +1,5 @@
 /// @file
-/// Puts values that came from outside into properties, as leniently as takes no guess.
+/// Puts values that came from outside into properties, as leniently as possible without guessing.
 #pragma once
 
 #include <cstddef>
@@ -49,18 +49,22 @@ class PropertyFinder {
 /// does null. Of a key that occurs twice only the last value counts, useful or not.
 void assign(const Property& property, Record& record, const Scalar& scalar);
 
-/// Puts any value into a property, likewise. It must not be nested too deep.
-void assign(const Property& property, Record& record, Value value);
+/// Puts any value into a property, likewise, and empties it. An array that a property of free-form
+/// values takes over must not be nested too deep.
+void assign(const Property& property, Record& record, Value&& value);
 
-/// Puts a value from outside into a property that is at its default. One that is nested too deep
-/// leaves it there; of a path only the positions that are.
+/// Puts a value from outside into a property that is at its default. Free-form values that are
+/// nested too deep leave it there. Of a path, positions that are not arrays of numbers are dropped;
+/// of a list of records, elements that are not dictionaries, and each element is judged by itself.
 void assignFromOutside(const Property& property, Record& record, const Value& value);
 
 /// The path that an array of positions is; a position that is not an array of numbers is dropped.
 Path pathWithArray(const Array& positions);
-/// A path as an array of positions.
-Array arrayWithPath(const Path& path);
+/// Puts a path, as an array of positions, in the place of a null value.
+void putPath(Value& place, const Path& path);
 
+/// The value that says the same as a scalar.
+Value valueWithScalar(const Scalar& scalar);
 /// A scalar that refers to `value`, which must not be an array, an object or binary.
 std::optional<Scalar> scalarWithValue(const Value& value);
 

@@ -4,12 +4,18 @@
 #include <utility>
 #include <vector>
 
+#include "VelWhiteBoard/foundation/safe_values.h"
+
 namespace VelWhiteBoard {
 
 namespace {
 
 /// What CBOR calls the first three bits of an item.
 enum class Major : std::uint8_t { natural, negative, bytes, text, array, map, tag, other };
+// The rest of the byte: a number below 24 stands for itself, otherwise it tells how many bytes hold
+// it.
+constexpr std::uint8_t kOneByte = 24;
+constexpr std::uint8_t kEightBytes = 27;
 
 // Walks an archive without building anything: that it is whole and nested no deeper than a value
 // may be. The reader that builds the values recurses on nesting, on texts in pieces and on tags, so
@@ -40,8 +46,6 @@ class ArchiveCheck {
     const std::uint8_t head = takeByte();
     const auto major = static_cast<Major>(head >> 5U);
     const std::uint8_t information = head & 0x1FU;
-    constexpr std::uint8_t kOneByte = 24;
-    constexpr std::uint8_t kEightBytes = 27;
     if (information > kEightBytes) return false;
     std::uint64_t argument = information;
     if (information >= kOneByte) {
@@ -88,21 +92,62 @@ Value parse(std::string_view data) {
   }
 }
 
+/// Adds the head of an item: what it is, and its length or value in as few bytes as it takes.
+void appendHead(std::string& bytes, Major major, std::uint64_t argument) {
+  const auto kind = static_cast<unsigned>(major) << 5U;
+  if (argument < kOneByte) {
+    bytes += static_cast<char>(kind | static_cast<unsigned>(argument));
+    return;
+  }
+  unsigned information = kOneByte;
+  while (information < kEightBytes && argument >> (8U << (information - kOneByte)) != 0) {
+    ++information;
+  }
+  bytes += static_cast<char>(kind | information);
+  for (unsigned bits = 8U << (information - kOneByte); bits > 0; bits -= 8) {
+    bytes += static_cast<char>(argument >> (bits - 8) & 0xFFU);
+  }
+}
+
+/// Replaces what no archive carries in `value`, which nests no deeper than a value may.
+void replaceBinary(Value& value) {
+  if (value.is_binary() || value.is_discarded()) value = nullptr;
+  if (!value.is_structured()) return;
+  for (Value& element : value) replaceBinary(element);
+}
+
 }  // namespace
 
 Coder::Coder(std::string_view data) {
   Value archive = parse(data);
-  if (archive.is_object()) values_ = std::move(archive.get_ref<Dictionary&>());
+  if (archive.is_object()) values_.swap(archive.get_ref<Dictionary&>());
 }
 
+Coder::~Coder() { dismantle(values_); }
+
+// The map by hand, its members by the library: as a whole they would have to be copied first.
 std::string Coder::data() const {
   std::string bytes;
-  Value::to_cbor(Value(values_), bytes);
+  appendHead(bytes, Major::map, values_.size());
+  for (const auto& [key, value] : values_) {
+    Value::to_cbor(Value(key), bytes);
+    Value::to_cbor(value, bytes);
+  }
   return bytes;
 }
 
 void Coder::encode(std::string_view key, Value value) {
-  values_.insert_or_assign(std::string(key), std::move(value));
+  const DismantledAtEnd guard(value);
+  if (nestsTooDeep(value)) value = nullptr;
+  replaceBinary(value);
+  values_.try_emplace(std::string(key)).first->second.swap(value);
+}
+
+void Coder::remove(std::string_view key) {
+  const auto found = values_.find(key);
+  if (found == values_.end()) return;
+  dismantle(found->second);
+  values_.erase(found);
 }
 
 const Value* Coder::decode(std::string_view key) const {

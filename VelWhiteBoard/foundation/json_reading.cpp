@@ -1,7 +1,8 @@
-// Records from their dictionary form and from JSON text.
+// Records from JSON text.
 #include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <utility>
@@ -10,10 +11,10 @@
 #include <simdjson.h>
 
 #include "VelWhiteBoard/foundation/assignment.h"
-#include "VelWhiteBoard/foundation/dictionary_keys.h"
 #include "VelWhiteBoard/foundation/json_mending.h"
 #include "VelWhiteBoard/foundation/model_mapping.h"
 #include "VelWhiteBoard/foundation/per_thread.h"
+#include "VelWhiteBoard/foundation/safe_values.h"
 
 namespace VelWhiteBoard {
 
@@ -21,28 +22,48 @@ namespace {
 
 namespace dom = simdjson::dom;
 
-/// A parser and a buffer with the padding that it wants, kept for the next text of the same thread.
+/// A parser and a buffer with the padding that it asks for, kept for the next text of the same
+/// thread.
 class TextParser {
  public:
-  simdjson::simdjson_result<dom::element> parse(std::string_view text) {
+  /// The error that parsing ended with; `element` is the whole text when there is none.
+  /// @throws std::bad_alloc when memory runs out.
+  simdjson::error_code parse(std::string_view text, dom::element& element) {
     if (buffer_.size() < text.size() + simdjson::SIMDJSON_PADDING) {
       buffer_.resize(text.size() + simdjson::SIMDJSON_PADDING);
     }
     std::copy(text.begin(), text.end(), buffer_.begin());
-    return parser_.parse(buffer_.data(), text.size(), false);
+    auto error = parser_.parse(buffer_.data(), text.size(), false).get(element);
+    if (error == simdjson::DEPTH_ERROR) {
+      // The parser keeps its place in each open container: give it room for as many as there may
+      // be.
+      isUnusual_ = true;
+      error = parser_.allocate(std::max(text.size(), parser_.capacity()), text.size());
+      if (error == simdjson::SUCCESS) {
+        error = parser_.parse(buffer_.data(), text.size(), false).get(element);
+      }
+    }
+    if (error == simdjson::MEMALLOC) {
+      isUnusual_ = true;
+      throw std::bad_alloc();
+    }
+    return error;
   }
 
   /// Gives memory back that only an unusual text needed.
-  void trim() {
+  void trim() noexcept {
     constexpr std::size_t kKept = std::size_t{1} << 20U;
-    if (buffer_.size() <= kKept) return;
+    if (buffer_.size() <= kKept && !isUnusual_) return;
     buffer_ = {};
     parser_ = dom::parser();
+    isUnusual_ = false;
   }
 
  private:
   dom::parser parser_;
   std::vector<char> buffer_;
+  /// Whether the parser is not as a new one would be, apart from its capacity.
+  bool isUnusual_ = false;
 };
 
 /// What a thread keeps from text to text, so that most texts need no memory but their records'.
@@ -114,48 +135,45 @@ Path pathWithElements(const dom::array& positions) {
   return path;
 }
 
-/// A free-form value; none when it is nested too deep.
-std::optional<Value> valueWithElement(const dom::element& element, std::size_t depth) {
+/// Puts a free-form value into `place`; false when it is nested too deep. Built in place, so that
+/// nothing but the whole has to be destroyed when memory runs out.
+bool putElement(Value& place, const dom::element& element, std::size_t depth) {
   if (const auto scalar = scalarWithElement(element)) {
-    return std::visit(
-        [](const auto& value) -> Value {
-          using T = std::decay_t<decltype(value)>;
-          if constexpr (std::is_same_v<T, std::monostate>)
-            return nullptr;
-          else
-            return value;
-        },
-        *scalar);
+    place = valueWithScalar(*scalar);
+    return true;
   }
-  if (depth > kMaximumValueDepth) return std::nullopt;
+  if (depth > kMaximumValueDepth) return false;
   dom::array elements;
   if (element.get_array().get(elements) == simdjson::SUCCESS) {
-    Array array;
-    for (const dom::element each : elements) {
-      auto value = valueWithElement(each, depth + 1);
-      if (!value) return std::nullopt;
-      array.push_back(std::move(*value));
-    }
-    return Value(std::move(array));
+    place = Array();
+    auto& array = place.get_ref<Array&>();
+    return std::all_of(elements.begin(), elements.end(), [&](const dom::element& each) {
+      return putElement(array.emplace_back(), each, depth + 1);
+    });
   }
-  Dictionary members;
+  place = Dictionary();
+  auto& members = place.get_ref<Dictionary&>();
   const dom::object object = element.get_object().value_unsafe();
-  for (const dom::key_value_pair field : object) {
-    auto value = valueWithElement(field.value, depth + 1);
-    if (!value) return std::nullopt;
-    members.insert_or_assign(std::string(field.key), std::move(*value));
-  }
-  return Value(std::move(members));
+  return std::all_of(object.begin(), object.end(), [&](const dom::key_value_pair& field) {
+    Value& member = members.try_emplace(std::string(field.key)).first->second;
+    dismantle(member);  // of a key that occurs twice the last value counts
+    return putElement(member, field.value, depth + 1);
+  });
 }
 
-std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::object& object);
+// Records may hold lists of records; `depth` says how many lists are open around a record.
 
-RecordList recordsWithElements(const RecordClass& asked, const dom::array& elements) {
+std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::object& object,
+                                         std::size_t depth);
+
+RecordList recordsWithElements(const RecordClass& asked, const dom::array& elements,
+                               std::size_t depth) {
   RecordList records;
+  if (depth > kMaximumValueDepth) return records;
   for (const dom::element element : elements) {
     dom::object object;
     if (element.get_object().get(object) != simdjson::SUCCESS) continue;
-    records.push_back(recordWithObject(asked, object));
+    records.push_back(recordWithObject(asked, object, depth));
   }
   return records;
 }
@@ -170,7 +188,8 @@ bool take(const dom::element& element, Field& field) {
 }
 
 /// Puts a value into a property of just its kind, as nearly all are; false for any other value.
-bool assignOwnKind(const Property& property, Record& record, const dom::element& element) {
+bool assignOwnKind(const Property& property, Record& record, const dom::element& element,
+                   std::size_t depth) {
   switch (property.kind) {
     case PropertyKind::text:
       return take<std::string_view>(element, property.in<std::optional<std::string>>(record));
@@ -191,56 +210,76 @@ bool assignOwnKind(const Property& property, Record& record, const dom::element&
     case PropertyKind::records: {
       dom::array elements;
       if (element.get_array().get(elements) != simdjson::SUCCESS) return false;
-      property.list->set(record, recordsWithElements(property.list->elementClass(), elements));
+      property.list->set(record,
+                         recordsWithElements(property.list->elementClass(), elements, depth + 1));
       return true;
     }
     case PropertyKind::array: {
       if (!element.is_array()) return false;
+      Value value;
+      const DismantledAtEnd guard(value);
+      const bool isTaken = putElement(value, element, 1);
       auto& field = property.in<std::optional<Array>>(record);
-      auto value = valueWithElement(element, 1);
+      if (field) dismantle(*field);
       field.reset();
-      if (value) field = std::move(value->get_ref<Array&>());
+      if (isTaken) field.emplace().swap(value.get_ref<Array&>());
       return true;
     }
   }
   return false;
 }
 
-void assignElement(const Property& property, Record& record, const dom::element& element) {
-  if (assignOwnKind(property, record, element)) return;
+void assignElement(const Property& property, Record& record, const dom::element& element,
+                   std::size_t depth) {
+  if (assignOwnKind(property, record, element, depth)) return;
   // No property takes a list or an object of another kind; like null, they put it back.
   assign(property, record, scalarWithElement(element).value_or(Scalar()));
 }
 
-std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::object& object) {
+std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::object& object,
+                                         std::size_t depth) {
   const RecordClass& chosen =
       asked.customClass == nullptr ? asked : asked.customClass(KeysOfObject(object), asked);
   auto record = chosen.create();
   PropertyFinder finder(chosen);
   for (const dom::key_value_pair field : object) {
     if (const Property* property = finder.find(field.key)) {
-      assignElement(*property, *record, field.value);
+      assignElement(*property, *record, field.value, depth);
     }
   }
   return record;
 }
 
-/// Parses `text` and hands it to `use`. What is no JSON text gives what `use` answers by default.
+/// Trims a parser when the work with it is done, in whatever way it ends.
+class TrimmedAtEnd {
+ public:
+  explicit TrimmedAtEnd(TextParser& parser) noexcept : parser_(parser) {}
+  ~TrimmedAtEnd() { parser_.trim(); }
+  TrimmedAtEnd(const TrimmedAtEnd&) = delete;
+  TrimmedAtEnd& operator=(const TrimmedAtEnd&) = delete;
+
+ private:
+  TextParser& parser_;
+};
+
+/// Parses `text` and hands it to `use`. What is not a JSON text gives what `use` answers by
+/// default.
 template <class Use>
 auto withParsedText(std::string_view text, const Use& use)
     -> decltype(use(std::declval<const dom::element&>())) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   TextParser& parser = ofThisThread<ReadingMemory>().parser;
+  const TrimmedAtEnd trimmed(parser);
   dom::element element;
-  auto error = parser.parse(text).get(element);
+  auto error = parser.parse(text, element);
   if (error != simdjson::SUCCESS) {
     // Which error stands for what depends on the parser's version, so any is worth a look.
     const std::string mended = mendedJSON(text);
-    if (mended != text) error = parser.parse(mended).get(element);
+    if (mended != text) error = parser.parse(mended, element);
   }
-  decltype(use(element)) result{};
-  if (error == simdjson::SUCCESS) result = use(element);
-  parser.trim();
-  return result;
+  if (error != simdjson::SUCCESS) return {};
+  return use(element);
 }
 
 }  // namespace
@@ -249,7 +288,7 @@ std::shared_ptr<Record> recordWithJSON(const RecordClass& asked, std::string_vie
   return withParsedText(text, [&asked](const dom::element& element) -> std::shared_ptr<Record> {
     dom::object object;
     if (element.get_object().get(object) != simdjson::SUCCESS) return nullptr;
-    return recordWithObject(asked, object);
+    return recordWithObject(asked, object, 1);
   });
 }
 
@@ -257,29 +296,8 @@ RecordList recordsWithJSON(const RecordClass& asked, std::string_view text) {
   return withParsedText(text, [&asked](const dom::element& element) -> RecordList {
     dom::array elements;
     if (element.get_array().get(elements) != simdjson::SUCCESS) return {};
-    return recordsWithElements(asked, elements);
+    return recordsWithElements(asked, elements, 1);
   });
-}
-
-std::shared_ptr<Record> recordWithDictionary(const RecordClass& asked,
-                                             const Dictionary& dictionary) {
-  const RecordClass& chosen =
-      asked.customClass == nullptr ? asked : asked.customClass(KeysOfDictionary(dictionary), asked);
-  auto record = chosen.create();
-  for (const Property& property : chosen.properties) {
-    const auto found = dictionary.find(property.name);
-    if (found != dictionary.end()) assignFromOutside(property, *record, found->second);
-  }
-  return record;
-}
-
-RecordList recordsWithArray(const RecordClass& asked, const Array& array) {
-  RecordList records;
-  for (const Value& element : array) {
-    if (!element.is_object()) continue;
-    records.push_back(recordWithDictionary(asked, element.get_ref<const Dictionary&>()));
-  }
-  return records;
 }
 
 }  // namespace VelWhiteBoard

@@ -1,12 +1,9 @@
-// Records to their dictionary form and to JSON text.
+// Records to JSON text.
 #include <cmath>
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <type_traits>
-#include <utility>
 
-#include "VelWhiteBoard/foundation/assignment.h"
 #include "VelWhiteBoard/foundation/model_mapping.h"
 #include "VelWhiteBoard/foundation/number_text.h"
 #include "VelWhiteBoard/foundation/property_visit.h"
@@ -44,7 +41,7 @@ void appendArray(std::string& text, const Array& array, std::size_t depth) {
 
 /// What JSON cannot say becomes null, and so does what is nested too deep.
 void appendFreeValue(std::string& text, const Value& value, std::size_t depth) {
-  if (depth > kMaximumValueDepth) {
+  if (value.is_structured() && depth > kMaximumValueDepth) {
     text += "null";
     return;
   }
@@ -111,53 +108,6 @@ void appendField(std::string& text, const RecordList& field) {
   text += ']';
 }
 
-// The same as values.
-
-Value dictionaryValue(const std::string& field) { return field; }
-template <class Number>
-requires std::is_arithmetic_v<Number> Value dictionaryValue(Number field) { return field; }
-Value dictionaryValue(const Path& field) {
-  Array positions = arrayWithPath(field);
-  for (Value& position : positions) {
-    for (Value& number : position) {
-      if (!std::isfinite(number.get<double>())) number = 0.0;
-    }
-  }
-  return positions;
-}
-/// A copy in which what JSON cannot say is null, as in the text.
-Value freeValue(const Value& value, std::size_t depth) {
-  if (depth > kMaximumValueDepth || value.is_binary() || value.is_discarded()) return nullptr;
-  if (value.is_number_float() && !std::isfinite(value.get<double>())) return nullptr;
-  if (value.is_array()) {
-    Array elements;
-    elements.reserve(value.size());
-    for (const Value& element : value) elements.push_back(freeValue(element, depth + 1));
-    return elements;
-  }
-  if (value.is_object()) {
-    Dictionary members;
-    for (const auto& [key, member] : value.get_ref<const Dictionary&>()) {
-      members.emplace(key, freeValue(member, depth + 1));
-    }
-    return members;
-  }
-  return value;
-}
-Value dictionaryValue(const Array& field) {
-  Array elements;
-  elements.reserve(field.size());
-  for (const Value& element : field) elements.push_back(freeValue(element, 2));
-  return elements;
-}
-Value dictionaryValue(const RecordList& field) {
-  Array elements;
-  for (const auto& record : field) {
-    if (record) elements.emplace_back(modelToJSONObject(*record));
-  }
-  return elements;
-}
-
 }  // namespace
 
 void appendJSON(const Record& record, std::string& text) {
@@ -183,16 +133,6 @@ std::string modelToJSONString(const Record& record) {
   text.reserve(kUsualSize);
   appendJSON(record, text);
   return text;
-}
-
-Dictionary modelToJSONObject(const Record& record) {
-  Dictionary dictionary;
-  for (const Property& property : record.recordClass().properties) {
-    visitWrittenField(property, record, [&](const auto& field) {
-      dictionary.emplace(property.name, dictionaryValue(field));
-    });
-  }
-  return dictionary;
 }
 
 }  // namespace VelWhiteBoard

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <exception>
+#include <new>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -74,8 +75,7 @@ class PropertyListReader::Parser {
     XML_SetUserData(parser_, this);
     XML_SetElementHandler(parser_, &onStart, &onEnd);
     XML_SetCharacterDataHandler(parser_, &onText);
-    // A document type lets unknown entities vanish silently and known ones multiply; no property
-    // list of ours has any.
+    // With a document type, expat drops unknown entities and expands known ones; refuse both.
     XML_SetEntityDeclHandler(parser_, &onEntityDeclaration);
     // Attributes with a default are added to every element: a short text could ask for any amount
     // of work.
@@ -87,6 +87,7 @@ class PropertyListReader::Parser {
   Parser& operator=(const Parser&) = delete;
 
   bool feed(std::string_view block, bool last) {
+    if (thrown_) std::rethrow_exception(thrown_);
     if (failed_) return false;
     constexpr std::size_t kMost = std::size_t{1} << 20U;  // expat counts in int
     do {
@@ -96,8 +97,7 @@ class PropertyListReader::Parser {
       if (XML_Parse(parser_, part.data(), static_cast<int>(part.size()), final ? 1 : 0) !=
           XML_STATUS_OK) {
         failed_ = true;
-        if (thrown_) std::rethrow_exception(std::exchange(thrown_, nullptr));
-        if (result_.ok()) reportHere(XML_ErrorString(XML_GetErrorCode(parser_)));
+        conclude();
         return false;
       }
     } while (!block.empty());
@@ -110,6 +110,21 @@ class PropertyListReader::Parser {
   }
 
  private:
+  /// Says why the parser has stopped. Memory that has run out is an exception, of this call and of
+  /// all that follow: it says nothing about the text.
+  void conclude() {
+    try {
+      if (!thrown_ && result_.ok()) {
+        const XML_Error error = XML_GetErrorCode(parser_);
+        if (error == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
+        reportHere(XML_ErrorString(error));
+      }
+    } catch (...) {
+      thrown_ = std::current_exception();
+    }
+    if (thrown_) std::rethrow_exception(thrown_);
+  }
+
   // Handlers. No exception may pass through the C library: it is kept and thrown again behind it.
 
   template <class Handle>
@@ -171,7 +186,7 @@ class PropertyListReader::Parser {
     if (leaf_) return fail("an element stands inside a text");
     if (open_.empty()) return startDocument(element);
     if (element == Element::unknown || element == Element::plist) {
-      return fail("an element is no property-list element");
+      return fail("not an element of property lists");
     }
     OpenContainer& parent = open_.back();
     if (parent.purpose == Purpose::document && std::exchange(hasTop_, true)) {
@@ -187,7 +202,7 @@ class PropertyListReader::Parser {
   }
 
   void startDocument(Element element) {
-    if (element != Element::plist) return fail("the document is no property list");
+    if (element != Element::plist) return fail("the document is not a property list");
     open_.push_back({Purpose::document, false});
   }
 
@@ -201,21 +216,14 @@ class PropertyListReader::Parser {
   Purpose purposeInside(const OpenContainer& parent, bool isDict) {
     switch (parent.purpose) {
       case Purpose::document:
-        if (isDict) fail("the top of the list is no array");
+        if (isDict) fail("the top of the list is not an array");
         return Purpose::list;
       case Purpose::list:
         if (!isDict) return Purpose::ignored;
         draft_.clear();
         return Purpose::record;
       case Purpose::record:
-        if (isDict) break;
-        if (!draft_.isOfUse()) break;
-        if (draft_.expectsPath()) {
-          path_ = {};
-          return Purpose::path;
-        }
-        value_.begin();
-        return Purpose::free;
+        return isDict ? purposeOfUnknown() : purposeOfArray();
       case Purpose::path:
         if (isDict) return Purpose::ignored;
         position_.clear();
@@ -230,7 +238,30 @@ class PropertyListReader::Parser {
       case Purpose::ignored:
         return Purpose::ignored;
     }
-    draft_.setNothing();  // no property is a dictionary, and nobody has a use for unknown keys
+    return Purpose::ignored;  // not reached
+  }
+
+  /// What an array is for that is a record's member.
+  Purpose purposeOfArray() {
+    const auto kind = draft_.expectedKind();
+    if (kind == PropertyKind::path) {
+      path_ = {};
+      return Purpose::path;
+    }
+    if (kind == PropertyKind::array) {
+      value_.begin();
+      return Purpose::free;
+    }
+    if (kind == PropertyKind::records) {
+      value_.beginRecords();
+      return Purpose::free;
+    }
+    return purposeOfUnknown();
+  }
+
+  /// For a container that no property takes: one under an unknown key, and every dictionary.
+  Purpose purposeOfUnknown() {
+    draft_.setNothing();
     return Purpose::ignored;
   }
 
@@ -263,8 +294,9 @@ class PropertyListReader::Parser {
 
   void endFree() {
     if (open_.back().purpose == Purpose::free) return value_.endContainer();
-    if (auto value = value_.take()) {
-      draft_.setValue(std::move(*value));
+    Value value;
+    if (value_.take(value)) {
+      draft_.setValue(std::move(value));
     } else {
       draft_.setNothing();  // nested too deep
     }
@@ -282,7 +314,7 @@ class PropertyListReader::Parser {
 
   void endLeaf(Element element) {
     OpenContainer& parent = open_.back();
-    if (parent.purpose == Purpose::document) return fail("the top of the list is no array");
+    if (parent.purpose == Purpose::document) return fail("the top of the list is not an array");
     if (element == Element::key) return takeKey(parent);
     parent.hasKey = false;
     const std::optional<Scalar> scalar = scalarWithText(element);
@@ -324,22 +356,22 @@ class PropertyListReader::Parser {
     }
   }
 
-  /// The value of the element that just ended; none for dates and data, which no property holds.
+  /// The value of the element that just ended; absent for dates and data, which no property holds.
   std::optional<Scalar> scalarWithText(Element element) {
     switch (element) {
       case Element::string:
         return Scalar(std::string_view(text_));
       case Element::real:
         if (const auto number = realWithPropertyList(trimmed(text_))) return Scalar(*number);
-        if (!isRealInPropertyList(trimmed(text_))) fail("a real number is none");
+        if (!isRealInPropertyList(trimmed(text_))) fail("malformed real number");
         return std::nullopt;  // beyond the range of a double
       case Element::integer:
         if (const auto number = integerWithPropertyList(trimmed(text_))) return number;
-        fail("an integer is none");
+        fail("malformed integer");
         return std::nullopt;
       case Element::yes:
       case Element::no:
-        if (!isBlank(text_)) fail("a boolean has a text");
+        if (!isBlank(text_)) fail("a boolean element must be empty");
         return Scalar(element == Element::yes);
       default:
         return std::nullopt;

@@ -29,13 +29,14 @@ struct [[nodiscard]] PropertyListResult {
 /// Reads a property list whose top is an array, and builds a record straight from each dictionary
 /// in it.
 ///
-/// Strict about the form: XML that is not well-formed, bytes that are no UTF-8, elements that no
-/// property list has, numbers that are none, entities of the document's own and anything behind the
-/// end are errors. Lenient about the contents, like the dictionary form: elements of the array that
-/// are no dictionaries are skipped, values that a property cannot take leave its default.
+/// Strict about the form: XML that is not well-formed, bytes that are not UTF-8, elements that no
+/// property list has, malformed numbers, entities of the document's own and anything behind the end
+/// are errors. Lenient about the contents, like the dictionary form: elements of the array that are
+/// not dictionaries are skipped, values that a property cannot take leave its default.
 ///
 /// The text comes in blocks of any size. Time is linear in the text, memory is that of one record,
-/// and nesting costs no stack.
+/// and nesting costs no stack. When memory runs out, that says nothing about the text: `feed` and
+/// `finish` throw std::bad_alloc, and go on throwing it. So do they with what the consumer throws.
 class PropertyListReader {
  public:
   using RecordConsumer = std::function<void(std::shared_ptr<Record> record)>;

@@ -47,11 +47,7 @@ class ValueLines {
       for (const auto position : field) addPosition(position);
     });
   }
-  void add(const Array& field) {
-    container(kArray, [&] {
-      for (const Value& element : field) addFree(element);
-    });
-  }
+  void add(const Array& field) { addElements(field, 1); }
   void add(const RecordList& field) {
     container(kArray, [&] {
       for (const auto& record : field) {
@@ -115,9 +111,8 @@ class ValueLines {
 
   /// A free-form value. What a property list cannot say is left out: null, binary, numbers that are
   /// not finite, and what is nested deeper than anything that was taken in.
-  void addFree(const Value& value) {
-    // The depth of indentation stands for the nesting: a record's own array is at depth 2.
-    if (indent_.size() > kMaximumValueDepth + 2) return;
+  void addFree(const Value& value, std::size_t depth) {
+    if (value.is_structured() && depth > kMaximumValueDepth) return;
     switch (value.type()) {
       case Value::value_t::boolean:
         return add(value.get<bool>());
@@ -131,15 +126,21 @@ class ValueLines {
       case Value::value_t::string:
         return add(value.get_ref<const std::string&>());
       case Value::value_t::array:
-        return add(value.get_ref<const Array&>());
+        return addElements(value.get_ref<const Array&>(), depth);
       case Value::value_t::object:
-        return addMembers(value.get_ref<const Dictionary&>());
+        return addMembers(value.get_ref<const Dictionary&>(), depth);
       default:
         return;
     }
   }
 
-  void addMembers(const Dictionary& members) {
+  void addElements(const Array& elements, std::size_t depth) {
+    container(kArray, [&] {
+      for (const Value& element : elements) addFree(element, depth + 1);
+    });
+  }
+
+  void addMembers(const Dictionary& members, std::size_t depth) {
     container(kDict, [&] {
       for (const auto& [key, member] : members) {
         const std::size_t start = text_.size();
@@ -147,7 +148,7 @@ class ValueLines {
         appendXMLText(text_, key);
         text_ += "</key>\n";
         const std::size_t end = text_.size();
-        addFree(member);
+        addFree(member, depth + 1);
         if (text_.size() == end) text_.erase(start);  // no value: no key either
       }
     });

@@ -10,6 +10,7 @@
 #include "VelWhiteBoard/foundation/coder.h"
 #include "VelWhiteBoard/foundation/number_text.h"
 #include "VelWhiteBoard/foundation/property_visit.h"
+#include "VelWhiteBoard/foundation/safe_values.h"
 #include "VelWhiteBoard/foundation/text.h"
 
 namespace VelWhiteBoard {
@@ -111,22 +112,28 @@ void describe(std::string& text, const std::optional<T>& field) {
   }
 }
 
-// Archive: the value that an archive keeps for a field.
+// Archive: the value that an archive keeps for a field, put in the place of a null value.
 
 template <class T>
-Value archived(const T& field) {
-  return field;
+void archive(Value& place, const T& field) {
+  place = field;
 }
-Value archived(const Path& field) { return arrayWithPath(field); }
-Value archived(const RecordList& field) {
-  Array elements;
+void archive(Value& place, const Array& field) {
+  place = Array();
+  copyElements(field, place.get_ref<Array&>());
+}
+void archive(Value& place, const Path& field) { putPath(place, field); }
+void archive(Value& place, const RecordList& field) {
+  place = Array();
   for (const auto& record : field) {
     if (!record) continue;
     Coder element;
     record->encodeWithCoder(element);
-    elements.emplace_back(element.values());
+    auto& members = place.get_ref<Array&>().emplace_back(Dictionary()).get_ref<Dictionary&>();
+    for (const auto& [key, value] : element.values()) {
+      copyInto(members.try_emplace(members.end(), key)->second, value);
+    }
   }
-  return elements;
 }
 
 }  // namespace
@@ -176,15 +183,17 @@ std::string Record::description() const {
 
 void Record::encodeWithCoder(Coder& coder) const {
   for (const Property& property : recordClass().properties) {
+    Value value;
+    const DismantledAtEnd guard(value);
     visitField(property, *this, [&](const auto& field) {
       if constexpr (requires { field.has_value(); }) {
-        if (!field) return;
-        Value value = archived(*field);
-        // One value that no archive takes must not cost the others.
-        if (!nestsTooDeep(value)) coder.encode(property.name, std::move(value));
+        // The archive may have been used before, for a record in which the property is present.
+        if (!field) return coder.remove(property.name);
+        archive(value, *field);
       } else {
-        coder.encode(property.name, archived(field));
+        archive(value, field);
       }
+      coder.encode(property.name, std::move(value));
     });
   }
 }
@@ -207,10 +216,12 @@ std::map<std::string, const RecordClass*> containerClasses(const RecordClass& re
 }
 
 void decodeWithCoder(Record& record, const Coder& coder) {
+  const auto filled = record.makeCopy();
   for (const Property& property : record.recordClass().properties) {
     const Value* value = coder.decode(property.name);
-    if (value != nullptr) assignFromOutside(property, record, *value);
+    if (value != nullptr) assignFromOutside(property, *filled, *value);
   }
+  record.takeContents(*filled);
 }
 
 }  // namespace VelWhiteBoard

@@ -85,7 +85,7 @@ class VELWHITEBOARD_EXPORT Record {
   /// A readable listing of the class and all properties, for people; its form may change.
   std::string description() const;
 
-  /// Puts every property into the archive, under its name.
+  /// Puts every property into the archive, under its name; the name of an absent one is taken out.
   void encodeWithCoder(Coder& coder) const;
 
   /// Moves every property of `from`, a record of exactly the same class, into this record. Needs no
@@ -103,13 +103,16 @@ class VELWHITEBOARD_EXPORT Record {
 
   /// Moves the members of `from`, which is another record of this very class.
   virtual void moveMembers(Record& from) noexcept = 0;
+
+  friend VELWHITEBOARD_EXPORT void decodeWithCoder(Record& record, const Coder& coder);
 };
 
 /// The class of the elements of each property that is a list of records.
 VELWHITEBOARD_EXPORT std::map<std::string, const RecordClass*> containerClasses(
     const RecordClass& recordClass);
 
-/// Reads every property of the record back from the archive, by name.
+/// Reads every property of the record back from the archive, by name. What the archive lacks stays
+/// as it is; a value that the property cannot take puts it back to its default.
 VELWHITEBOARD_EXPORT void decodeWithCoder(Record& record, const Coder& coder);
 
 /// What each record class gets by being declared as `class Self : public RecordOf<Self, Base>`.

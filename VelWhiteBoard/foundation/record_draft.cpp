@@ -5,15 +5,21 @@
 #include <variant>
 
 #include "VelWhiteBoard/foundation/assignment.h"
+#include "VelWhiteBoard/foundation/safe_values.h"
 
 namespace VelWhiteBoard {
 
 namespace {
 
-/// Above any number of properties that a class has; a dictionary with more keys is a strange one.
+/// More than any class has properties; a dictionary with more keys is unusual.
 constexpr std::size_t kUsualMembers = 64;
 
 }  // namespace
+
+void RecordDraft::Member::dropValue() noexcept {
+  if (value) dismantle(*value);
+  value.reset();
+}
 
 void RecordDraft::clear() {
   count_ = 0;
@@ -27,7 +33,7 @@ void RecordDraft::beginMember(std::string_view key) {
   member.useful = true;
   member.scalar = {};
   member.path.reset();
-  member.value.reset();
+  member.dropValue();
 }
 
 RecordDraft::Member* RecordDraft::memberFor(std::string_view key) {
@@ -63,19 +69,15 @@ void RecordDraft::setText(std::string& text) {
 
 void RecordDraft::setPath(Path path) { last().path = std::move(path); }
 
-void RecordDraft::setValue(Value value) { last().value = std::move(value); }
+void RecordDraft::setValue(Value&& value) { last().value.emplace().swap(value); }
 
 void RecordDraft::setNothing() { last().useful = false; }
 
-bool RecordDraft::isOfUse() const {
-  return current_ != nullptr && propertyOfFamily(current_->key) != nullptr;
-}
-
-bool RecordDraft::expectsPath() const {
-  if (current_ == nullptr) return false;
+std::optional<PropertyKind> RecordDraft::expectedKind() const {
+  if (current_ == nullptr) return std::nullopt;
   // The class may not be known before later keys are, but a name means the same to all of them.
   const Property* property = propertyOfFamily(current_->key);
-  return property != nullptr && property->kind == PropertyKind::path;
+  return property == nullptr ? std::nullopt : std::optional(property->kind);
 }
 
 const RecordClass& RecordDraft::chosenClass() const {
@@ -97,7 +99,10 @@ std::shared_ptr<Record> RecordDraft::record() {
       if (property->kind == PropertyKind::path) {
         property->in<std::optional<Path>>(*record) = std::move(*member.path);
       } else {
-        assign(*property, *record, Value(arrayWithPath(*member.path)));
+        Value positions;
+        const DismantledAtEnd guard(positions);
+        putPath(positions, *member.path);
+        assign(*property, *record, std::move(positions));
       }
     } else if (member.value) {
       assign(*property, *record, std::move(*member.value));

@@ -17,30 +17,29 @@
 namespace VelWhiteBoard {
 
 /// The keys and values of one dictionary, in the order of their arrival. One draft serves all
-/// records of a file, so that its memory is asked for once.
+/// records of a file, so that its memory is allocated once.
 class RecordDraft final : public DictionaryKeys {
  public:
   explicit RecordDraft(const RecordClass& asked) : asked_(asked) {}
 
   void clear();
 
-  /// Starts the next member; its value is null until one is set. Of a dictionary with very many
-  /// members only those are kept that some class has a use for, so that time stays linear and
-  /// memory small, whoever wrote it.
+  /// Starts the next member; its value is null until one is set. Beyond 64 members, keeps only
+  /// those whose keys some class declares; this bounds time and memory for hostile input.
   void beginMember(std::string_view key);
-  /// The value of the member that was begun last. A text is copied.
+  /// The value of the member that was begun last. A string is copied.
   void setScalar(const Scalar& scalar);
-  /// Takes the text over; `text` gets memory of its own to be used again.
+  /// Takes the string over; `text` gets memory of its own to be used again.
   void setText(std::string& text);
   void setPath(Path path);
-  void setValue(Value value);
-  /// The value of the member that was begun last is of no use to any property.
+  /// Takes the value over, and leaves null in its place.
+  void setValue(Value&& value);
+  /// No property can take the value of the member that was begun last.
   void setNothing();
 
-  /// Whether the member that was begun last will be a path, whatever the keys are that follow.
-  bool expectsPath() const;
-  /// Whether the member that was begun last may be of use to some class.
-  bool isOfUse() const;
+  /// The kind of property that the member begun last will be, whatever the keys are that follow;
+  /// absent when no class has a property of that name.
+  std::optional<PropertyKind> expectedKind() const;
 
   /// The record that all members make; takes their values.
   std::shared_ptr<Record> record();
@@ -56,6 +55,14 @@ class RecordDraft final : public DictionaryKeys {
     std::string text;
     std::optional<Path> path;
     std::optional<Value> value;
+
+    Member() = default;
+    Member(const Member& other) = delete;
+    Member(Member&& other) noexcept = default;
+    Member& operator=(const Member& other) = delete;
+    Member& operator=(Member&& other) noexcept = default;
+    ~Member() { dropValue(); }
+    void dropValue() noexcept;
   };
 
   Member& last() { return current_ == nullptr ? unused_ : *current_; }
@@ -66,7 +73,7 @@ class RecordDraft final : public DictionaryKeys {
   const RecordClass& asked_;
   std::vector<Member> members_;
   std::size_t count_ = 0;
-  /// The member that was begun last; null when nobody has a use for it.
+  /// The member that was begun last; null when it is not kept.
   Member* current_ = nullptr;
   Member unused_;
 };

@@ -1,5 +1,5 @@
 /// @file
-/// A value that is no container, on its way into a property.
+/// A value other than an array or object, on its way into a property.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace VelWhiteBoard {
 
-/// Null, a boolean, an integer, a real number or a text (which belongs to somebody else).
+/// Null, a boolean, an integer, a real number or a non-owning view of a string.
 using Scalar =
     std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string_view>;
 

@@ -15,7 +15,7 @@ constexpr std::uint8_t byteAt(std::string_view text, std::size_t index) {
   return static_cast<std::uint8_t>(text[index]);
 }
 
-/// One step through text that may be no UTF-8.
+/// One step through a string that may not be UTF-8.
 struct Sequence {
   /// Bytes to move on by: a whole character, or the longest start of one that is broken off.
   std::size_t length;
@@ -100,6 +100,7 @@ void appendEscaped(std::string& text, std::string_view source, const PlainTable&
 }
 
 constexpr PlainTable kPlainInJSON = plainExcept("\"\\");
+constexpr PlainTable kAllPlain = plainExcept({});
 constexpr PlainTable kPlainInXML = plainExcept("&<>");
 
 void appendJSONEscape(std::string& text, char character) {
@@ -171,6 +172,14 @@ void appendJSONText(std::string& text, std::string_view source) {
     }
   });
   text += '"';
+}
+
+std::string withValidUTF8(std::string_view source) {
+  std::string text;
+  text.reserve(source.size());
+  appendEscaped(text, source, kAllPlain,
+                [&text](std::string_view character) { text += character; });
+  return text;
 }
 
 void appendXMLText(std::string& text, std::string_view source) {

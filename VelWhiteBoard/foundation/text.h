@@ -1,5 +1,5 @@
 /// @file
-/// Text on its way into JSON and XML.
+/// Strings on their way into JSON and XML.
 #pragma once
 
 #include <string>
@@ -7,12 +7,15 @@
 
 namespace VelWhiteBoard {
 
-/// Adds `source` to `text` as a JSON string, quotes included. Bytes that are no UTF-8 become
-/// U+FFFD.
+/// Adds `source` to `text` as a JSON string, quotes included. Bytes that are not UTF-8
+/// become U+FFFD.
 void appendJSONText(std::string& text, std::string_view source);
 
+/// `source` with U+FFFD in place of bytes that are not UTF-8.
+std::string withValidUTF8(std::string_view source);
+
 /// Adds `source` to `text` as the content of an XML element that every strict reader gives back bit
-/// for bit. What XML cannot carry (control characters, U+FFFE, U+FFFF, bytes that are no UTF-8)
+/// for bit. What XML cannot carry (control characters, U+FFFE, U+FFFF, bytes that are not UTF-8)
 /// becomes U+FFFD.
 void appendXMLText(std::string& text, std::string_view source);
 

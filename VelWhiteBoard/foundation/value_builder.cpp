@@ -1,39 +1,36 @@
 #include "VelWhiteBoard/foundation/value_builder.h"
 
-#include <type_traits>
 #include <utility>
-#include <variant>
+
+#include "VelWhiteBoard/foundation/assignment.h"
 
 namespace VelWhiteBoard {
 
-void ValueBuilder::begin() {
+void ValueBuilder::beginUnits(std::size_t unit) {
+  dismantle(top_);
   top_ = Array();
   open_.assign(1, &top_);
   beyond_ = 0;
   tooDeep_ = false;
+  unit_ = unit;
 }
 
 void ValueBuilder::add(const std::optional<Scalar>& scalar) {
   if (tooDeep_) return;
-  if (!scalar) {
-    // Of a key that occurs twice only the last value counts, also when it is of no use.
-    if (open_.back()->is_object()) open_.back()->get_ref<Dictionary&>().erase(key_);
-    return;
+  if (scalar) {
+    place(valueWithScalar(*scalar));
+  } else if (open_.back()->is_object()) {
+    // Of a key that occurs twice only the last value counts, even when it is left out.
+    auto& members = open_.back()->get_ref<Dictionary&>();
+    const auto earlier = members.find(key_);
+    if (earlier == members.end()) return;
+    dismantle(earlier->second);
+    members.erase(earlier);
   }
-  std::visit(
-      [this](const auto& value) {
-        using T = std::decay_t<decltype(value)>;
-        if constexpr (std::is_same_v<T, std::monostate>) {
-          place(nullptr);
-        } else {
-          place(value);
-        }
-      },
-      *scalar);
 }
 
 void ValueBuilder::beginContainer(bool isDictionary) {
-  if (tooDeep_ || open_.size() == kMaximumValueDepth) {
+  if (tooDeep_ || open_.size() == kMaximumValueDepth + unit_ - 1) {
     tooDeep_ = true;
     ++beyond_;
     return;
@@ -44,14 +41,24 @@ void ValueBuilder::beginContainer(bool isDictionary) {
 void ValueBuilder::endContainer() {
   if (beyond_ > 0) {
     --beyond_;
-  } else {
-    open_.pop_back();
+    return;
   }
+  if (tooDeep_ && open_.size() == unit_) dropUnit();
+  open_.pop_back();
 }
 
-std::optional<Value> ValueBuilder::take() {
-  if (tooDeep_) return std::nullopt;
-  return std::exchange(top_, {});
+/// Puts null in the place of the unit that is open and nested too deep.
+void ValueBuilder::dropUnit() {
+  if (unit_ == kWhole) return;
+  dismantle(*open_.back());
+  *open_.back() = nullptr;
+  tooDeep_ = false;
+}
+
+bool ValueBuilder::take(Value& value) {
+  if (tooDeep_) return false;
+  value.swap(top_);
+  return true;
 }
 
 Value& ValueBuilder::place(Value value) {
@@ -60,7 +67,10 @@ Value& ValueBuilder::place(Value value) {
     auto& elements = parent.get_ref<Array&>();
     return elements.emplace_back(std::move(value));
   }
-  return parent.get_ref<Dictionary&>().insert_or_assign(key_, std::move(value)).first->second;
+  Value& member = parent.get_ref<Dictionary&>().try_emplace(key_).first->second;
+  dismantle(member);
+  member.swap(value);
+  return member;
 }
 
 }  // namespace VelWhiteBoard

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/array_owner.h"
+#include "VelWhiteBoard/foundation/safe_values.h"
 #include "VelWhiteBoard/foundation/property_table.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 

@@ -104,8 +104,8 @@ TEST_F(AHangingDisk, MakesSavesWaitWithoutPilingUpBesideOtherPagesThatAreCleared
     board_.write();
   });
   std::cout << kTimes << " removals, each with a save: " << growth << " bytes" << std::endl;
-  // A removal waits with its two paths; the saves take one another's place.
-  expectGrowthBelow(kTimes * std::size_t{500}, growth);
+  // A removal waits with its two paths; of the saves sixteen do.
+  expectGrowthBelow(kTimes * std::size_t{1000}, growth);
   hold.letGo();
   expectThatTheFilesHoldWhatIsInMemory("1_1");
   EXPECT_EQ(board_.snapFile("1_2"), Tale{"missing"});
@@ -145,7 +145,7 @@ TEST_F(AHangingDisk, LetsGoOfWhatNewerSavesHold) {
   }
   std::size_t alive = 0;
   for (const auto& vector : drawn) alive += vector.expired() ? 0U : 1U;
-  EXPECT_LE(alive, 4U);
+  EXPECT_LE(alive, 16U);
   EXPECT_GE(alive, 1U);
   hold.letGo();
   EXPECT_EQ(board_.wholeFile("1_1"), tell(VectorList{text("gone 99", "words")}));

@@ -20,7 +20,7 @@ TEST(ADamagedFile, IsNotReplacedWhileItCannotBeSetAside) {
   board.show(1);
   board.draw("new");
   board.settle();
-  board.calls().inject(Fault::failingFrom(Call::kRename, 1, EACCES));
+  board.calls().inject(Fault::failingFrom(Call::kRenameToNew, 1, EACCES));
   for (int i = 0; i < 3; ++i) board.save();
   EXPECT_EQ(board.setAside(), Names());
   EXPECT_EQ(board.contents(snapName("1_1")), "garbage");

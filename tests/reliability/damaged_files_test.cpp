@@ -151,17 +151,18 @@ TEST(ADamagedFile, ThatCanNeitherBeOpenedNorLookedAtIsKeptToo) {
   EXPECT_EQ(board.identifiers(snapName("1_1")), Strings{"new"});
 }
 
-TEST(ADamagedFile, ReplacesTheOneThatWasSetAsideBefore) {
+TEST(ADamagedFile, IsSetAsideBesideThoseThatWereSetAsideBefore) {
   DamagedBoard board;
+  const std::string aside = snapName("1_1") + ".damaged";
   for (const std::string garbage : {"first garbage", "second garbage"}) {
     board.put(snapName("1_1"), garbage);
     board.open();
     board.show(1);
     board.draw("new");
     board.save();
-    EXPECT_EQ(board.contents(snapName("1_1") + ".damaged"), garbage);
   }
-  EXPECT_EQ(board.setAside(), Names{snapName("1_1") + ".damaged"});
+  EXPECT_EQ(board.contents(aside), "first garbage");
+  EXPECT_EQ(board.contents(aside + "-2"), "second garbage");
 }
 
 TEST(ADamagedFile, IsSetAsideOnceNotWithEverySave) {

@@ -60,7 +60,7 @@ TEST_P(ALockedTemporary, HoldsUpNeitherSavesNorTheEndOfTheProcess) {
   play(board_);
   EXPECT_EQ(board_.identifiers(wholeName("1_1")), (Names{"old", "new"}));
   EXPECT_EQ(board_.identifiers(snapName("1_1")), (Names{"old", "new"}));
-  EXPECT_EQ(board_.identifiers(kPagesName), (Names{"1_1", "1_1"}));
+  EXPECT_EQ(board_.identifiers(kPagesName), (Names{"1_1"}));
 }
 
 TEST_P(ALockedTemporary, IsLeftToItsOwnerAndRemovedByTheFirstOpenThatFindsItUnused) {

@@ -250,11 +250,12 @@ std::vector<Operation> pages() {
          board->setIgnoreChanges(true);
        },
        switchTo()},
-      {"SwitchAndUse", drawn(1, 2),
+      {"UseOfAnOldPage",
        [](StarvedBoard& board) {
+         drawn(1, 2)(board);
          board->switchPage(board.page());
-         static_cast<void>(board->wholeVectorss());
-       }},
+       },
+       [](StarvedBoard& board) { static_cast<void>(board->wholeVectorss()); }},
       {"SnapshotOfAFile", drawn(1, 2), snap},
       {"SnapshotOfTheCache",
        [](StarvedBoard& board) {
@@ -281,7 +282,8 @@ std::vector<Operation> files() {
          board.show(1);
          board.show(2);
        },
-       [](StarvedBoard& board) { board->reload(); }},
+       [](StarvedBoard& board) { board->reload(); },
+       {"1_2"}},  // the next save of the current page replaces its files
       {"Opening", [](StarvedBoard&) {}, [](StarvedBoard& board) { board.open(); }},
       {"Getters", onPageOne,
        [](StarvedBoard& board) {

@@ -4,18 +4,6 @@
 #include <cstdlib>
 #include <stdexcept>
 
-#if defined(__has_feature)
-#define VELWB_HAS_FEATURE(feature) __has_feature(feature)
-#else
-#define VELWB_HAS_FEATURE(feature) 0
-#endif
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && \
-    !VELWB_HAS_FEATURE(address_sanitizer) && !VELWB_HAS_FEATURE(thread_sanitizer)
-#define VELWB_REPLACES_MALLOC 1
-#else
-#define VELWB_REPLACES_MALLOC 0
-#endif
-
 namespace VelWhiteBoard {
 
 namespace {
@@ -80,7 +68,7 @@ bool FailingAllocations::hasFailed() const { return planFor(requests_).failed; }
 
 // The C library's own names for its allocator, under which it can be reached from a replacement.
 // NOLINTBEGIN(bugprone-reserved-identifier, cert-dcl37-c, cert-dcl51-cpp)
-#if VELWB_REPLACES_MALLOC
+#ifdef VELWB_MALLOC_FAILS  // set where the C library's allocator can be replaced
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);

@@ -18,13 +18,14 @@ namespace VelWhiteBoard {
 struct Taste {
   bool numbersWithoutBound = false;  ///< NaN and the infinities
   bool controlCharacters = false;    ///< and U+FFFE, U+FFFF: text that XML cannot carry
-  bool brokenText = false;           ///< bytes that are no UTF-8
+  bool brokenText = false;           ///< bytes that are not UTF-8
   bool nulls = false;                ///< null inside of free-form values
 };
 
 inline constexpr Taste kAnything{true, true, true, true};
-inline constexpr Taste kForDictionaries{false, true, true, true};
-inline constexpr Taste kForJSONText{false, true, false, true};
+/// For dictionaries and JSON text.
+inline constexpr Taste kForDictionaries{false, true, false, true};
+inline constexpr Taste kForJSONText = kForDictionaries;
 inline constexpr Taste kForPropertyLists{};
 
 /// The seed of all property tests: VELWB_TEST_SEED where that is set, otherwise a fixed one.
