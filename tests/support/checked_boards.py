@@ -1,5 +1,6 @@
 """Boards to be damaged, and `board-check` to look at them; for the tests of that program."""
 
+import os
 import pathlib
 import plistlib
 import resource
@@ -70,8 +71,11 @@ class CheckedBoards(unittest.TestCase):
         return self.check(*arguments, capture_output=True, preexec_fn=limit)
 
     def contents(self):
-        return {str(file): file.read_bytes() if file.is_file() else file.lstat().st_mtime_ns
-                for file in [self.board, *self.board.rglob("*")]}
+        def content(file):
+            if file.is_symlink():
+                return os.readlink(file)
+            return file.read_bytes() if file.is_file() else file.lstat().st_mtime_ns
+        return {str(file): content(file) for file in [self.board, *self.board.rglob("*")]}
 
     def recovered(self, name):
         return plist(self.out / "whiteBoard" / name)
