@@ -5,6 +5,7 @@
 """
 
 import os
+import re
 import shutil
 import sys
 import unittest
@@ -106,7 +107,7 @@ class Damage(CheckedBoards):
                     (self.files / name).write_bytes(contents)
                 result = self.recover(status=0)
                 for name in names:
-                    self.assertRegex(result.stdout, name.replace(".", r"\.") + rf": readable, {records} records?\b[^\n]*\n"
+                    self.assertRegex(result.stdout, re.escape(name) + rf": readable, {records} records?\b[^\n]*\n"
                                      r"  A strict reader may object at line \d+, column \d+: ")
                     self.assertEqual(len(self.recovered(name)), records)
                 if "nan" in oddity:

@@ -30,7 +30,8 @@ class Gaps(CheckedBoards):
 
     def starts(self):
         """Where the records begin, and where the last one ends."""
-        return [match.start() for match in re.finditer(rb"(?m)^\t<dict>", self.text)] + [self.text.index(b"</array>\n</plist>")]
+        starts = [match.start() for match in re.finditer(rb"(?m)^\t<dict>", self.text)]
+        return [*starts, self.text.index(b"</array>\n</plist>")]
 
     def break_records(self, *numbers):
         """Puts an x in the place of a digit of each; answers the lines on which they are broken."""
@@ -127,7 +128,8 @@ class Gaps(CheckedBoards):
         (self.files / "whole_7_1.plist.damaged").write_bytes(broken(self.text, 0))
         result = self.recover()
         for name in ["whole_7_1.plist.damaged", "snap_7_1.plist"]:
-            self.assertRegex(result.stdout, re.escape(name) + r": [^:]*(\n  Now: )?DAMAGED(.*\n){2}  After it: 298 records")
+            self.assertRegex(result.stdout,
+                             re.escape(name) + r": [^:]*(\n  Now: )?DAMAGED(.*\n){2}  After it: 298 records")
         self.assertRegex(result.stdout, r"page\.plist: DAMAGED(.*\n){2}  Skipped: 1 record, \d+ bytes\.")
         self.assertEqual(self.recovered("whole_7_1.plist"), self.records[1:] + self.records)
 
@@ -144,8 +146,9 @@ class Gaps(CheckedBoards):
 class HostileLists(CheckedBoards):
     def test_every_record_broken_in_a_way_that_takes_all_that_follows_is_still_read_in_one_go(self):
         log = self.files / "whole_7_1.plist"
-        for piece in [b"\t<dict>\n<!--\n", b"\t<dict>\n<!--\n\t</dict>\n", b"\t<dict>\n", b"\t<dict>\n<key a=\"\n\t</dict>\n",
-                      b"\t<dict>\n" + b"<array>" * 20 + b"\n\t</dict>\n", b"x\n", b"\t</dict>\n", b"\t<dict"]:
+        for piece in [b"\t<dict>\n<!--\n", b"\t<dict>\n<!--\n\t</dict>\n", b"\t<dict>\n",
+                      b"\t<dict>\n<key a=\"\n\t</dict>\n", b"\t<dict>\n" + b"<array>" * 20 + b"\n\t</dict>\n",
+                      b"x\n", b"\t</dict>\n", b"\t<dict"]:
             with self.subTest(piece=piece):
                 log.write_bytes(b'<plist version="1.0">\n<array>\n' + piece * (3_000_000 // len(piece)))
                 self.assertIn("whole_7_1.plist: DAMAGED at line ", self.recover().stdout)

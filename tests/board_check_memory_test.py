@@ -44,8 +44,10 @@ class LargeFiles(CheckedBoards):
         self.write((HEAD, 1), (RECORD, count), (FOOT, 1))
         result = self.check_in_little_memory()
         self.assertIn(f"whole_7_1.plist: readable, {count} records: {count} line.\n", result.stdout)
-        self.assertIn("page 7_1: OUT OF STEP: the snapshot is ahead of the log by 3 entries, such as c.\n", result.stdout)
-        self.assertIn(f"log of {count + 3} records, 3 of them from the snapshot; snapshot of 3 records.\n", result.stdout)
+        self.assertIn("page 7_1: OUT OF STEP: the snapshot is ahead of the log by 3 entries, such as c.\n",
+                      result.stdout)
+        self.assertIn(f"log of {count + 3} records, 3 of them from the snapshot; snapshot of 3 records.\n",
+                      result.stdout)
 
     def test_a_snapshot_is_rebuilt_from_a_log_larger_than_memory(self):
         self.write((HEAD, 1), (RECORD, LARGE // len(RECORD)), (FOOT, 1))

@@ -46,7 +46,8 @@ class FilesThatAreNotGiven(CheckedBoards):
         os.symlink(FAILS_TO_READ, self.files / "snap_7_1.plist.tmp")
         result = self.check(self.board)
         self.assertEqual(result.returncode, 3)
-        self.assertRegex(result.stdout, r"whole_7_1\.plist\.damaged-2: set aside, [^\n]*\n  Now: not read: Input/output")
+        self.assertRegex(result.stdout,
+                         r"whole_7_1\.plist\.damaged-2: set aside, [^\n]*\n  Now: not read: Input/output")
         self.assertIn("snap_7_1.plist.tmp: a write that did not end; not read: Input/output error.\n", result.stdout)
         self.assert_is_not_called_damaged(result)
 
@@ -61,8 +62,8 @@ class FilesThatAreNotGiven(CheckedBoards):
     def test_a_board_without_them_is_recovered_and_that_is_told(self):
         self.take_away("whole_7_1.plist")
         result = self.recover(status=3)
-        self.assertIn("page 7_1: log not read, its place taken by the 3 records of the snapshot; snapshot of 3 records.\n",
-                      result.stdout)
+        self.assertIn("page 7_1: log not read, its place taken by the 3 records of the snapshot; "
+                      "snapshot of 3 records.\n", result.stdout)
         self.assert_is_not_called_damaged(result)
         snapshot = plist(self.files / "snap_7_1.plist")
         self.assertEqual(self.recovered("whole_7_1.plist"), snapshot)
