@@ -5,6 +5,7 @@
 """
 
 import os
+import re
 import shutil
 import sys
 import unittest
@@ -99,17 +100,17 @@ class Damage(CheckedBoards):
                 self.assertEqual(self.recovered("snap_7_1.plist"), sound)
 
     def test_odd_contents_are_readable_and_a_strict_reader_may_object(self):
-        log = self.files / "whole_7_1.plist"
-        for name, (contents, records) in ODD.items():
-            with self.subTest(oddity=name):
-                log.write_bytes(contents)
-                shutil.rmtree(self.out, ignore_errors=True)
-                result = self.check(self.board, "--recover", self.out)
-                self.assertEqual(result.returncode, 0, result.stderr)
-                self.assertRegex(result.stdout, rf"whole_7_1\.plist: readable, {records} records?\b[^\n]*\n"
-                                 r"  A strict reader may object at line \d+, column \d+: ")
-                self.assertEqual(len(self.recovered("whole_7_1.plist")), records)
-                if "nan" in name:
+        names = ["whole_7_1.plist", "snap_7_1.plist"]
+        for oddity, (contents, records) in ODD.items():
+            with self.subTest(oddity=oddity):
+                for name in names:
+                    (self.files / name).write_bytes(contents)
+                result = self.recover(status=0)
+                for name in names:
+                    self.assertRegex(result.stdout, re.escape(name) + rf": readable, {records} records?\b[^\n]*\n"
+                                     r"  A strict reader may object at line \d+, column \d+: ")
+                    self.assertEqual(len(self.recovered(name)), records)
+                if "nan" in oddity:
                     continue  # no file says it, so the next reader sees the default and writes that
                 self.assertNotIn("strict reader", self.check(self.out).stdout)
 
@@ -178,10 +179,10 @@ class SetAside(CheckedBoards):
         cls.later_board = cls.play("later", after)
         cls.both_board = cls.play("both", small_lesson() + after)
 
-    def set_aside(self, name, cut):
+    def set_aside(self, name, cut, suffix=".damaged"):
         """Puts a part of the file aside, and what came later in its place."""
         text = (self.files / name).read_bytes()
-        (self.files / (name + ".damaged")).write_bytes(text[:cut])
+        (self.files / (name + suffix)).write_bytes(text[:cut])
         shutil.copy(self.later_board / "whiteBoard" / name, self.files / name)
 
     def both(self, name):
@@ -235,6 +236,36 @@ class SetAside(CheckedBoards):
         self.set_aside("page.plist", -10)
         self.assertIn("page.plist: 3 records kept, 2 of them set aside earlier; 0 made up", self.recover().stdout)
         self.assertEqual(self.recovered("page.plist"), self.both("page.plist"))
+
+    def set_aside_thrice(self, name):
+        """Answers the records of all, the oldest first."""
+        records = []
+        # The tenth comes after the ninth, although its name does not.
+        for suffix, board in [(".damaged", self.whole_board), (".damaged-9", self.later_board),
+                              (".damaged-10", self.both_board)]:
+            shutil.copy(board / "whiteBoard" / name, self.files / (name + suffix))
+            records += plist(board / "whiteBoard" / name)
+        (self.files / name).write_bytes(list_of(b""))
+        return records
+
+    def test_logs_that_were_set_aside_one_after_the_other_follow_each_other(self):
+        records = self.set_aside_thrice("whole_7_1.plist")
+        result = self.recover()
+        self.assertEqual(self.recovered("whole_7_1.plist"), records)
+        self.assertIn(f"log of {len(records)} records, {len(records)} of them set aside earlier", result.stdout)
+        for suffix in [".damaged", ".damaged-9", ".damaged-10"]:
+            self.assertIn("whole_7_1.plist" + suffix + ": set aside, before it was replaced", result.stdout)
+
+    def test_snapshots_that_were_set_aside_one_after_the_other_follow_each_other(self):
+        records = self.set_aside_thrice("snap_7_1.plist")
+        (self.files / "whole_7_1.plist").unlink()
+        self.recover()
+        self.assertEqual(self.recovered("snap_7_1.plist"), records)
+
+    def test_visits_that_were_set_aside_one_after_the_other_follow_each_other(self):
+        visits = self.set_aside_thrice("page.plist")
+        self.recover()
+        self.assertEqual(self.recovered("page.plist"), visits)
 
 
 if __name__ == "__main__":

@@ -5,7 +5,9 @@
 """
 
 import filecmp
+import os
 import shutil
+import subprocess
 import sys
 import unittest
 
@@ -84,7 +86,9 @@ class Boards(CheckedBoards):
 
     def test_strangers_and_temporaries_do_no_harm(self):
         strangers = ["notes.txt", "snap_x.plist", "snap_07_1.plist", "whole_7_1.plist.old", ".DS_Store",
-                     "mine.tmp", "mine.plist.damaged", "snap_7_1.plist.damaged.tmp"]
+                     "mine.tmp", "mine.plist.damaged", "snap_7_1.plist.damaged.tmp", "snap_7_1.plist.damaged-1",
+                     "snap_7_1.plist.damaged-02", "snap_7_1.plist.damaged2", "page.plist.tmp-1", "page.plist.tmp-a-1",
+                     "page.plist.tmp--1", "whole_7_1.plist.tmp2", "whole_7_99999999999999999999.plist"]
         for name in strangers:
             (self.files / name).write_text("mine")
         (self.files / "folder").mkdir()
@@ -95,28 +99,53 @@ class Boards(CheckedBoards):
             self.assertIn(name + ": no file of a board.\n", result.stdout)
         self.assertIn("page.plist.tmp: a write that did not end; 0 records.\n", result.stdout)
 
-    def test_a_page_of_which_a_crash_left_only_a_temporary_counts_as_none(self):
+    def test_a_page_of_which_only_temporaries_are_there_may_have_been_cleared_and_does_not_come_back(self):
         text = (self.files / "whole_7_2.plist").read_bytes()
-        (self.files / "whole_7_3.plist.tmp").write_bytes(text[:-10])
-        result = self.check(self.board)
-        self.assertEqual(result.returncode, 0, result.stdout)
-        self.assertIn("whole_7_3.plist.tmp: a first write that did not end; 1 record: ", result.stdout)
-        self.assertNotIn("MISSING", result.stdout)
-        self.check(self.board, "--recover", self.out)
-        self.assertEqual(self.recovered("snap_7_3.plist"), plist(self.files / "snap_7_2.plist"))
+        for names in [["whole_7_3.plist.tmp"], ["snap_7_3.plist.tmp-12-3"],
+                      ["snap_7_3.plist.tmp", "whole_7_3.plist.tmp", "whole_7_3.plist.tmp-12-3"]]:
+            with self.subTest(names=names):
+                for name in names:
+                    (self.files / name).write_bytes(text)
+                result = self.recover(status=0)
+                self.assertNotIn("MISSING", result.stdout)
+                for name in names:
+                    self.assertIn(name + ": a first write that did not end; 1 record: 1 line.\n", result.stdout)
+                    self.assertIn(f"page 7_3: {name} skipped: it is a write that did not end, neither file of the page "
+                                  "is there, and the page may have been cleared.\n", result.stdout)
+                    (self.files / name).unlink()
+                self.assertEqual([file.name for file in (self.out / "whiteBoard").glob("*7_3*")], [])
+
+    def test_what_was_set_aside_of_a_cleared_page_brings_no_temporary_back(self):
+        text = (self.files / "whole_7_2.plist").read_bytes()
+        (self.files / "whole_7_3.plist.damaged").write_bytes(text)
+        (self.files / "whole_7_3.plist.tmp").write_bytes((self.files / "whole_7_1.plist").read_bytes())
+        self.assertIn("whole_7_3.plist.tmp skipped", self.recover().stdout)
+        self.assertEqual(self.recovered("whole_7_3.plist"), plist(self.files / "whole_7_2.plist"))
+
+    def test_a_temporary_list_of_visits_alone_makes_no_visits(self):
+        for file in self.files.iterdir():
+            if file.name != "page.plist":
+                file.unlink()
+        (self.files / "page.plist").rename(self.files / "page.plist.tmp")
+        self.recover(status=0)
+        self.assertEqual(self.recovered("page.plist"), [])
 
     def test_a_write_that_did_not_end_stands_in_when_it_holds_more(self):
         log, snap = self.files / "whole_7_1.plist", self.files / "snap_7_1.plist"
-        log.rename(self.files / "whole_7_1.plist.tmp")
-        for state, replacement in [("missing", None), ("cut off", b"<plist><array>")]:
-            with self.subTest(log=state):
-                if replacement is not None:
-                    log.write_bytes(replacement)
-                snap.write_bytes(b"")
-                self.assertIn("log of 8 records, 8 of them from a write that did not end; snapshot rebuilt",
-                              self.recover().stdout)
-                for name in [log.name, snap.name]:
-                    self.assertEqual(self.recovered(name), plist(self.whole_board / "whiteBoard" / name))
+        for suffix in [".tmp", ".tmp-4711-2"]:
+            temporary = log.with_name(log.name + suffix)
+            for state, replacement in [("missing", None), ("cut off", b"<plist><array>")]:
+                with self.subTest(log=state, temporary=suffix):
+                    shutil.copy(self.whole_board / "whiteBoard" / log.name, temporary)
+                    log.unlink(missing_ok=True)
+                    if replacement is not None:
+                        log.write_bytes(replacement)
+                    snap.write_bytes(b"")
+                    self.assertIn("log of 8 records, 8 of them from a write that did not end; snapshot rebuilt",
+                                  self.recover().stdout)
+                    for name in [log.name, snap.name]:
+                        self.assertEqual(self.recovered(name), plist(self.whole_board / "whiteBoard" / name))
+            temporary.unlink()
         shutil.copy(self.whole_board / "whiteBoard" / log.name, log)
         (self.files / "whole_7_1.plist.tmp").write_bytes(b"<plist><array>")
         self.assertNotIn("of them from a write", self.recover().stdout)
@@ -147,6 +176,10 @@ class Boards(CheckedBoards):
                 ((), "DIR is required"), ((self.board, "--unknown"), "--unknown"),
                 ((missing,), f"{missing}: No such file or directory"),
                 ((file,), f"{file}: Not a directory"),
+                (("",), "DIR: its name is empty"),
+                ((self.board, "--recover", ""), "--recover: its name is empty"),
+                ((self.board, "--recover"), "--recover: 1 required OUT missing"),
+                ((self.board, "--recover", self.board), f"{self.board} exists and is not empty"),
                 ((self.board, "--recover", self.out), f"{self.out} exists and is not empty"),
                 ((self.board, "--recover", file), f"{file} exists and is no folder"),
                 ((self.board, "--recover", "/proc/nowhere"), "cannot make /proc/nowhere/whiteBoard: "),
@@ -171,6 +204,25 @@ class Boards(CheckedBoards):
         neighbour = self.board.with_name("board2")
         self.assertEqual(self.check(self.board, "--recover", str(neighbour) + "/").returncode, 0)
         self.assertEqual(self.check(neighbour).returncode, 0)
+
+    def test_output_that_is_not_taken_is_a_mistake_even_of_a_sound_board(self):
+        for arguments in [(self.board,), (self.board, "--recover", self.out), ("--help",)]:
+            with self.subTest(arguments=arguments), open("/dev/full", "w", encoding="utf-8") as full:
+                result = self.check(*arguments, stdout=full, stderr=subprocess.PIPE)
+                self.assertEqual((result.returncode, result.stderr),
+                                 (2, "board-check: cannot write to standard output\n"))
+        self.assertEqual(self.check(self.out).returncode, 0, "what was asked for is done nevertheless")
+
+    def test_a_closed_standard_stream_gives_its_number_to_no_file(self):
+        result = self.check(self.board, "--recover", self.out, stderr=subprocess.PIPE, preexec_fn=lambda: os.close(1))
+        self.assertEqual((result.returncode, result.stderr), (2, "board-check: cannot write to standard output\n"))
+        self.assertEqual(self.check(self.out).returncode, 0)
+
+    def test_a_board_that_cannot_be_written_whole_leaves_nothing_that_looks_like_one(self):
+        result = self.check_limited(self.board, "--recover", self.out, FSIZE=2000)
+        self.assertEqual(result.returncode, 2)
+        self.assertRegex(result.stderr, r"\Aboard-check: write .*: File too large\n\Z")
+        self.assertEqual(list(self.out.iterdir()), [])
 
 
 if __name__ == "__main__":

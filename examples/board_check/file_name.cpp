@@ -89,7 +89,7 @@ std::optional<FileName> parseFileName(std::string_view name) {
 }
 
 std::shared_ptr<VelWbVecSwitchPage> pageOfKey(const std::string& key) {
-  const auto page = VelWbVecSwitchPage::initWithType("switchPage");
+  auto page = VelWbVecSwitchPage::initWithType("switchPage");
   if (const auto numbers = keyIn(key)) {
     page->WBID = numbers->board;
     page->curPage = numbers->page;

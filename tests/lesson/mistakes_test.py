@@ -2,6 +2,8 @@
 """What `lesson` does with bad lines, bad options and places where it cannot read or write."""
 
 import os
+import string
+import tempfile
 
 import support
 
@@ -121,6 +123,57 @@ class Pictures(support.TemporaryFolder):
                               input=PAGE + "\n" + LINE)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         self.assertEqual(support.Picture(self.folder / "page-7_1.png").width, 1)
+
+
+    def test_a_picture_that_cannot_be_written_whole_is_none_and_an_earlier_one_stays(self):
+        # Its letters take more room in a picture than in the board.
+        letters = string.ascii_letters + string.digits
+        text = f'{{"type":"text","ts":2,"ID":"t","x":-0.5,"y":-0.25,"w":1,"h":0.5,"text":"{letters}","fontSize":30}}'
+        lines = [PAGE, LINE, text]
+        for kind in ["svg", "png"]:
+            with self.subTest(kind=kind):
+                pictures = self.folder / kind
+                draw = ["-", "--fresh", "--board", self.folder / "board", f"--{kind}", pictures, "--size", "4000x4000"]
+                support.play(*draw, input="\n".join(lines))
+                picture = pictures / f"page-7_1.{kind}"
+                limit = picture.stat().st_size - 1
+                largest = max(file.stat().st_size for file in (self.folder / "board" / "whiteBoard").iterdir())
+                self.assertLess(largest, limit, "the limit must be the picture's alone")
+                for earlier in [None, b"mine"]:
+                    picture.unlink() if earlier is None else picture.write_bytes(earlier)
+                    result = support.play(*draw, input="\n".join(lines), preexec_fn=lambda: support.limit_files(limit))
+                    self.assertEqual(result.returncode, 2)
+                    self.assertRegex(result.stderr, rf"\Alesson: cannot write {picture}: .+\n\Z")
+                    left = {file.name: file.read_bytes() for file in pictures.iterdir()}
+                    self.assertEqual(left, {} if earlier is None else {picture.name: earlier})
+
+
+class Streams(support.TemporaryFolder):
+    def test_a_standard_input_that_cannot_be_read_is_a_clear_sentence(self):
+        with tempfile.TemporaryDirectory() as folder:
+            handle = os.open(folder, os.O_RDONLY)
+            self.addCleanup(os.close, handle)
+            for options in [{"stdin": handle}, {"preexec_fn": lambda: os.close(0)}]:
+                with self.subTest(options=options):
+                    result = support.play("-", "--board", self.folder, **options)
+                    self.assertEqual(result.returncode, 2)
+                    self.assertEqual(result.stderr, "lesson: reading standard input failed\n")
+
+    def test_a_file_that_cannot_be_read_is_a_clear_sentence(self):
+        result = support.play("/proc/self/mem", "--board", self.folder)
+        self.assertEqual((result.returncode, result.stderr), (2, "lesson: reading /proc/self/mem failed\n"))
+
+    def test_output_that_is_not_taken_is_a_clear_sentence(self):
+        for arguments in [["-", "--board", self.folder], ["--help"]]:
+            with self.subTest(arguments=arguments), open("/dev/full", "w", encoding="utf-8") as full:
+                result = support.play(*arguments, stdout=full, input=PAGE)
+                self.assertEqual((result.returncode, result.stderr), (2, "lesson: cannot write to standard output\n"))
+
+    def test_a_closed_standard_stream_gives_its_number_to_no_file(self):
+        result = support.play("-", "--board", self.folder, input=PAGE + "\n" + LINE, preexec_fn=lambda: os.close(1))
+        self.assertEqual((result.returncode, result.stderr), (2, "lesson: cannot write to standard output\n"))
+        for file in (self.folder / "whiteBoard").iterdir():
+            support.records_in(file)
 
 
 class Places(support.TemporaryFolder):

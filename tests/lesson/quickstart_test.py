@@ -27,6 +27,12 @@ class Quickstart(support.TemporaryFolder):
         self.assertEqual(stroke["path"], [[p["x"], p["y"], p["ts"]] for p in pieces])
         self.assertEqual((stroke["type"], stroke["end"], stroke["pixel"]), ("line", True, 4))
 
+    def test_output_that_is_not_taken_is_an_error(self):
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            result = subprocess.run([support.argument(1)], stdout=full, stderr=subprocess.PIPE, text=True,
+                                    env={**os.environ, "TMPDIR": str(self.folder)})
+        self.assertEqual((result.returncode, result.stderr), (1, "quickstart: cannot write to standard output\n"))
+
     def test_it_can_run_again(self):
         self.assertEqual(self.run_it().returncode, 0)
         self.assertEqual(self.run_it().returncode, 0)

@@ -3,6 +3,8 @@
 import pathlib
 import plistlib
 import re
+import resource
+import signal
 import struct
 import subprocess
 import sys
@@ -33,7 +35,14 @@ def play(*arguments, **options):
     """Runs `lesson` with the arguments; answers its output, errors and status."""
     command = [argument(1), *map(str, arguments)]
     options = {"stdin": subprocess.DEVNULL, **options} if "input" not in options else options
-    return subprocess.run(command, capture_output=True, text=True, encoding="utf-8", **options)
+    options = {"stdout": subprocess.PIPE, "stderr": subprocess.PIPE, **options}
+    return subprocess.run(command, text=True, encoding="utf-8", **options)
+
+
+def limit_files(size):
+    """In the process that is about to become a program: none of its files can become larger."""
+    signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+    resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))
 
 
 def recorded(name):

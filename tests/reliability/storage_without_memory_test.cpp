@@ -251,7 +251,7 @@ std::vector<Operation> pages() {
        },
        switchTo()},
       {"UseOfAnOldPage",
-       [](StarvedBoard& board) {
+       [drawn](StarvedBoard& board) {
          drawn(1, 2)(board);
          board->switchPage(board.page());
        },

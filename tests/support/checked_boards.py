@@ -1,8 +1,11 @@
 """Boards to be damaged, and `board-check` to look at them; for the tests of that program."""
 
+import os
 import pathlib
 import plistlib
+import resource
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -55,22 +58,33 @@ class CheckedBoards(unittest.TestCase):
         shutil.copytree(self.whole_board, self.board)
         self.files = self.board / "whiteBoard"
 
-    def check(self, *arguments):
-        return subprocess.run([BOARD_CHECK, *map(str, arguments)], capture_output=True, text=True,
-                              timeout=120)
+    def check(self, *arguments, **options):
+        options = {"capture_output": True} if not options else options
+        return subprocess.run([BOARD_CHECK, *map(str, arguments)], text=True, timeout=120, **options)
+
+    def check_limited(self, *arguments, **limits):
+        """The same with limits of the process, such as AS=BYTES."""
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            for name, most in limits.items():
+                resource.setrlimit(getattr(resource, "RLIMIT_" + name), (most, most))
+        return self.check(*arguments, capture_output=True, preexec_fn=limit)
 
     def contents(self):
-        return {str(file): file.read_bytes() if file.is_file() else file.lstat().st_mtime_ns
-                for file in [self.board, *self.board.rglob("*")]}
+        def content(file):
+            if file.is_symlink():
+                return os.readlink(file)
+            return file.read_bytes() if file.is_file() else file.lstat().st_mtime_ns
+        return {str(file): content(file) for file in [self.board, *self.board.rglob("*")]}
 
     def recovered(self, name):
         return plist(self.out / "whiteBoard" / name)
 
-    def recover(self):
+    def recover(self, status=1):
         before = self.contents()
         shutil.rmtree(self.out, ignore_errors=True)
         result = self.check(self.board, "--recover", self.out)
         self.assertEqual(self.contents(), before, "the board itself is never changed")
-        self.assertEqual(result.returncode, 1, result.stdout + result.stderr)
+        self.assertEqual(result.returncode, status, result.stdout + result.stderr)
         self.assertEqual(self.check(self.out).returncode, 0, "what is recovered is fine")
         return result
