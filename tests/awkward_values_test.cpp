@@ -219,6 +219,10 @@ TEST(AwkwardValues, ABinaryValueIsNullInAnArchiveAndTheRestSurvives) {
     EXPECT_EQ(*Coder(other.data()).decode("a"), 1);
     EXPECT_EQ(*Coder(other.data()).decode("b"), nullptr);
   }
+  // Another program's archive: {"a": h'01', "b": [h'', 2]}.
+  const Coder foreign(std::string_view("\xA2\x61\x61\x41\x01\x61\x62\x82\x40\x02"));
+  EXPECT_EQ(*foreign.decode("a"), nullptr);
+  EXPECT_EQ(*foreign.decode("b"), (Array{nullptr, 2}));
 }
 
 TEST(AwkwardValues, ADeepValueIsNullInAnArchiveAndTheRestSurvives) {

@@ -251,8 +251,7 @@ TEST(PropertyListRefusals, TheResultNamesTheCulpritAndItsPlace) {
     std::uint64_t column;
     std::uint64_t byte;
   } rows[] = {
-      {"<plist><array>\n\t<foo/>\n</array></plist>", "not an element of property lists", 2, 2,
-       16},
+      {"<plist><array>\n\t<foo/>\n</array></plist>", "not an element of property lists", 2, 2, 16},
       {"<plist>\n<dict/></plist>", "the top of the list is not an array", 2, 1, 8},
       {"<plist><array>\r\n<dict><true/></dict>", "a value has no key", 2, 7, 22},
       {"<plist><array><dict><key>a</key>\n</dict>", "a key has no value", 2, 1, 33},

@@ -120,6 +120,7 @@ void replaceBinary(Value& value) {
 
 Coder::Coder(std::string_view data) {
   Value archive = parse(data);
+  replaceBinary(archive);
   if (archive.is_object()) values_.swap(archive.get_ref<Dictionary&>());
 }
 

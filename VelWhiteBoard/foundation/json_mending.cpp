@@ -12,8 +12,8 @@ namespace VelWhiteBoard {
 
 namespace {
 
-/// The code unit that an escape such as "\ud83d" at the beginning of `text` stands for; 0 when it
-/// is none of a surrogate.
+/// The code unit that an escape such as "\ud83d" at the beginning of `text` stands for; 0 unless it
+/// is a surrogate.
 unsigned surrogateAt(std::string_view text) {
   constexpr std::size_t kLength = 6;
   unsigned unit = 0;
@@ -23,8 +23,8 @@ unsigned surrogateAt(std::string_view text) {
 }
 
 /// What to put in the place of the escape at the beginning of `text`, and how much of it that is.
-/// Half a pair of surrogates, as is left of a text that was cut, is a character of its own to
-/// JSON's grammar but none to anybody who reads it.
+/// Half a pair of surrogates, as is left of a string that was cut, is valid by JSON's grammar but
+/// stands for no character.
 std::pair<std::string_view, std::size_t> escapeAt(std::string_view text) {
   constexpr std::size_t kUnit = 6;
   const unsigned unit = surrogateAt(text);

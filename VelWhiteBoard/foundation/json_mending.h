@@ -1,5 +1,5 @@
 /// @file
-/// What JSON's grammar allows and a parser refuses.
+/// Rewrites valid JSON tokens that simdjson rejects.
 #pragma once
 
 #include <string>
@@ -7,10 +7,9 @@
 
 namespace VelWhiteBoard {
 
-/// `text` with what the parser can take in place of what it refuses: an integer beyond 64 bits
-/// becomes the nearest real number; a number beyond the range of a double becomes null, since there
-/// is no number for it; half a pair of surrogates becomes U+FFFD. Nothing that is no JSON text
-/// becomes one.
+/// `text` with those tokens rewritten: an integer beyond 64 bits becomes the nearest real number; a
+/// number beyond the range of a double becomes null, since there is no number for it; half a pair
+/// of surrogates becomes U+FFFD. What is not a JSON text does not become one.
 std::string mendedJSON(std::string_view text);
 
 }  // namespace VelWhiteBoard

@@ -5,14 +5,29 @@
 /// strings and arrays are left out, numbers and booleans are always written; a number that JSON
 /// cannot carry (NaN, infinities) is left out, and is 0 inside a path.
 ///
-/// Reading never fails on a value, it keeps the property's default instead. It is lenient where
-/// that takes no guess: for a string property a number becomes its shortest decimal text; for a
+/// Strings are UTF-8: in both forms U+FFFD takes the place of bytes that are not. The record itself
+/// is not changed.
+///
+/// Reading never fails on a value, it keeps the property's default instead. It is lenient where it
+/// can be without guessing: for a string property a number becomes its shortest decimal text; for a
 /// number property a string that is a JSON number becomes that number and a boolean 0 or 1; a
 /// boolean property takes a number (not 0 is true) and "true" or "false"; null is null, 0 or false.
 /// An integer property cuts a fraction off toward zero and stops at the ends of its range. A
 /// position of a path that is not an array of numbers is dropped. Keys that name no property are
-/// ignored. A value that nests arrays and objects deeper than 256 levels is ignored; a JSON text
-/// that nests them deeper than 1,000 may be refused as a whole, like one that is no JSON.
+/// ignored. A property's value that nests arrays and objects deeper than 256 levels is ignored, and
+/// so is what is nested under an unknown key; in a list of records each element is judged by
+/// itself.
+///
+/// An integer in a JSON text that does not fit 64 bits, signed or unsigned, is read as the nearest
+/// real number; a number beyond the range of a double is read as null. A leading byte order mark is
+/// skipped. Half a pair of surrogates is read as U+FFFD.
+///
+/// The class that is read back is chosen by the keys that are there. A number that was left out
+/// because JSON cannot carry it may thus change the class: a diagram whose `radiusX` is NaN comes
+/// back as one without radii, a box of unknown type whose `w` is NaN as a point.
+///
+/// Memory: what cannot get any throws std::bad_alloc; a text or dictionary is never taken for a
+/// damaged one on that account.
 ///
 /// Threads: all functions may be called from any thread, on distinct records.
 #pragma once
@@ -32,12 +47,12 @@ namespace VelWhiteBoard {
 /// A record from its dictionary form, of the class that the decoding rule of `asked` chooses.
 VELWHITEBOARD_EXPORT std::shared_ptr<Record> recordWithDictionary(const RecordClass& asked,
                                                                   const Dictionary& dictionary);
-/// The same from the text of a JSON object; null when `text` is none.
+/// The same from the text of a JSON object; null when `text` is not one.
 VELWHITEBOARD_EXPORT std::shared_ptr<Record> recordWithJSON(const RecordClass& asked,
                                                             std::string_view text);
-/// The records of an array, in order; an element that is no dictionary is skipped.
+/// The records of an array, in order; an element that is not a dictionary is skipped.
 VELWHITEBOARD_EXPORT RecordList recordsWithArray(const RecordClass& asked, const Array& array);
-/// The same from the text of a JSON array; empty when `text` is none.
+/// The same from the text of a JSON array; empty when `text` is not one.
 VELWHITEBOARD_EXPORT RecordList recordsWithJSON(const RecordClass& asked, std::string_view text);
 
 /// The dictionary form of any record.
@@ -84,20 +99,20 @@ ModelPointer<T> modelWithDictionary(const Dictionary& dictionary) {
   return std::static_pointer_cast<Root>(recordWithDictionary(T::ownClass(), dictionary));
 }
 
-/// A record from the text of a JSON object; null when `text` is no JSON object.
+/// A record from the text of a JSON object; null when `text` is not a JSON object.
 template <class T>
 ModelPointer<T> modelWithJSON(std::string_view text) {
   using Root = typename model_mapping::Root<T>::Type;
   return std::static_pointer_cast<Root>(recordWithJSON(T::ownClass(), text));
 }
 
-/// The records of an array, in order; an element that is no dictionary is skipped.
+/// The records of an array, in order; an element that is not a dictionary is skipped.
 template <class T>
 std::vector<ModelPointer<T>> modelArrayWithClass(const Array& array) {
   return model_mapping::cast<T>(recordsWithArray(T::ownClass(), array));
 }
 
-/// The records of the text of a JSON array; empty when `text` is no JSON array.
+/// The records of the text of a JSON array; empty when `text` is not a JSON array.
 template <class T>
 std::vector<ModelPointer<T>> modelArrayWithJSON(std::string_view text) {
   return model_mapping::cast<T>(recordsWithJSON(T::ownClass(), text));

@@ -24,7 +24,7 @@ class DictionaryKeys {
  public:
   /// Whether the key is there, whatever its value, null included.
   virtual bool contains(std::string_view key) const = 0;
-  /// The text under the key; none when the key is missing or its value is no string.
+  /// The string under the key; absent when the key is missing or its value is not a string.
   virtual std::optional<std::string_view> text(std::string_view key) const = 0;
 
  protected:
@@ -45,8 +45,8 @@ struct RecordClass {
   std::shared_ptr<Record> (*create)();
   /// Chooses the class for a dictionary when `asked` was asked for; null: always the one asked for.
   const RecordClass& (*customClass)(const DictionaryKeys& keys, const RecordClass& asked);
-  /// In a class without a base whose family has such a rule: the property of a name that some class
-  /// has which the rule may choose, null when none has. Otherwise null.
+  /// Root classes only: looks `name` up in every class that the rule can choose; the property, or
+  /// null. Null itself in other classes, and where there is no such rule.
   const Property* (*propertyOfFamily)(std::string_view name);
 
   /// Whether this is `other` or derives from it.
@@ -64,8 +64,11 @@ struct RecordClass {
 
 /// The root of all records: vectors, media items, resources.
 ///
-/// A record is a plain object with public properties. It takes no lock: a record is not to be
-/// changed while another thread uses it.
+/// A record is a plain object with public properties. It takes no lock: a record must not be
+/// changed while another thread uses it. Operations that change a record either have their whole
+/// effect or, when they throw std::bad_alloc, none.
+///
+/// Clients do not derive classes from it.
 class VELWHITEBOARD_EXPORT Record {
  public:
   virtual ~Record();

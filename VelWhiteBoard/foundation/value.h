@@ -20,7 +20,8 @@ using Dictionary = Value::object_t;
 /// How deep arrays and objects may be nested in a value that the library takes over.
 ///
 /// Records come from other machines. The bound keeps every walk over a value shallow enough for any
-/// thread's stack, and it is far above what a drawing program has a use for.
+/// thread's stack, and it is far above what a drawing program needs. The scalars inside the
+/// innermost container do not count as a level.
 inline constexpr std::size_t kMaximumValueDepth = 256;
 
 /// Whether two values say the same: numbers by their value, whatever their kind; 0 equals -0, and a

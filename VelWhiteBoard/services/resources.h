@@ -16,7 +16,7 @@
 
 namespace VelWhiteBoard {
 
-/// One page image of a resource.
+/// One page image of a resource. Clients do not derive classes from it.
 class VELWHITEBOARD_EXPORT VelImageResource : public RecordOf<VelImageResource, Record> {
  public:
   /// Identifier of the image file.
@@ -39,12 +39,12 @@ class VELWHITEBOARD_EXPORT VelImageResource : public RecordOf<VelImageResource, 
 /// A piece of courseware shown on a board: a slide deck, a PDF document or a set of images.
 ///
 /// A plain record that the client receives as a dictionary; nothing else in the library reads it.
-/// It takes no lock.
+/// It takes no lock. Clients do not derive classes from it.
 class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoardResource, Record> {
  public:
   /// The board that shows the resource.
   std::int64_t WBID = 0;
-  /// Identifier of the source file: a number here, a text in `VelImageResource`.
+  /// Identifier of the source file: a number here, a string in `VelImageResource`.
   std::int64_t fileID = 0;
   /// Address of the source file; its extension decides the type.
   std::optional<std::string> fileUrl;
@@ -52,13 +52,13 @@ class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoard
   std::uint64_t id = 0;
   /// The page images in page order; copies share them.
   std::optional<std::vector<std::shared_ptr<VelImageResource>>> images;
-  /// Size of the source file.
+  /// Size of the source file, in the sender's unit.
   double filesize = 0;
-  /// A second size, kept for the client.
+  /// A second size, in the sender's unit, kept for the client.
   std::uint64_t size = 0;
   /// Number of pages as the sender states it; `getTotalPage()` does not look at it.
   std::uint64_t totalPage = 0;
-  /// Page size.
+  /// Width and height of a page, in the sender's unit.
   std::int64_t width = 0;
   std::int64_t height = 0;
 
@@ -66,7 +66,7 @@ class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoard
 
   /// The display title. Without one the default "白板", which is answered only, never stored.
   std::string title() const;
-  /// Sets the title; none brings the default back, an empty title is a title.
+  /// Sets the title; an absent one brings the default back, an empty title is a title.
   void setTitle(std::optional<std::string> title);
 
   /// 2 for a slide deck, 1 for a PDF document, 0 for images and everything unknown: told by whether

@@ -16,9 +16,10 @@ class VelWbVecPoint;
 
 /// Stamps vectors with an identifier and with a timestamp on the clock of the lesson's server.
 ///
-/// One object for the process, made on first use and never destroyed. A client sets `userID`; on
-/// joining a lesson it calls `setCourseCreateTs`, sets `isRunning` while the lesson runs, and calls
-/// `clear` on leaving. Nothing inside the library changes `isRunning` or `userID`.
+/// One object for the process, made on first use and never destroyed; not meant as a base class. A
+/// client sets `userID`; on joining a lesson it calls `setCourseCreateTs`, sets `isRunning` while
+/// the lesson runs, and calls `clear` on leaving. Nothing inside the library changes `isRunning` or
+/// `userID`.
 ///
 /// Threads: everything may be called from any thread. `setCourseCreateTs` and, while the clock
 /// runs, `genTs` wait for `semaphore` without limit; nothing else does, so whoever holds it may
@@ -52,24 +53,28 @@ class VELWHITEBOARD_EXPORT VelWbVectorManager {
 
   /// A new vector identifier: `userID` (nothing when absent), an underscore and the hundredths of a
   /// second since `createTs`, cut toward zero: "u42_1234". Negative when the clock stands before
-  /// `createTs`. Calls within the same hundredth give the same identifier. Takes no semaphore.
+  /// `createTs`; beyond 64 bits the nearest end of the range, and 0 when `createTs` is NaN. Calls
+  /// within the same hundredth give the same identifier. Takes no semaphore.
   std::string genID();
 
   /// A timestamp in seconds on the server's clock. While the clock runs: `serverTs` and the time
   /// that has passed since `localTs`, read under `semaphore`. While it stands: `serverTs` -
-  /// `localTs`, whatever the time, without the semaphore.
+  /// `localTs`, whatever the time, without the semaphore. Times that are not finite are computed
+  /// with like any other.
   double genTs();
 
-  /// Moves a point from the desktop client's coordinates to the board's: half a unit up on each
-  /// axis, in exactly the floating-point operations that all clients share.
+  /// Moves a point from the desktop client's coordinates to the board's: adds one half to `x` and
+  /// to `y`, in exactly the floating-point operations that all clients share. No other field
+  /// changes: the positions in `path`, and the size of a box, stay. NaN and the infinities stay
+  /// what they are. The point belongs to the caller; it is not kept.
   void coordinateSystemTransFromPC(VelWbVecPoint& point);
-  /// The reverse: half a unit down on each axis, by its own shared formula.
+  /// The reverse: takes one half off `x` and `y`, by its own shared formula.
   void coordinateSystemTransToPC(VelWbVecPoint& point);
 
   /// Guards the three times during a synchronisation; count 1, not re-entrant. Never null.
   std::shared_ptr<Semaphore> semaphore() const;
-  /// Replaces the semaphore for those who come later; who holds or awaits the old one keeps to it.
-  /// Null is ignored.
+  /// Replaces the semaphore. Later callers use the new one; current holders and waiters keep the
+  /// old. Null is ignored.
   void setSemaphore(const std::shared_ptr<Semaphore>& semaphore);
 
   /// When the lesson was created, seconds since 1970-01-01: the origin of identifiers. Initially 0.
@@ -88,7 +93,7 @@ class VELWHITEBOARD_EXPORT VelWbVectorManager {
   void setLocalTs(double localTs);
 
   /// The local user, the beginning of each generated identifier. Initially absent; an empty one
-  /// gives the same identifiers as none.
+  /// gives the same identifiers as an absent one.
   std::optional<std::string> userID() const;
   /// @see userID
   void setUserID(const std::optional<std::string>& userID);

@@ -30,8 +30,16 @@ using VectorPtr = std::shared_ptr<VelWbBaseVector>;
 /// at any time. Every other operation and property takes no lock; callers keep all of them on one
 /// thread. Asking a stroke or diagram for its `lineWidth` reads these settings too.
 ///
-/// An invalid setting is ignored without a report and the old value stays. The only exceptions are
-/// those named at the lookups, at the factory and at `setTextColor`.
+/// An invalid setting is ignored without a report and the old value stays. Beside std::bad_alloc,
+/// these throw, and change nothing then:
+///
+/// - the lookups `lineWidth`, `markerWidth`, `eraserWidth` and `colorStringWithIndex`, and their
+///   twins: std::out_of_range when the index equals the length of the table;
+/// - the factory, for the types "line", "eraser", "markerPen" and "diagram": std::out_of_range when
+///   the width index of that tool equals the length of its table;
+/// - `setTextColor`: std::invalid_argument when there is no colour.
+///
+/// Not meant as a base class.
 class VELWHITEBOARD_EXPORT VWBToolManager {
  public:
   // ---- The one object ----------------------------------------------------------------------
@@ -116,8 +124,8 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   std::int64_t eraserWidthIndex() const;
   void setEraserWidthIndex(std::int64_t eraserWidthIndex);
 
-  /// The size of new text, initially 20. The setter ignores what is outside `textFontMinSize` to
-  /// `textFontMaxSize`, both included, and NaN.
+  /// The size of new text in view points, initially 20. The setter ignores what is outside
+  /// `textFontMinSize` to `textFontMaxSize`, both included, and NaN.
   double textFontSize() const;
   void setTextFontSize(double textFontSize);
 
@@ -135,7 +143,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// The entry of the width table, as a single-precision number widened to double. A negative index
   /// and one above the table's length read entry 0.
   /// @throws std::out_of_range when the index equals the table's length. Hosts know this behaviour
-  /// of the lookup, so it is kept.
+  /// of the lookup, so it is kept. An index above the length does not throw.
   static double lineWidth(std::int64_t index);
   static double markerWidth(std::int64_t index);
   static double eraserWidth(std::int64_t index);
@@ -149,7 +157,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// The height in points that a text of this font size needs at least: 23 at size 20, and 1.2 more
   /// for each point of font size.
   static double textLimitHeight(double fontSize);
-  /// 10 points: the smallest side to which a host lets an image shrink.
+  /// 10, in view points. What it limits is the client's business; nothing in the library reads it.
   static double imageLimitSize();
 
   // ---- Colours (colours.cpp) ---------------------------------------------------------------
@@ -172,9 +180,9 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
 
   /// Takes any colour: "#" is put in front where it is missing, an opaque alpha is cut off, and the
   /// rest is stored in upper case.
-  /// @throws std::invalid_argument on none; the stored colour stays.
+  /// @throws std::invalid_argument when it is absent; the stored colour stays.
   void setTextColor(const std::optional<std::string>& textColor);
-  /// As `setTextColor`, but none is a value: it clears the background.
+  /// As `setTextColor`, but an absent colour clears the background.
   void setTextBgColor(const std::optional<std::string>& textBgColor);
 
   /// Take only a string that equals a palette entry, and ignore everything else: lower case, none
@@ -208,8 +216,9 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   // timestamp and, where the caller gives no ID, an ID (an empty ID is kept as it is). It carries
   // the settings of this moment; colours are in their handed-out form. A type or tool that makes
   // nothing gives a null pointer, and still takes a timestamp and an ID from the vector manager.
-  // All of them throw std::out_of_range when a width index stands at the length of its table, which
-  // a change of `version` can bring about; then no timestamp and no ID has been taken.
+  // For "line", "eraser", "markerPen" and "diagram" they throw std::out_of_range when the tool's
+  // width index equals the length of its table, which a change of `version` can bring about (and,
+  // for the marker, its setter); then no timestamp and no ID has been taken.
 
   /// The vector that a tool starts:
   ///

@@ -60,7 +60,9 @@ class VectorOf : public RecordOf<Self, Base> {
 /// Any whiteboard operation: a type name, a time and an identifier.
 ///
 /// Threads: a vector takes no lock. A vector that was given to a storage belongs to it: the storage
-/// may change it, callers read it only on the thread that saves, or copy it before.
+/// may change it; callers read it only on the thread that saves, or copy it before.
+///
+/// Clients do not derive classes from it: what is generic works for the library's own classes.
 class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Record> {
  public:
   /// Asking the model mapping for any vector class answers a pointer to this class.
@@ -68,7 +70,7 @@ class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Re
 
   /// The type name, see `VelWbVectorDefines`; absent or unknown names are allowed.
   std::optional<std::string> type;
-  /// Seconds on the clock of the lesson's server, see `VelWbVectorManager::genTs`.
+  /// Seconds on the clock of the lesson's server, see `VelWbVectorManager::genTs`. Any number.
   double ts = 0;
   /// The identifier. A later vector that continues or edits an earlier one has the same `ID` and
   /// `type`.

@@ -13,6 +13,8 @@ namespace VelWhiteBoard {
 /// A box: a position and a size in normalised board coordinates.
 ///
 /// A box is not extended piece by piece; a later vector of the same `type` and `ID` edits it.
+/// At the tool manager's `version` 1 the `y` of a box is its far edge: the near one is `y` - `h`.
+/// Clients do not derive classes from a box or from the classes below.
 class VELWHITEBOARD_EXPORT VelWbVecSquare : public VectorOf<VelWbVecSquare, VelWbVecPoint> {
  public:
   /// Width and height as fractions of the board's; in an update 0 or less: not given.
@@ -27,9 +29,9 @@ class VELWHITEBOARD_EXPORT VelWbVecSquare : public VectorOf<VelWbVecSquare, VelW
   /// 0, `ts` always. `end`, `path` and `ps` never change. Each derived class adds the fields of its
   /// own, when the update is of that class too.
   ///
-  /// @param update any vector, the receiver included; one of another `type` or `ID` changes
-  /// nothing, not
-  ///   even `ts`. One without a position or a size changes only the rest.
+  /// @param update any vector, the receiver included. One of another `type` or `ID` changes
+  ///   nothing, not even `ts`. One without a position or a size changes only the rest.
+  /// @throws std::bad_alloc with nothing changed.
   virtual void merge(const VelWbBaseVector& update);
 
   template <class Visitor>
@@ -44,12 +46,13 @@ class VELWHITEBOARD_EXPORT VelWbVecSquare : public VectorOf<VelWbVecSquare, VelW
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// A file on the board: types "image" and "cursor".
+/// A file on the board: types "image" and "cursor". A new vector of type "camera" that the factory
+/// makes is a file, too; one that is decoded is a `VelWbCaptureInfo`.
 class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVecSquare> {
  public:
   /// Where the content is; in an update empty: not given.
   std::optional<std::string> url;
-  /// Rotation of the box, in the clients' unit. Merging never changes it, on purpose.
+  /// Rotation of the box, in the sender's unit. Merging never changes it, on purpose.
   double rotation = 0;
   /// Marks an object that may not be deleted. Merging always takes the update's.
   bool undeletable = false;
@@ -71,8 +74,8 @@ class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVec
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// A media item on the board: type "media". Its times, `duration` and `status` are in the clients'
-/// units and words; nothing here reads them.
+/// A media item on the board: type "media". Its times and `duration` are in the sender's unit, and
+/// `status` is the sender's word; nothing here reads them.
 class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbVecFile> {
  public:
   /// Identifier of the owner; in an update below 1: not given.
@@ -114,13 +117,13 @@ class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbV
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// A text box: type "text". Its `ps` is the width of the board as shown, not of the reference
-/// board.
+/// A text box: type "text". Its `ps` is the width of the sender's board as shown, not of the
+/// reference board.
 class VELWHITEBOARD_EXPORT VelWbVecText : public VectorOf<VelWbVecText, VelWbVecSquare> {
  public:
   /// In an update empty: not given, so merging cannot empty a text.
   std::optional<std::string> text;
-  /// In view points; in an update 0 or less: not given.
+  /// In the sender's view points; in an update 0 or less: not given.
   double fontSize = 0;
   /// Font family; in an update empty: not given.
   std::optional<std::string> fontName;

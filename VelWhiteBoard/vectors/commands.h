@@ -1,5 +1,5 @@
 /// @file
-/// Commands to a board, and the camera capture.
+/// Commands to a board, and the camera capture. Clients do not derive classes from these.
 #pragma once
 
 #include <cstdint>
@@ -51,6 +51,9 @@ class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbB
 };
 
 /// Shows another page: type "switchPage". Also how a board names its pages.
+///
+/// Give it its `type`: a record without one is decoded by its keys, so that it comes back from a
+/// file or dictionary as a box, not as a page.
 class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
     : public VectorOf<VelWbVecSwitchPage, VelWbBaseVector> {
  public:
@@ -66,7 +69,7 @@ class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
   std::uint64_t totalPage = 0;
   /// Whether the page is shown as an image.
   bool imageMode = false;
-  /// Size of the page's content.
+  /// Width and height of the page's content, in the sender's unit.
   double w = 0;
   double h = 0;
 
@@ -98,7 +101,7 @@ class VELWHITEBOARD_EXPORT VelWbVecOffset : public VectorOf<VelWbVecOffset, VelW
  public:
   /// Axis or direction of the move, a code of the clients.
   std::int64_t direction = 0;
-  /// Amount of the move, in the clients' unit.
+  /// Amount of the move, in the sender's unit.
   double value = 0;
 
   static const RecordClass& ownClass();
@@ -114,7 +117,8 @@ class VELWHITEBOARD_EXPORT VelWbVecOffset : public VectorOf<VelWbVecOffset, VelW
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// A camera capture: type "camera". Arises only by decoding; new camera vectors are files.
+/// A camera capture: type "camera". Arises only by decoding; the factory makes a new vector of that
+/// type as a `VelWbVecFile`.
 class VELWHITEBOARD_EXPORT VelWbCaptureInfo : public VectorOf<VelWbCaptureInfo, VelWbVecSquare> {
  public:
   /// Whether the capture comes from the back camera.

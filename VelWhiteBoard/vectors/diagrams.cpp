@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/safe_values.h"
 #include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/foundation/safe_values.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 
 namespace VelWhiteBoard {

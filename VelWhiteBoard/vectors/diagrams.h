@@ -11,7 +11,9 @@
 
 namespace VelWhiteBoard {
 
-/// A shape outlined in a box: type "diagram", every kind but "circle" and "ellipse".
+/// A shape outlined in a box: type "diagram" without radii. The factory makes it for every kind but
+/// "circle" and "ellipse"; a dictionary without the key "radiusX" becomes one whatever its `kind`.
+/// Clients do not derive classes from it or from the class below.
 class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, VelWbVecSquare> {
  public:
   /// The shape, one of the `VelWBVectorStrKind` names. Merging never changes it, on purpose.
@@ -21,7 +23,7 @@ class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, Ve
   std::optional<Array> points;
   /// Outline colour, #RRGGBBAA; in an update empty: not given.
   std::optional<std::string> color;
-  /// Outline width, in view points, on a board `ps` wide; below 1: not given.
+  /// Outline width, in the sender's view points, on a board `ps` wide; below 1: not given.
   std::int64_t pixel = 0;
 
   VelWbVecDiagram() = default;
@@ -29,13 +31,14 @@ class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, Ve
   VelWbVecDiagram(VelWbVecDiagram&& other) = default;
   VelWbVecDiagram& operator=(const VelWbVecDiagram& other) = default;
   VelWbVecDiagram& operator=(VelWbVecDiagram&& other) = default;
-  /// Asks for no memory, whatever `points` holds: vectors end while there is none, too.
+  /// Asks for no memory, whatever `points` holds: a vector may end when there is none left.
   ~VelWbVecDiagram() override;
 
   static const RecordClass& ownClass();
 
   /// As for any box; then a diagram also hands over what it carries, its `ps` included. Its size is
   /// then taken when both sides are 0 or more, which lets a zero through that the box rule ignores.
+  /// @throws std::bad_alloc with nothing changed.
   void merge(const VelWbBaseVector& update) override;
 
   /// The outline width in view points on the board as it is now, the tool manager's `wbSize`. To be
@@ -59,11 +62,11 @@ class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, Ve
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// A circle or ellipse: type "diagram", kinds "circle" and "ellipse". The key "radiusX" in a
-/// dictionary is what makes it one.
+/// A diagram with radii: type "diagram". The factory makes it for the kinds "circle" and "ellipse";
+/// a dictionary with the key "radiusX" becomes one whatever its `kind`.
 class VELWHITEBOARD_EXPORT VelWbVecCircle : public VectorOf<VelWbVecCircle, VelWbVecDiagram> {
  public:
-  /// The radii; in an update negative: not given, each for itself.
+  /// The radii, in the sender's unit; in an update negative: not given, each for itself.
   double radiusX = 0;
   double radiusY = 0;
 

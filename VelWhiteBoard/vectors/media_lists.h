@@ -13,7 +13,8 @@
 
 namespace VelWhiteBoard {
 
-/// One playable item of a media list. Not a vector: it has no `type` and no `ts`.
+/// One playable item of a media list. Not a vector: it has no `type` and no `ts`. Clients do not
+/// derive classes from it.
 class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem, Record> {
  public:
   std::optional<std::string> ID;
@@ -21,7 +22,7 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem
   std::int64_t owner = 0;
   /// Address of the media.
   std::optional<std::string> url;
-  /// Length, in the clients' unit.
+  /// Length, in the sender's unit.
   std::int64_t duration = 0;
   /// Kind of media, a code of the clients.
   std::int64_t category = 0;
@@ -46,7 +47,8 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem
   }
 };
 
-/// Publishes a participant's list of media: type "mediaList".
+/// Publishes a participant's list of media: type "mediaList". Clients do not derive classes from
+/// it.
 class VELWHITEBOARD_EXPORT VelWbVecMediaList : public VectorOf<VelWbVecMediaList, VelWbBaseVector> {
  public:
   /// The user to whom the list belongs.
@@ -57,7 +59,8 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaList : public VectorOf<VelWbVecMediaList
   static const RecordClass& ownClass();
 
   /// Takes over the other list's items, all of them in place of its own; nothing when the other has
-  /// no `list`. No other field changes.
+  /// no `list`. No other field changes. `type` and `ID` are not compared.
+  /// @throws std::bad_alloc with nothing changed.
   void merge(const VelWbVecMediaList& other);
 
   /// The class of the elements of each property that is a list of records: "list" holds media

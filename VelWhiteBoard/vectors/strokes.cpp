@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/safe_values.h"
 #include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/foundation/safe_values.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 #include "VelWhiteBoard/vectors/vector_defines.h"
 

@@ -14,34 +14,47 @@ namespace VelWhiteBoard {
 
 /// A record with a position that may grow into a path. Also the base of every box.
 ///
-/// Coordinates are normalised: the origin is the board's centre, -0.5 to +0.5 spans its width and
-/// its height, y grows downward as in the view.
+/// Coordinates are normalised: the origin is the board's centre, and -0.5 to +0.5 spans its width
+/// and its height. y grows as the view's y does, downward or upward: the client decides. Positions
+/// outside the board are ordinary. A vector takes any number, NaN and the infinities included.
+///
+/// Clients do not derive classes from it.
 class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbBaseVector> {
  public:
-  /// The newest position.
+  /// The newest position, normalised. At the tool manager's `version` 1 the `y` of a box is its far
+  /// edge.
   double x = 0;
   double y = 0;
-  /// The board width, in view points, at which the vector's sizes were taken; below 1: not given.
+  /// The board width, in the sender's view points, to which the vector's sizes relate; below 1: not
+  /// given.
   std::int64_t ps = 0;
   /// True on the piece that finishes the stroke.
   bool end = false;
-  /// The positions so far, oldest first: horizontal, vertical, time in the unit of `ts`.
+  /// The positions so far, oldest first: horizontal, vertical (both normalised) and the time of the
+  /// position in seconds, on the clock of `ts`. A position without a time has two numbers.
   std::optional<Path> path;
 
   static const RecordClass& ownClass();
 
   /// Folds a later piece of the same stroke into this one.
   ///
-  /// Only positions newer than the newest stored one are taken, so a piece that arrives twice adds
-  /// nothing the second time; `ts`, `end`, `x` and `y` follow the piece. A vector without a path
-  /// starts one with its own position. Cost is proportional to the piece, not to the stroke.
+  /// Which positions are taken is decided by a threshold: the time of the newest stored position,
+  /// or -1 when that one has no time or there is none. A vector without a path first starts one
+  /// with its own position, and its `ts` is the threshold. A position with a time is taken when the
+  /// time is above the threshold; a time above 0 then becomes the threshold. A position without a
+  /// time is taken while the threshold is below 0. A position of fewer than two numbers is dropped.
+  /// So a piece of positions at times above 0 that arrives twice adds nothing the second time.
+  /// Positions without a time are added again, and some at times of 0 or less may be.
   ///
-  /// @param update any vector, the receiver included; one of another `type` or `ID`, or one without
-  /// a
+  /// `ts`, `end`, `x` and `y` follow the piece, whether positions were taken or not. Cost is
+  /// proportional to the piece, not to the stroke.
+  ///
+  /// @param update any vector, the receiver included. One of another `type` or `ID`, or without a
   ///   position, changes nothing. A line with an `offset` moves the stroke and adds no positions.
+  /// @throws std::bad_alloc with nothing changed.
   virtual void append(const VelWbBaseVector& update);
 
-  /// When the stroke began: the time of its first position, or `ts` when that has none.
+  /// When the stroke began, in seconds: the time of its first position, or `ts` when that has none.
   double startTimeStamp() const;
 
   template <class Visitor>
@@ -61,14 +74,14 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// A stroke: type "line" (pen), "markerPen" or "eraser".
+/// A stroke: type "line" (pen), "markerPen" or "eraser". Clients do not derive classes from it.
 class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVecPoint> {
  public:
   /// The colour, #RRGGBBAA; absent for erasers.
   std::optional<std::string> color;
   /// Index into the tool manager's width table for the type; negative: not given.
   std::int64_t widthIndex = 0;
-  /// Stroke width, in view points, on a board `ps` wide; below 1: not given.
+  /// Stroke width, in the sender's view points, on a board `ps` wide; below 1: not given.
   std::int64_t pixel = 0;
   /// A displacement of the whole stroke, in a form that the clients agree on; its elements are kept
   /// as they came.
@@ -79,7 +92,7 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   VelWbVecLine(VelWbVecLine&& other) = default;
   VelWbVecLine& operator=(const VelWbVecLine& other) = default;
   VelWbVecLine& operator=(VelWbVecLine&& other) = default;
-  /// Asks for no memory, whatever `offset` holds: vectors end while there is none, too.
+  /// Asks for no memory, whatever `offset` holds: a vector may end when there is none left.
   ~VelWbVecLine() override;
 
   static const RecordClass& ownClass();
@@ -92,8 +105,9 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   /// The width in view points on the board as it is now, the tool manager's `wbSize`. To be called
   /// on the thread that uses the tool manager.
   double lineWidth() const;
-  /// The width in view points on a board of the given size; only its width counts. Without `pixel`
-  /// and `ps` the tool manager's table for the type decides, so the same thread rule holds.
+  /// The width in view points on a board of the given size, in view points; only its width counts,
+  /// and any value is computed with. Without `pixel` and `ps` the tool manager's table for the type
+  /// decides, so the same thread rule holds.
   double lineWidthWith(Size size) const;
 
   template <class Visitor>
