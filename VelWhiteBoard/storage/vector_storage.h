@@ -37,12 +37,24 @@ namespace VelWhiteBoard {
 /// to be called while another thread uses the storage's lists. `semphore` (count 1, not re-entrant)
 /// serialises the operations that change the board, as each one says; a thread that holds it may
 /// call every property accessor and every operation that says "takes no lock". Beneath it, each
-/// access to the storage's own fields is atomic, the accessors' too. Files are written by
-/// `saveQueue`, never by the caller: what an operation queues is the state at that instant, however
-/// late it is written.
+/// access to the storage's own fields is atomic, the accessors' too. Saving changes entries that are
+/// on a page already, so a thread that reads entries while others save must hold `semphore`
+/// meanwhile.
+///
+/// Files are written by `saveQueue`, never by the caller, in the order in which the writes were
+/// queued. What an operation queues is the page, with all its vectors, as it is at that instant,
+/// however late it is written. Of more than sixteen waiting writes of the same files the oldest are
+/// dropped. Before a file is read, the writes and removals of it that are queued in this process are
+/// given the time to run, as long as their queue makes progress: a quarter of a second without any
+/// ends the wait.
 ///
 /// Failures are silent: a file that cannot be read is an empty list, a write that fails leaves the
-/// file that was there. A null vector or page is ignored.
+/// file that was there. Nothing that could not be read is lost: before such a file is replaced, it
+/// is moved aside as NAME`.damaged`, or `.damaged-2` and so on. A write that is under way has its
+/// contents in NAME`.tmp`, which a crash may leave and the next opening removes. An operation that
+/// throws `std::bad_alloc` has changed nothing. A null vector or page is ignored.
+///
+/// Not meant to be derived from.
 class VELWHITEBOARD_EXPORT VWBVectorStorage {
  public:
   using SwitchPagePtr = std::shared_ptr<VelWbVecSwitchPage>;
@@ -60,23 +72,29 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// @{
 
   /// Builds the state in memory anew from the folder, which is created when missing: no cached
-  /// lists, the visited pages from "page.plist", no new change. `currentPage`, the files of the
-  /// current page, `snapQuery` and `ignoreChanges` stay. Takes no lock; not for use beside other
-  /// operations.
+  /// lists, the visited pages from "page.plist", no new change, the last save now. `currentPage`, the
+  /// files of the current page, `snapQuery` and `ignoreChanges` stay.
+  ///
+  /// The lists of the current page are gone too: what is saved next begins new ones, and the next
+  /// save replaces the page's files by them. To go on with the page instead, switch to another page
+  /// and back. Takes no lock; not for use beside other operations.
   void reload();
 
-  /// Queues the writing of the current page's two files when something has changed: at once when
-  /// `force` is true, otherwise only when more than 20 seconds have passed since `lastSaveDate`.
-  /// Waits on `semphore`.
+  /// Queues the writing of the current page's two files when something has changed since the page
+  /// became current: at once when `force` is true, otherwise only when more than 20 seconds have
+  /// passed since `lastSaveDate`. When the wall clock is set back, the 20 seconds are measured by a
+  /// clock that nobody sets. `hasNewChange` stays, `lastSaveDate` becomes now. Waits on `semphore`.
   void saveFile(bool force);
 
   /// @}
   /// @name Vectors
   /// @{
 
-  /// Files a vector under the current page. A vector without an identifier is given one, a line
-  /// without a path one of its own position. Does nothing while changes are ignored. Waits on
-  /// `semphore`; costs the same however long the stroke and the log are.
+  /// Files a vector under the current page, and asks for a timed save: `saveFile(false)`. A vector
+  /// without an identifier is given one, a line without a path one of its own position. A vector that
+  /// continues a stroke or edits a box changes that entry; only the log keeps the vector itself. Does
+  /// nothing while changes are ignored. Waits on `semphore`; costs the same however long the stroke
+  /// and the log are.
   void saveVector(const VectorPtr& vector);
 
   /// Queues the writing of every page whose last write has failed and that is still in memory, and
@@ -92,8 +110,11 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// Files vectors under any page and queues the writing of that page's files at once. For the
   /// current page (same `curPage` and `WBID`) it is `saveVector` for each. Otherwise it is simpler
   /// on purpose: boxes are appended instead of merged, no identifiers are given, `snapQuery` and
-  /// `hasNewChange` stay, and it works while changes are ignored. Waits on `semphore` once the
-  /// page's lists are loaded.
+  /// `hasNewChange` stay, and it works while changes are ignored. Each vector goes to the page that
+  /// is named, also when another thread switches pages meanwhile.
+  ///
+  /// Reads the page's files the first time. Waits on `semphore` then, and holds it for some 0.1
+  /// milliseconds at a time, so other threads may see a part of a long batch.
   void appendVectors(const VectorList& vectors, const SwitchPagePtr& toPage);
 
   /// Whether the page has stored vectors: its lists are cached, even empty ones, or its key is in
@@ -107,17 +128,22 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// @name Pages
   /// @{
 
-  /// Makes a page current: the page that is left is saved, the lists of the new one come from the
-  /// cache or from its files, and the switch is recorded in "page.plist" unless changes are
-  /// ignored. A switch with the same millisecond in `ts` as the one before replaces it there. Waits
-  /// on `semphore`.
+  /// Makes a page current: the page that is left is saved with everything that was accepted up to
+  /// then, the lists of the new one come from the cache or from its files, and the switch is recorded
+  /// in "page.plist" unless changes are ignored. A switch with the same millisecond in `ts` as the
+  /// one before replaces it there; a record whose `type` is not "switchPage" does not come back from
+  /// the file. Waits on `semphore`.
+  ///
+  /// Both files are read to the end and closed before anything changes. Whatever happens to them
+  /// afterwards, the lists are whole.
   ///
   /// @return the page's snap list, to be drawn; empty when the page (same `WBID`, `resource` and
   ///   `curPage`) is current already, in which case only the save takes place.
   VectorList switchPage(const SwitchPagePtr& page);
 
   /// The snap list of any page, from the cache or from its file; a list from a file is not cached.
-  /// Takes no lock.
+  /// The entries of a cached list are the storage's own: hold `semphore` while reading them beside
+  /// other threads that save. Takes no lock.
   VectorList snapWithPage(const VelWbVecSwitchPage& page) const;
 
   /// Deletes the board's folder, on the caller's thread, and starts afresh. `currentPage` stays. A
@@ -125,24 +151,27 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   void clear();
 
   /// Forgets one page and queues the deletion of its two files; a page is the same here when `WBID`
-  /// and `curPage` are. The visited pages stay. Waits on `semphore`.
+  /// and `curPage` are. When it is the current page, `snapQuery` is emptied and `hasNewChange` is
+  /// cleared. The visited pages stay. Waits on `semphore`.
   void clearPage(const VelWbVecSwitchPage& page);
 
   /// @}
   /// @name Properties
   /// Accessors take no lock. Containers are answered as a copy of one instant and set as a whole;
-  /// the records in them are shared. Setting a null queue or semaphore is ignored.
+  /// the records in them are shared. Setters drop null vectors and pages. Setting a null queue or
+  /// semaphore is ignored.
   /// @{
 
-  /// A copy of the record that was switched to; null before the first switch. Not to be edited.
+  /// A copy of the record that was switched to; null before the first switch. Not to be edited: what
+  /// is saved goes to the page that the record names.
   SwitchPagePtr currentPage() const;
 
   /// While true, vectors are dropped and page switches are not recorded; true at first.
   bool ignoreChanges() const;
   void setIgnoreChanges(bool ignore);
 
-  /// Whether a vector was accepted since the last page switch; a save happens only then, and leaves
-  /// it.
+  /// Whether a vector was accepted on the current page; a save happens only then, and leaves it.
+  /// Cleared by a page switch, `reload`, `clear`, and `clearPage` of the current page.
   bool hasNewChange() const;
   void setHasNewChange(bool changed);
 
@@ -179,11 +208,13 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   std::unordered_map<std::string, VectorPtr> snapQuery() const;
   void setSnapQuery(const std::unordered_map<std::string, VectorPtr>& query);
 
-  /// Keys of pages that are known to have files.
+  /// Keys of pages that `hasVectorsWithPage` takes to have files. The library never adds one;
+  /// `clearPage` and `reload` take them out.
   std::vector<std::string> pageCacheList() const;
   void setPageCacheList(const std::vector<std::string>& keys);
 
-  /// When the current page was last written by a save.
+  /// When a save of the current page was last queued, timed or forced. `reload` and `clear` make it
+  /// now.
   std::chrono::system_clock::time_point lastSaveDate() const;
   void setLastSaveDate(std::chrono::system_clock::time_point date);
 
