@@ -37,16 +37,16 @@ namespace VelWhiteBoard {
 /// to be called while another thread uses the storage's lists. `semphore` (count 1, not re-entrant)
 /// serialises the operations that change the board, as each one says; a thread that holds it may
 /// call every property accessor and every operation that says "takes no lock". Beneath it, each
-/// access to the storage's own fields is atomic, the accessors' too. Saving changes entries that are
-/// on a page already, so a thread that reads entries while others save must hold `semphore`
+/// access to the storage's own fields is atomic, the accessors' too. Saving changes entries that
+/// are on a page already, so a thread that reads entries while others save must hold `semphore`
 /// meanwhile.
 ///
 /// Files are written by `saveQueue`, never by the caller, in the order in which the writes were
 /// queued. What an operation queues is the page, with all its vectors, as it is at that instant,
 /// however late it is written. Of more than sixteen waiting writes of the same files the oldest are
-/// dropped. Before a file is read, the writes and removals of it that are queued in this process are
-/// given the time to run, as long as their queue makes progress: a quarter of a second without any
-/// ends the wait.
+/// dropped. Before a file is read, the writes and removals of it that are queued in this process
+/// are given the time to run, as long as their queue makes progress: a quarter of a second without
+/// any ends the wait.
 ///
 /// Failures are silent: a file that cannot be read is an empty list, a write that fails leaves the
 /// file that was there. Nothing that could not be read is lost: before such a file is replaced, it
@@ -72,8 +72,8 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// @{
 
   /// Builds the state in memory anew from the folder, which is created when missing: no cached
-  /// lists, the visited pages from "page.plist", no new change, the last save now. `currentPage`, the
-  /// files of the current page, `snapQuery` and `ignoreChanges` stay.
+  /// lists, the visited pages from "page.plist", no new change, the last save now. `currentPage`,
+  /// the files of the current page, `snapQuery` and `ignoreChanges` stay.
   ///
   /// The lists of the current page are gone too: what is saved next begins new ones, and the next
   /// save replaces the page's files by them. To go on with the page instead, switch to another page
@@ -91,10 +91,10 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// @{
 
   /// Files a vector under the current page, and asks for a timed save: `saveFile(false)`. A vector
-  /// without an identifier is given one, a line without a path one of its own position. A vector that
-  /// continues a stroke or edits a box changes that entry; only the log keeps the vector itself. Does
-  /// nothing while changes are ignored. Waits on `semphore`; costs the same however long the stroke
-  /// and the log are.
+  /// without an identifier is given one, a line without a path one of its own position. A vector
+  /// that continues a stroke or edits a box changes that entry; only the log keeps the vector
+  /// itself. Does nothing while changes are ignored. Waits on `semphore`; costs the same however
+  /// long the stroke and the log are.
   void saveVector(const VectorPtr& vector);
 
   /// Queues the writing of every page whose last write has failed and that is still in memory, and
@@ -129,10 +129,10 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// @{
 
   /// Makes a page current: the page that is left is saved with everything that was accepted up to
-  /// then, the lists of the new one come from the cache or from its files, and the switch is recorded
-  /// in "page.plist" unless changes are ignored. A switch with the same millisecond in `ts` as the
-  /// one before replaces it there; a record whose `type` is not "switchPage" does not come back from
-  /// the file. Waits on `semphore`.
+  /// then, the lists of the new one come from the cache or from its files, and the switch is
+  /// recorded in "page.plist" unless changes are ignored. A switch with the same millisecond in
+  /// `ts` as the one before replaces it there; a record whose `type` is not "switchPage" does not
+  /// come back from the file. Waits on `semphore`.
   ///
   /// Both files are read to the end and closed before anything changes. Whatever happens to them
   /// afterwards, the lists are whole.
@@ -162,8 +162,8 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// semaphore is ignored.
   /// @{
 
-  /// A copy of the record that was switched to; null before the first switch. Not to be edited: what
-  /// is saved goes to the page that the record names.
+  /// A copy of the record that was switched to; null before the first switch. Not to be edited:
+  /// what is saved goes to the page that the record names.
   SwitchPagePtr currentPage() const;
 
   /// While true, vectors are dropped and page switches are not recorded; true at first.
