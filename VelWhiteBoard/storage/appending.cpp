@@ -73,11 +73,11 @@ void VWBVectorStorage::State::Batch::end() noexcept {
 
 ReadPage VWBVectorStorage::State::Batch::readAndBegin() {
   for (;;) {
-    const std::uint64_t clearings = state_.clearings;
+    const std::uint64_t before = state_.clearings;
     state_.waitForPageFiles(key_);
     ReadPage read = state_.readLists(key_);
     begin();
-    if (clearings == state_.clearings) return read;
+    if (before == state_.clearings) return read;
     end();
   }
 }
