@@ -134,6 +134,7 @@ TEST_F(LongEnd, ComesThoughAnOperationAddsItselfForEver) {
   draining.finish();
   EXPECT_GE(count, 1000);
   isOver = true;
+  add(busy_, [] {});  // runs here, and what is left before it
   busy_->waitUntilIdle();
 }
 
@@ -163,6 +164,7 @@ TEST_F(LongEnd, AWaitThatBeganBeforeItEndsThoughTheQueueIsNeverIdle) {
   gate_.open();
   draining.finish();
   isOver = true;
+  add(idle_, [] {});  // runs here, and what is left before it
   idle_->waitUntilIdle();
 }
 

@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <thread>
 
+#include "VelWhiteBoard/foundation/operation_queue.h"
+
 namespace VelWhiteBoard {
 namespace {
 
@@ -139,6 +141,7 @@ bool TemporaryFile::isHeldUntil(Deadline deadline) {
     locked_ = result >= 0;
     if (result != -EWOULDBLOCK) return false;
     if (Clock::now() >= deadline) return true;
+    OperationQueue::reportProgress();  // the wait is bounded
     std::this_thread::sleep_for(pause);
     pause = std::min<std::chrono::microseconds>(2 * pause, kLongestPause);
   }

@@ -1,8 +1,10 @@
 // Appending vectors to any page.
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <thread>
 #include <utility>
 
 #include "VelWhiteBoard/storage/appended_vectors.h"
@@ -74,8 +76,8 @@ void VWBVectorStorage::State::Batch::end() noexcept {
 ReadPage VWBVectorStorage::State::Batch::readAndBegin() {
   for (;;) {
     const std::uint64_t before = state_.clearings;
-    state_.waitForPageFiles(key_);
-    ReadPage read = state_.readLists(key_);
+    const bool isNewest = state_.waitForPageFiles(key_);
+    ReadPage read = state_.readLists(key_, isNewest);
     begin();
     if (before == state_.clearings) return read;
     end();
@@ -83,9 +85,9 @@ ReadPage VWBVectorStorage::State::Batch::readAndBegin() {
 }
 
 void VWBVectorStorage::State::Batch::applySome(std::span<const VectorPtr>& rest, CachedPage& page) {
-  page.snap->ensureIndex();
   for (std::size_t count = 0; !rest.empty() && count < kVectorsAtATime; ++count) {
     if (const VectorPtr& vector = rest.front()) {
+      page.snap->ensureIndex();
       page.whole->reserveBack();
       applyAppended(vector, *page.snap, *state_.history, undo_);
       page.whole->pushReserved(vector);
@@ -113,7 +115,7 @@ bool VWBVectorStorage::State::Batch::append(std::span<const VectorPtr> vectors) 
   ReadPage read = readAndBegin();
   WriteBacklog::Prepared write;
   for (bool isFirst = true; isFirst || !vectors.empty(); isFirst = false) {
-    if (!isFirst) state_.guard.giveWay();
+    if (!isFirst) state_.giveWay();
     const ShortOperation operation(state_);
     if (isFirst && state_.currentPage && isSamePage(page_, *state_.currentPage)) return false;
     if (isFirst) {
@@ -140,6 +142,15 @@ bool VWBVectorStorage::State::Batch::append(std::span<const VectorPtr> vectors) 
   return true;
 }
 
+void VWBVectorStorage::State::giveWay() {
+  constexpr int kTries = 20;
+  constexpr std::chrono::microseconds kBetweenTries{50};
+  guard.giveWay();
+  for (int i = 0; i < kTries && waitingForSemphore > 0; ++i) {
+    std::this_thread::sleep_for(kBetweenTries);
+  }
+}
+
 void VWBVectorStorage::State::waitForBatch(const std::string& key) {
   const MutexHold hold(guard);
   while (busyPages.contains(key)) batchEnded.wait(guard);
@@ -155,7 +166,8 @@ void VWBVectorStorage::appendVectors(const VectorList& vectors, const SwitchPage
       const MutexHold hold(state_->guard);
       isCurrent = state_->currentPage && isSamePage(*toPage, *state_->currentPage);
     }
-    while (isCurrent && !rest.empty()) {
+    for (std::size_t count = 1; isCurrent && !rest.empty(); ++count) {
+      if (count % kVectorsAtATime == 0) state_->giveWay();
       if (rest.front()) {
         isCurrent = state_->saveOn(toPage.get(), rest.front());
         if (!isCurrent) break;

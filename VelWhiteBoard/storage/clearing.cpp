@@ -27,14 +27,18 @@ struct QueuedRemoval {
 
 void VWBVectorStorage::clear() {
   VWBPathManager::sharedManager().removeFolderOrFile(folder());
+  // Once the files are gone nothing must bring them back, so the state goes before anything throws.
   PageCache::Pages pages;
   SnapQuery query;
+  VisitedPages visited;
   {
     const State::ShortOperation operation(*state_);
     pages = state_->cache.takeAll();
     std::swap(state_->snapQuery, query);
-    state_->files.haveBeenRemoved();
+    std::swap(state_->visited, visited);
+    state_->hasNewChange = false;
   }
+  state_->files.lookForRemoved();
   state_->reload(true);
 }
 

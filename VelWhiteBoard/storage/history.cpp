@@ -15,7 +15,7 @@ History::Capture History::take(const std::shared_ptr<History>& history) {
 }
 
 void History::aboutToChange(const VectorPtr& vector) {
-  if (!isWatching_.load(std::memory_order_relaxed)) return;
+  if (!isWatching_.load(std::memory_order_acquire)) return;
   const MutexHold hold(mutex_);
   if (captures_.empty()) return;
   auto& [epoch, first] = *captures_.rbegin();
@@ -75,7 +75,7 @@ void History::finish(Epoch epoch) noexcept {
     const auto capture = captures_.find(epoch);
     next = capture->second;
     captures_.erase(capture);
-    if (captures_.empty()) isWatching_.store(false, std::memory_order_relaxed);
+    if (captures_.empty()) isWatching_.store(false, std::memory_order_release);
   }
   while (next != kEnd) {
     std::array<KeptVectors::node_type, kAtATime> dropped;  // freed without the lock

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <utility>
+#include <vector>
 
 #include "VelWhiteBoard/foundation/operation_queue.h"
 #include "VelWhiteBoard/services/path_manager.h"
@@ -77,8 +78,12 @@ void KnownFile::replace(const AddRecords& addAll) {
 void KnownFile::remove() {
   FileSystem& files = FileSystem::current();
   // The temporaries go first, so that a crash in between cannot leave them alone.
-  const std::size_t name = path_.rfind('/') + 1;
-  static_cast<void>(files.removeUnusedTemporaries(path_.substr(0, name), path_.substr(name)));
+  // A second one is only made beside the first.
+  const std::string temporary = path_ + std::string(kTemporarySuffix);
+  if (files.exists(temporary) || files.exists(temporary + "-1")) {
+    const std::size_t name = path_.rfind('/') + 1;
+    static_cast<void>(files.removeUnusedTemporaries(path_.substr(0, name), path_.substr(name)));
+  }
   VWBPathManager::sharedManager().removeFolderOrFile(path_);
   hasBeenRemoved();
 }
@@ -90,10 +95,16 @@ std::shared_ptr<KnownFile> KnownFiles::at(const std::string& path) {
   return file;
 }
 
-void KnownFiles::haveBeenRemoved() noexcept {
-  const MutexHold hold(mutex_);
-  for (const auto& [path, file] : files_) {
-    if (file) file->hasBeenRemoved();
+void KnownFiles::lookForRemoved() {
+  std::vector<std::shared_ptr<KnownFile>> files;
+  {
+    const MutexHold hold(mutex_);
+    for (const auto& [path, file] : files_) {
+      if (file) files.push_back(file);
+    }
+  }
+  for (const auto& file : files) {
+    if (!FileSystem::current().exists(file->path())) file->hasBeenRemoved();
   }
 }
 

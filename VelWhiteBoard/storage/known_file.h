@@ -55,7 +55,7 @@ class KnownFile {
   /// Notes what came of a reading.
   void endReading(Version begun, FileState found) noexcept;
 
-  /// The file's folder has been removed.
+  /// The file is no longer there.
   void hasBeenRemoved() noexcept;
 
   /// Replaces the file by the records that `addAll` adds. A write that fails, or throws, leaves the
@@ -88,8 +88,8 @@ class KnownFile {
 class KnownFiles {
  public:
   std::shared_ptr<KnownFile> at(const std::string& path);
-  /// See KnownFile; of all files.
-  void haveBeenRemoved() noexcept;
+  /// Notes which files are no longer there, after the board's folder has been removed.
+  void lookForRemoved();
 
  private:
   Mutex mutex_;

@@ -11,7 +11,9 @@ VWBVectorStorage::State::ShortOperation::ShortOperation(State& state)
   if (!state_.isSemphoreShared && state_.longOperations == 0) return;
   held_ = state_.semphore;
   state_.guard.unlock();
+  ++state_.waitingForSemphore;
   waitOn(*held_);
+  --state_.waitingForSemphore;
   state_.guard.lock();
 }
 

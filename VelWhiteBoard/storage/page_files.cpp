@@ -38,7 +38,7 @@ bool VWBVectorStorage::State::arePageFilesPending(const std::string& key) {
   return arePending(namesToRead(key));
 }
 
-ReadPage VWBVectorStorage::State::readLists(const std::string& key) {
+ReadPage VWBVectorStorage::State::readLists(const std::string& key, bool isNewest) {
   std::shared_ptr<KnownFile> wholeList;
   std::shared_ptr<KnownFile> snapList;
   {
@@ -54,9 +54,9 @@ ReadPage VWBVectorStorage::State::readLists(const std::string& key) {
     FileBytes bytes;
     const FileResult given = FileSystem::current().readBytes(wholeList->path(), bytes);
     if (given.ok()) {
-      unread = std::make_shared<UnreadLog>(std::move(bytes), wholeList, begun);
+      unread = std::make_shared<UnreadLog>(std::move(bytes), wholeList, begun, isNewest);
     } else {
-      wholeList->endReading(begun, stateAfterReading(given));
+      wholeList->endReading(begun, isNewest ? stateAfterReading(given) : FileState::kUnknown);
     }
     read.whole.emplace(unread);
   }
@@ -64,7 +64,7 @@ ReadPage VWBVectorStorage::State::readLists(const std::string& key) {
     const KnownFile::Version begun = snapList->beginReading();
     const ReadList<VelWbBaseVector> vectors = readVectors(snapList->path());
     read.snap = std::make_unique<SnapList>(SharedVectorList(vectors.list));
-    snapList->endReading(begun, vectors.found);
+    snapList->endReading(begun, isNewest ? vectors.found : FileState::kUnknown);
   }
   if (unread) UnreadLog::readInBackground(unread);
   return read;

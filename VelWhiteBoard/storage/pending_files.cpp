@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <utility>
 
 #include "VelWhiteBoard/foundation/mutex.h"
@@ -21,11 +22,17 @@ constexpr std::chrono::milliseconds kBetweenLooks{10};
 
 using Queues = std::vector<std::shared_ptr<OperationQueue>>;
 
+struct Pending {
+  std::shared_ptr<OperationQueue> queue;
+  /// Counts what has ever been pending.
+  std::uint64_t number = 0;
+};
+
 struct Register {
   Mutex mutex;
   Condition ended;
-  std::multimap<std::string, std::shared_ptr<OperationQueue>> queues
-      VELWHITEBOARD_GUARDED_BY(mutex);
+  std::uint64_t newest VELWHITEBOARD_GUARDED_BY(mutex) = 0;
+  std::multimap<std::string, Pending> pending VELWHITEBOARD_GUARDED_BY(mutex);
 
   static Register& shared() {
     // Never destroyed: operations still end while the process does.
@@ -34,13 +41,15 @@ struct Register {
   }
 
   /// The queues, other than those that this thread is inside of, that have something to do with one
-  /// of the files.
-  Queues concerned(const std::vector<std::string>& names) VELWHITEBOARD_REQUIRES(mutex) {
+  /// of the files; what is newer than `last` does not count.
+  Queues concerned(const std::vector<std::string>& names, std::uint64_t last)
+      VELWHITEBOARD_REQUIRES(mutex) {
     Queues found;
     for (const std::string& name : names) {
-      const auto [first, last] = queues.equal_range(name);
-      for (auto each = first; each != last; ++each) {
-        if (!each->second->isThisThreadInside()) found.push_back(each->second);
+      const auto [first, end] = pending.equal_range(name);
+      for (auto each = first; each != end; ++each) {
+        const auto& [queue, number] = each->second;
+        if (number <= last && !queue->isThisThreadInside()) found.push_back(queue);
       }
     }
     return found;
@@ -57,19 +66,22 @@ std::uint64_t progressOf(const Queues& queues) {
 
 struct PendingFile::Entry {
   Entry(const std::string& name, std::shared_ptr<OperationQueue> queue) {
-    const MutexHold hold(Register::shared().mutex);
-    place = Register::shared().queues.emplace(name, std::move(queue));
+    Register& all = Register::shared();
+    const MutexHold hold(all.mutex);
+    place = all.pending.emplace(name, Pending{std::move(queue), all.newest + 1});
+    ++all.newest;
   }
   ~Entry() {
-    decltype(Register::queues)::node_type ended;  // freed without the lock
-    const MutexHold hold(Register::shared().mutex);
-    ended = Register::shared().queues.extract(place);
-    Register::shared().ended.notifyAll();
+    Register& all = Register::shared();
+    decltype(Register::pending)::node_type ended;  // freed without the lock
+    const MutexHold hold(all.mutex);
+    ended = all.pending.extract(place);
+    all.ended.notifyAll();
   }
   Entry(const Entry&) = delete;
   Entry& operator=(const Entry&) = delete;
 
-  decltype(Register::queues)::iterator place;
+  decltype(Register::pending)::iterator place;
 };
 
 PendingFile::PendingFile(const std::string& name, std::shared_ptr<OperationQueue> queue)
@@ -86,22 +98,24 @@ std::string pendingName(const std::string& path) {
 }
 
 bool arePending(const std::vector<std::string>& names) {
-  Register& pending = Register::shared();
+  Register& all = Register::shared();
   Queues concerned;  // dropped without the lock
-  const MutexHold hold(pending.mutex);
-  concerned = pending.concerned(names);
+  const MutexHold hold(all.mutex);
+  concerned = all.concerned(names, all.newest);
   return !concerned.empty();
 }
 
 bool waitForPendingFiles(const std::vector<std::string>& names) {
-  Register& pending = Register::shared();
+  Register& all = Register::shared();
+  std::optional<std::uint64_t> last;
   Clock::time_point deadline = Clock::now() + kLongestStandstill;
   std::uint64_t before = 0;
   std::size_t countBefore = 0;
   for (;;) {
     Queues concerned;  // dropped without the lock
-    const MutexHold hold(pending.mutex);
-    concerned = pending.concerned(names);
+    const MutexHold hold(all.mutex);
+    if (!last) last = all.newest;
+    concerned = all.concerned(names, *last);
     if (concerned.empty()) return true;
     const std::uint64_t progress = progressOf(concerned);
     if (progress != before || concerned.size() != countBefore) {
@@ -111,7 +125,7 @@ bool waitForPendingFiles(const std::vector<std::string>& names) {
     } else if (Clock::now() >= deadline) {
       return false;
     }
-    pending.ended.waitFor(pending.mutex, kBetweenLooks);
+    all.ended.waitFor(all.mutex, kBetweenLooks);
   }
 }
 

@@ -65,12 +65,17 @@ void VWBVectorStorage::saveFile(bool force) { state_->saveFile(force); }
 bool VWBVectorStorage::retryFailedSaves() {
   State& state = *state_;
   std::vector<WriteBacklog::Prepared> writes;
+  bool isAnyBusy = false;
   const State::ShortOperation operation(state);
   const auto hasFailed = [](const std::shared_ptr<const FileSlot>& file) {
     return file && file->get()->hasFailed();
   };
   for (const auto& [key, page] : state.cache.pages()) {
     if (!hasFailed(page.wholeFile) && !hasFailed(page.snapFile)) continue;
+    if (state.busyPages.contains(key)) {
+      isAnyBusy = true;  // the batch that is being appended to it ends with a write
+      continue;
+    }
     writes.push_back(
         state.preparePageWrite(key, page.wholeFile, page.snapFile, SaveOrder::kWholeFirst));
   }
@@ -78,7 +83,7 @@ bool VWBVectorStorage::retryFailedSaves() {
     writes.push_back(state.prepareVisitedPagesWrite(state.visited.forFile()));
   }
   for (WriteBacklog::Prepared& write : writes) state.backlog.queue(write);
-  return !writes.empty();
+  return isAnyBusy || !writes.empty();
 }
 
 bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const VectorPtr& vector) {

@@ -177,6 +177,7 @@ std::vector<SnapList::Place> SnapList::findEqual(const VelWbBaseVector& entry) c
 }
 
 void SnapList::buildIndex() {
+  dropIndex();
   isIndexed_ = true;
   try {
     for (Place place = 0; place < list_.endPlace(); ++place) {
@@ -264,7 +265,6 @@ void SnapList::packIfSparse() noexcept {
   if (!list_.isSparse()) return;
   try {
     list_.pack();
-    dropIndex();
     buildIndex();
   } catch (const std::bad_alloc&) {
     // Packing only saves time and memory: the list is whole as it is, and `ensureIndex` tries

@@ -80,6 +80,8 @@ struct VWBVectorStorage::State {
   Condition batchEnded;
   /// How often pages have been cleared: what was read of one before is not to be cached after.
   std::atomic<std::uint64_t> clearings = 0;
+  /// How many operations wait for the semaphore; a batch gives way to them.
+  std::atomic<int> waitingForSemphore = 0;
 
   class ShortOperation;
   class LongOperation;
@@ -107,18 +109,21 @@ struct VWBVectorStorage::State {
   bool waitForPageFiles(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
   /// Whether that would have to wait.
   bool arePageFilesPending(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
-  /// What the files of a page hold; lists that are cached are not read.
-  ReadPage readLists(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
+  /// What the files of a page hold; lists that are cached are not read. `isNewest` says whether no
+  /// write or removal of them is queued any more: otherwise they do not count as read.
+  ReadPage readLists(const std::string& key, bool isNewest) VELWHITEBOARD_EXCLUDES(guard);
   /// Caches what was read of a page. A list that was cached meanwhile stays: it may hold more than
   /// the file. Afterwards the page has both lists.
   CachedPage& cacheLists(const std::string& key, ReadPage& read) VELWHITEBOARD_REQUIRES(guard);
 
   /// Builds the state in memory anew from the folder, which has been removed or not.
   void reload(bool isRemoved) VELWHITEBOARD_EXCLUDES(guard);
+  /// Lets other operations have their turn, for one that goes on and on.
+  void giveWay() VELWHITEBOARD_EXCLUDES(guard);
   /// Waits until no batch is being appended to a page.
   void waitForBatch(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
   /// Makes a page current, whose lists nobody is changing; the semaphore is held.
-  VectorList switchTo(const SwitchPagePtr& page, const std::string& key)
+  VectorList switchTo(const SwitchPagePtr& page, const std::string& key, bool isNewest)
       VELWHITEBOARD_EXCLUDES(guard);
   void saveFile(bool force) VELWHITEBOARD_EXCLUDES(guard);
   /// Forgets a page and queues the removal of its files; hands out what it held.

@@ -39,18 +39,19 @@ VectorList VWBVectorStorage::switchPage(const SwitchPagePtr& page) {
       if (state_->busyPages.contains(key)) continue;
     }
     if (isQuiet && state_->arePageFilesPending(key)) continue;
-    return state_->switchTo(page, key);
+    return state_->switchTo(page, key, isQuiet);
   }
 }
 
-VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const std::string& key) {
+VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const std::string& key,
+                                             bool isNewest) {
   ReadPage read;
   bool isCurrent = false;
   {
     const MutexHold hold(guard);
     isCurrent = currentPage && isSameSwitch(*currentPage, *page);
   }
-  if (!isCurrent) read = readLists(key);
+  if (!isCurrent) read = readLists(key, isNewest);
 
   // All that may throw comes first; what it has replaced is dropped without the guard.
   WriteBacklog::Prepared pageWrite;
@@ -111,16 +112,16 @@ bool VWBVectorStorage::hasVectorsWithPage(const VelWbVecSwitchPage& page) const 
 
 VectorList VWBVectorStorage::snapWithPage(const VelWbVecSwitchPage& page) const {
   const std::string key = page.pageInfo();
-  std::shared_ptr<KnownFile> file;
+  std::string path;
   {
     const MutexHold hold(state_->guard);
     const CachedPage* cached = state_->cache.find(key);
     if (cached != nullptr && cached->snap) return cached->snap->list().vectors();
-    file = state_->files.at(snapListFile(state_->folder, key));
+    path = snapListFile(state_->folder, key);
   }
-  waitForPendingFiles({file->pendingName()});
+  waitForPendingFiles({pendingName(path)});
   // The storage does not keep what it reads here, so the file does not count as read.
-  return readVectors(file->path()).list;
+  return readVectors(path).list;
 }
 
 }  // namespace VelWhiteBoard

@@ -1,5 +1,7 @@
 #include "VelWhiteBoard/storage/unread_log.h"
 
+#include <chrono>
+#include <exception>
 #include <utility>
 
 #include "VelWhiteBoard/foundation/operation_queue.h"
@@ -18,18 +20,42 @@ OperationQueue& readingQueue() {
 
 }  // namespace
 
-UnreadLog::UnreadLog(FileBytes bytes, std::shared_ptr<KnownFile> file, KnownFile::Version begun)
-    : file_(std::move(file)), begun_(begun), bytes_(std::move(bytes)) {}
+UnreadLog::UnreadLog(FileBytes bytes, std::shared_ptr<KnownFile> file, KnownFile::Version begun,
+                     bool isNewest)
+    : file_(std::move(file)), begun_(begun), isNewest_(isNewest), bytes_(std::move(bytes)) {}
 
 SharedVectorList UnreadLog::list() {
+  constexpr std::chrono::milliseconds kBetweenReports{10};
   const MutexHold hold(mutex_);
-  if (!isRead_) {
-    const ReadList<VelWbBaseVector> read = vectorsInBytes(bytes_.view());
-    list_ = SharedVectorList(read.list);
-    file_->endReading(begun_, read.found);
-    bytes_ = {};
-    isRead_ = true;
+  while (isBeingRead_) {
+    // Another thread gets on with it, so a save that waits here does, too.
+    OperationQueue::reportProgress();
+    ended_.waitFor(mutex_, kBetweenReports);
   }
+  if (isRead_) return list_;
+  isBeingRead_ = true;
+  FileBytes bytes = std::move(bytes_);
+  mutex_.unlock();
+  SharedVectorList list;
+  FileState found = FileState::kUnknown;
+  std::exception_ptr failure;
+  try {
+    const ReadList<VelWbBaseVector> read = vectorsInBytes(bytes.view());
+    list = SharedVectorList(read.list);
+    found = read.found;
+  } catch (...) {
+    failure = std::current_exception();
+  }
+  mutex_.lock();
+  isBeingRead_ = false;
+  ended_.notifyAll();
+  if (failure) {
+    bytes_ = std::move(bytes);
+    std::rethrow_exception(failure);
+  }
+  file_->endReading(begun_, isNewest_ ? found : FileState::kUnknown);
+  list_ = std::move(list);
+  isRead_ = true;
   return list_;
 }
 

@@ -22,7 +22,10 @@ namespace VelWhiteBoard {
 class UnreadLog {
  public:
   /// Takes bytes of `file`, read since `begun`; notes there whether they turn out to be a log.
-  UnreadLog(FileBytes bytes, std::shared_ptr<KnownFile> file, KnownFile::Version begun);
+  /// `isNewest` says whether nothing was queued that would change the file: otherwise it does not
+  /// count as read.
+  UnreadLog(FileBytes bytes, std::shared_ptr<KnownFile> file, KnownFile::Version begun,
+            bool isNewest);
 
   /// The records; none when the bytes are not a log.
   SharedVectorList list();
@@ -33,7 +36,10 @@ class UnreadLog {
  private:
   const std::shared_ptr<KnownFile> file_;
   const KnownFile::Version begun_;
+  const bool isNewest_;
   Mutex mutex_;
+  Condition ended_;
+  bool isBeingRead_ VELWHITEBOARD_GUARDED_BY(mutex_) = false;
   bool isRead_ VELWHITEBOARD_GUARDED_BY(mutex_) = false;
   FileBytes bytes_ VELWHITEBOARD_GUARDED_BY(mutex_);
   SharedVectorList list_ VELWHITEBOARD_GUARDED_BY(mutex_);

@@ -33,10 +33,11 @@ void VWBVectorStorage::State::reload(bool isRemoved) {
     const MutexHold hold(guard);
     board = folder;
   }
-  VWBPathManager::sharedManager().createFolderWithPath(board);
   const std::shared_ptr<KnownFile> file = files.at(pageListFile(board));
+  VWBPathManager::sharedManager().createFolderWithPath(board);
   // Writes that were queued before `clear` are not waited for: they would bring the pages back.
-  if (!isRemoved) waitForPendingFiles({file->pendingName()});
+  const bool isNewest = isRemoved || waitForPendingFiles({file->pendingName()});
+  const KnownFile::Version begun = file->beginReading();
   const ReadList<VelWbVecSwitchPage> pages = readPages(file->path());
   VisitedPages newVisited(pages.list);
 
@@ -45,7 +46,7 @@ void VWBVectorStorage::State::reload(bool isRemoved) {
   pageFile->set(file);
   const MutexHold hold(guard);
   dropped = cache.takeAll();
-  file->endReading(file->beginReading(), pages.found);
+  file->endReading(begun, isNewest ? pages.found : FileState::kUnknown);
   pageCacheList.clear();
   std::swap(visited, newVisited);
   timedSaves.setLastSaveDate(currentDate());

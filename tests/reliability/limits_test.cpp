@@ -55,6 +55,8 @@ TEST_F(AProcessWithLimits, ReadsAndWritesAnyNumberOfPagesWithAFewHandles) {
   }
 }
 
+// Sanitizers need handles and an address space of their own.
+#ifdef VELWB_MEMORY_CAN_BE_LIMITED
 TEST_F(AProcessWithLimits, LosesNothingWithoutAnyHandleTwiceInARow) {
   make(1, 5);
   Names all = numbered("old", 1, 5);
@@ -66,7 +68,6 @@ TEST_F(AProcessWithLimits, LosesNothingWithoutAnyHandleTwiceInARow) {
   }
 }
 
-#ifdef VELWB_MEMORY_CAN_BE_LIMITED
 TEST_F(AProcessWithLimits, IsAsItWasWhenThereIsNoMemoryToSwitchAPage) {
   const int entries = numberFromEnvironment("VELWB_ENTRIES", 30'000);
   make(1, entries);
