@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What `board-check` does with files that are larger than the memory it may have.
+"""What `board-check` does with little memory, and with few handles.
 
     board_check_memory_test.py BOARD_CHECK LESSON
 """
@@ -18,6 +18,12 @@ FOOT = b"</array>\n</plist>\n"
 RECORD = (b"\t<dict>\n\t\t<key>type</key>\n\t\t<string>line</string>\n\t\t<key>ts</key>\n\t\t<real>2.0</real>\n"
           b"\t\t<key>ID</key>\n\t\t<string>a</string>\n\t\t<key>url</key>\n\t\t<string>" + b"a" * 4000
           + b"</string>\n\t</dict>\n")
+
+
+class FewHandles(CheckedBoards):
+    def test_two_suffice(self):
+        result = self.check_limited(self.board, "--recover", self.out, NOFILE=5)
+        self.assertEqual((result.returncode, result.stderr), (0, ""))
 
 
 class LargeFiles(CheckedBoards):

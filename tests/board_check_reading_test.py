@@ -74,10 +74,6 @@ class FilesThatAreNotGiven(CheckedBoards):
         self.assertIn("snapshot rebuilt from the log, 3 records.\n", self.recover(status=3).stdout)
         self.assertEqual(self.recovered("snap_7_1.plist"), records)
 
-    def test_two_handles_suffice(self):
-        result = self.check_limited(self.board, "--recover", self.out, NOFILE=5)
-        self.assertEqual((result.returncode, result.stderr), (0, ""))
-
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

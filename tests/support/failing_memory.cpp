@@ -109,6 +109,14 @@ void* takeAligned(std::size_t size, std::align_val_t alignment) {
   return memory;
 }
 
+void* takeOrNull(std::size_t size) noexcept {
+  try {
+    return take(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
 }  // namespace
 
 void* operator new(std::size_t size) { return take(size); }
@@ -119,7 +127,12 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
 void* operator new[](std::size_t size, std::align_val_t alignment) {
   return takeAligned(size, alignment);
 }
-// The nothrow forms of the standard library call those above.
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return takeOrNull(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return takeOrNull(size);
+}
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete[](void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
