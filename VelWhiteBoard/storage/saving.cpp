@@ -94,9 +94,10 @@ bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const Vecto
     if (ignoreChanges) return true;
     CachedPage& cached = cache.at(currentKey());
     std::unique_ptr<SnapList> newSnap = cached.snap ? nullptr : cache.newSnap();
-    PageLog newWhole;
+    std::optional<PageLog> newWhole;
+    if (!cached.whole) newWhole.emplace();
     SnapList& snap = newSnap ? *newSnap : *cached.snap;
-    PageLog& whole = cached.whole ? *cached.whole : newWhole;
+    PageLog& whole = newWhole ? *newWhole : *cached.whole;
 
     whole.reserveBack();
     Naming naming(vector, cache, *history);
@@ -104,7 +105,7 @@ bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const Vecto
     naming.keep();
     whole.pushReserved(vector);
     if (newSnap) cached.snap = std::move(newSnap);
-    if (!cached.whole) cached.whole.emplace(std::move(newWhole));
+    if (newWhole) cached.whole.emplace(std::move(*newWhole));
     hasNewChange = true;
     hasUnqueuedChange = true;
     // Looked at here already, so that a piece need not wait on the semaphore a second time.

@@ -16,15 +16,18 @@ SharedVectorList::SharedVectorList(const SharedVectorList& other)
   // From now on neither list may change a block that both refer to.
   for (Part<Block>& part : blocks_) part.own = false;
   for (Part<Block>& part : other.blocks_) part.own = false;
+  other.tail_ = nullptr;
 }
 
 SharedVectorList::SharedVectorList(SharedVectorList&& other) noexcept
     : blocks_(std::exchange(other.blocks_, {})),
+      tail_(std::exchange(other.tail_, nullptr)),
       end_(std::exchange(other.end_, 0)),
       size_(std::exchange(other.size_, 0)) {}
 
 SharedVectorList& SharedVectorList::operator=(SharedVectorList other) noexcept {
   std::swap(blocks_, other.blocks_);
+  std::swap(tail_, other.tail_);
   std::swap(end_, other.end_);
   std::swap(size_, other.size_);
   return *this;
@@ -64,6 +67,8 @@ SharedVectorList::Chunk& SharedVectorList::ownChunk(Place place) {
 }
 
 void SharedVectorList::reserveBack() {
+  const std::size_t index = end_ % kChunkEntries;
+  if (tail_ != nullptr && index != 0 && index < tail_->capacity()) return;
   // A block or chunk that is added here and then not used is beyond the end: no part of the list.
   const std::size_t blockIndex = end_ / kBlockEntries;
   if (blockIndex == blocks_.size()) blocks_.push_back({std::make_shared<Block>(), true});
@@ -72,19 +77,18 @@ void SharedVectorList::reserveBack() {
     block.push_back({std::make_shared<Chunk>(), true});
   }
   Chunk& chunk = ownChunk(end_);
-  if (end_ % kChunkEntries < chunk.size() || chunk.size() < chunk.capacity()) return;
+  tail_ = &chunk;
+  if (index < chunk.size() || chunk.size() < chunk.capacity()) return;
   // The first chunk grows step by step, because most lists are short.
   const std::size_t capacity = std::min(kChunkEntries, std::max<std::size_t>(1, chunk.size() * 2));
   chunk.reserve(end_ < kChunkEntries ? capacity : kChunkEntries);
 }
 
 SharedVectorList::Place SharedVectorList::pushReserved(VectorPtr vector) noexcept {
-  Block& block = *blocks_[end_ / kBlockEntries].shared;
-  Chunk& chunk = *block[end_ / kChunkEntries % kBlockChunks].shared;
-  if (const std::size_t index = end_ % kChunkEntries; index < chunk.size()) {
-    chunk[index] = std::move(vector);
+  if (const std::size_t index = end_ % kChunkEntries; index < tail_->size()) {
+    (*tail_)[index] = std::move(vector);
   } else {
-    chunk.push_back(std::move(vector));
+    tail_->push_back(std::move(vector));
   }
   ++size_;
   return end_++;
@@ -101,12 +105,14 @@ void SharedVectorList::eraseReserved(Place place) noexcept {
   erased.reset();
   --size_;
   // The last place always holds an entry.
+  if (place + 1 == end_) tail_ = nullptr;
   while (end_ > 0 && !at(end_ - 1)) --end_;
 }
 
 void SharedVectorList::putBack(Place place, VectorPtr vector) noexcept {
   entry(place) = std::move(vector);
   ++size_;
+  tail_ = nullptr;
   end_ = place + 1;
 }
 

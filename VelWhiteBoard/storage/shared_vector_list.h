@@ -97,6 +97,8 @@ class SharedVectorList {
 
   // Chunks may reach beyond the end; what stands there is null.
   mutable std::vector<Part<Block>> blocks_;
+  /// The chunk that takes the next entry, once `reserveBack` has seen to it; null when unknown.
+  mutable Chunk* tail_ = nullptr;
   Place end_ = 0;
   std::size_t size_ = 0;
 };
