@@ -22,7 +22,7 @@ inline constexpr std::string_view kDamagedSuffix = ".damaged";
 
 /// What stands in a file, as far as a storage knows.
 enum class FileState {
-  kUnknown,    ///< nobody has looked
+  kUnknown,    ///< the storage has not looked
   kAbsent,     ///< there was none, or it has been removed
   kReadWhole,  ///< the storage has read all of it
   kNotRead,    ///< it is damaged, or the system would not give it

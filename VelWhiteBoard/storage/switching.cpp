@@ -29,8 +29,8 @@ VectorList VWBVectorStorage::switchPage(const SwitchPagePtr& page) {
   const std::string key = page->pageInfo();
   saveFile(true);
   for (;;) {
-    // Without the semaphore, so that nobody waits for a disk because of this call. Another thread
-    // may queue a removal, or append a batch, before the semaphore is held: then once more.
+    // Waits before it takes the semaphore, so that other threads do not wait for the disk. Another
+    // thread may queue a removal, or append a batch, in between: then it waits once more.
     state_->waitForBatch(key);
     const bool isQuiet = state_->waitForPageFiles(key);
     const State::LongOperation operation(*state_);

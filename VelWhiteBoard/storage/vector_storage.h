@@ -52,7 +52,8 @@ namespace VelWhiteBoard {
 /// file that was there. Nothing that could not be read is lost: before such a file is replaced, it
 /// is moved aside as NAME`.damaged`, or `.damaged-2` and so on. A write that is under way has its
 /// contents in NAME`.tmp`, which a crash may leave and the next opening removes. An operation that
-/// throws `std::bad_alloc` has changed nothing. A null vector or page is ignored.
+/// throws `std::bad_alloc` has changed nothing, but for two: see `appendVectors` and `clear`. A
+/// null vector or page is ignored.
 ///
 /// Not meant to be derived from.
 class VELWHITEBOARD_EXPORT VWBVectorStorage {
@@ -113,6 +114,9 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// `hasNewChange` stay, and it works while changes are ignored. Each vector goes to the page that
   /// is named, also when another thread switches pages meanwhile.
   ///
+  /// When it throws `std::bad_alloc`, another page is as it was; on the current page the vectors
+  /// before the one that failed have been saved.
+  ///
   /// Reads the page's files the first time. Waits on `semphore` then, and holds it for some 0.1
   /// milliseconds at a time, so other threads may see a part of a long batch.
   void appendVectors(const VectorList& vectors, const SwitchPagePtr& toPage);
@@ -146,8 +150,10 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// other threads that save. Takes no lock.
   VectorList snapWithPage(const VelWbVecSwitchPage& page) const;
 
-  /// Deletes the board's folder, on the caller's thread, and starts afresh. `currentPage` stays. A
-  /// write that was queued earlier may still bring its file back. Waits on `semphore`.
+  /// Deletes the board's folder, on the caller's thread, and starts afresh. When it throws
+  /// `std::bad_alloc`, the board is empty, and its folder may be missing until the next `reload`.
+  /// `currentPage` stays. A write that was queued earlier may still bring its file back. Waits on
+  /// `semphore`.
   void clear();
 
   /// Forgets one page and queues the deletion of its two files; a page is the same here when `WBID`
