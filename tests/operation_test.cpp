@@ -203,9 +203,9 @@ TEST(Operation, MayRemoveTheOneBehindIt) {
 }
 
 TEST(Operation, IsNoLongerWaitedForWhenItIsRemoved) {
+  Gate gate;  // outlives the thread that passes it
   // The only thread is blocked, so nothing but the removal can end the wait.
   SharedThreads threads(1);
-  Gate gate;
   const auto blocked = std::make_shared<QueueState>(threads);
   blocked->add(OperationQueue::makeOperation([&] { gate.pass(); }));
   for (int round = 0; round < 200; ++round) {
