@@ -1,17 +1,13 @@
-// A list whose copies share their entries, and the index by identifier above it.
+// A list whose copies share their entries.
 #include "VelWhiteBoard/storage/shared_vector_list.h"
 
-#include <cstdint>
 #include <memory>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/storage/snap_list.h"
-#include "VelWhiteBoard/vectors/vector_defines.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -80,11 +76,35 @@ TEST(SharedLists, CloseTheirGapsWithoutLosingAnEntry) {
   }
   EXPECT_TRUE(list.isSparse());
   EXPECT_EQ(list.vectors(), expected);
-  list.pack();
+  SharedVectorList::Place to = 0;
+  for (SharedVectorList::Place from = 0; from < 2000; from += 3) {
+    if (from != to) list.moveToGap(from, to);
+    ++to;
+  }
+  list.dropUnused();
   EXPECT_FALSE(list.isSparse());
   EXPECT_EQ(list.size(), expected.size());
   EXPECT_EQ(list.endPlace(), expected.size());
   EXPECT_EQ(list.vectors(), expected);
+}
+
+TEST(SharedLists, GrowAgainAfterTheirUnusedMemoryHasGone) {
+  constexpr SharedVectorList::Place kMany = 70'000;  // more than one block
+  SharedVectorList list;
+  for (SharedVectorList::Place place = 0; place < kMany; ++place) list.push_back(named("x"));
+  for (SharedVectorList::Place place = kMany - 1; place >= 300; --place) {
+    list.reserveErase(place);
+    list.eraseReserved(place);
+  }
+  const SharedVectorList copy = list;
+  list.dropUnused();
+  VectorList expected = list.vectors();
+  for (int i = 0; i < 600; ++i) {
+    expected.push_back(named(std::to_string(i)));
+    list.push_back(expected.back());
+  }
+  EXPECT_EQ(list.vectors(), expected);
+  EXPECT_EQ(copy.size(), 300U);
 }
 
 TEST(SharedLists, AreSparseOnlyWithManyGapsAndMoreGapsThanEntries) {
@@ -136,137 +156,6 @@ TEST(SharedLists, TakeAnEntryBackToTheEndThatWasJustTakenFromIt) {
   list.putBack(299, last);
   EXPECT_EQ(list.size(), 299U);
   EXPECT_EQ(list.vectors(), without(expected, 298));
-}
-
-/// Searches in a plain list, as the index must find them.
-struct PlainSnap {
-  VectorList entries;
-
-  VectorPtr first(const std::string& identifier) const {
-    for (const auto& entry : entries) {
-      if (entry->ID == identifier) return entry;
-    }
-    return nullptr;
-  }
-  VectorPtr last(const std::string& identifier) const {
-    for (auto each = entries.rbegin(); each != entries.rend(); ++each) {
-      if ((*each)->ID == identifier) return *each;
-    }
-    return nullptr;
-  }
-};
-
-VectorPtr entryAt(const SnapList& snap, SnapList::Place place) {
-  return place == SnapList::kNowhere ? nullptr : snap.list().at(place);
-}
-
-// Few identifiers, many of each; entries without one that are named later; many gaps.
-TEST(SnapLists, FindWhatAPlainSearchFindsWhateverWasPushedErasedAndNamed) {
-  for (std::uint32_t seed = 1; seed <= 10; ++seed) {
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    UnnamedEntries unnamed;
-    SnapList snap;
-    snap.attach(unnamed);
-    PlainSnap plain;
-    VectorList nameless;
-    for (int step = 0; step < 4000; ++step) {
-      const auto identifier = std::to_string(random() % 5);
-      const bool shrinks = step % 1000 > 500;
-      switch (const auto choice = random() % 8; choice) {
-        case 0: {
-          auto vector = VelWbBaseVector::initWithType("instruction");
-          snap.push_back(vector);
-          plain.entries.push_back(vector);
-          nameless.push_back(vector);
-          break;
-        }
-        case 1:
-          if (!nameless.empty()) {
-            const VectorPtr vector = nameless.back();
-            nameless.pop_back();
-            EXPECT_TRUE(unnamed.contains(vector.get()) ||
-                        std::find(plain.entries.begin(), plain.entries.end(), vector) ==
-                            plain.entries.end());
-            vector->ID = identifier;
-            snap.hasBeenNamed(*vector);
-          }
-          break;
-        case 2: {
-          const SharedVectorList before = snap.list();
-          snap.push_back(named("x"));
-          snap.rollBack(before);
-          snap.ensureIndex();
-          break;
-        }
-        default:
-          if (choice < (shrinks ? 7U : 4U)) {
-            const auto place = snap.findFirst(identifier);
-            if (place == SnapList::kNowhere) break;
-            const VectorPtr erased = snap.list().at(place);
-            snap.reserveErase({place});
-            snap.eraseReserved({place});
-            plain.entries.erase(std::find(plain.entries.begin(), plain.entries.end(), erased));
-          } else {
-            const VectorPtr vector = random() % 4 == 0 && plain.first(identifier)
-                                         ? plain.first(identifier)
-                                         : named(identifier);
-            snap.push_back(vector);
-            plain.entries.push_back(vector);
-          }
-      }
-      ASSERT_EQ(entryAt(snap, snap.findFirst(identifier)), plain.first(identifier));
-      ASSERT_EQ(entryAt(snap, snap.findLast(identifier)), plain.last(identifier));
-    }
-    EXPECT_EQ(snap.list().vectors(), plain.entries);
-    snap.detach();
-    EXPECT_TRUE(unnamed.empty());
-  }
-}
-
-TEST(SnapLists, KnowTheFirstMagnifier) {
-  SnapList snap;
-  EXPECT_EQ(snap.firstMagnifier(), SnapList::kNowhere);
-  const VectorPtr first = VelWbBaseVector::initWithType(std::string(VelWBVectorStrMagnifier));
-  const VectorPtr second = VelWbBaseVector::initWithType(std::string(VelWBVectorStrMagnifier));
-  snap.push_back(named("a"));
-  snap.push_back(first);
-  snap.push_back(second);
-  EXPECT_EQ(entryAt(snap, snap.firstMagnifier()), first);
-  snap.reserveErase({1});
-  snap.eraseReserved({1});
-  EXPECT_EQ(entryAt(snap, snap.firstMagnifier()), second);
-}
-
-TEST(SnapLists, FindAllEntriesThatAreEqualAndNoOthers) {
-  SnapList snap;
-  const VectorPtr entry = named("a");
-  const VectorPtr equal = entry->copyWithZone();
-  const VectorPtr different = entry->copyWithZone();
-  different->ts = 5;
-  for (const VectorPtr& each : {entry, named("b"), different, equal, entry}) snap.push_back(each);
-  EXPECT_EQ(snap.findEqual(*entry), (std::vector<SnapList::Place>{0, 3, 4}));
-}
-
-TEST(SnapLists, PackThemselvesWithoutLosingAnEntry) {
-  SnapList snap;
-  VectorList kept;
-  for (int i = 0; i < 3000; ++i) {
-    const VectorPtr vector = named(std::to_string(i));
-    snap.push_back(vector);
-    if (i % 4 == 0) kept.push_back(vector);
-  }
-  for (int i = 0; i < 3000; ++i) {
-    if (i % 4 == 0) continue;
-    const auto place = snap.findFirst(std::to_string(i));
-    ASSERT_NE(place, SnapList::kNowhere);
-    snap.reserveErase({place});
-    snap.eraseReserved({place});
-  }
-  EXPECT_LT(snap.list().endPlace(), 2000U) << "packed";
-  EXPECT_EQ(snap.list().vectors(), kept);
-  for (const VectorPtr& vector : kept)
-    EXPECT_EQ(entryAt(snap, snap.findFirst(*vector->ID)), vector);
 }
 
 }  // namespace

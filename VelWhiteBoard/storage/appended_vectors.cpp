@@ -42,7 +42,8 @@ void BatchUndo::restore(History& history) noexcept {
   kept_.clear();
 }
 
-void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, BatchUndo& undo) {
+void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, BatchUndo& undo,
+                   SnapList::Contents& cleared) {
   const auto lastEntry = [&] {
     return vector->ID ? snap.findLast(*vector->ID) : SnapList::kNowhere;
   };
@@ -62,7 +63,7 @@ void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, Ba
     return;
   }
   if (vector->type == VelWBVectorStrClear) {
-    snap.clear();
+    cleared = snap.clear();
     return;
   }
   if (!vector->ID || isTransient(*vector)) return;

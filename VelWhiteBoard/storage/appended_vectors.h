@@ -30,6 +30,8 @@ class BatchUndo {
 /// Brings a vector into the state of a page that is not current. Simpler than `applySaved` on
 /// purpose: what continues an entry is always appended, never merged; no index by identifier, no
 /// identifiers, no transient tail.
-void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, BatchUndo& undo);
+/// @param cleared gets what a clear takes away; it may be long, so drop it without the guard.
+void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, BatchUndo& undo,
+                   SnapList::Contents& cleared);
 
 }  // namespace VelWhiteBoard

@@ -41,7 +41,7 @@ class VWBVectorStorage::State::Batch {
   void end() noexcept VELWHITEBOARD_EXCLUDES(state_.guard);
   /// Reads what is not cached, and begins; once more when the page was cleared in between.
   ReadPage readAndBegin() VELWHITEBOARD_EXCLUDES(state_.guard);
-  void applySome(std::span<const VectorPtr>& rest, CachedPage& page)
+  void applySome(std::span<const VectorPtr>& rest, CachedPage& page, SnapList::Contents& cleared)
       VELWHITEBOARD_REQUIRES(state_.guard);
   void undo(CachedPage& page) noexcept VELWHITEBOARD_REQUIRES(state_.guard);
 
@@ -84,12 +84,13 @@ ReadPage VWBVectorStorage::State::Batch::readAndBegin() {
   }
 }
 
-void VWBVectorStorage::State::Batch::applySome(std::span<const VectorPtr>& rest, CachedPage& page) {
+void VWBVectorStorage::State::Batch::applySome(std::span<const VectorPtr>& rest, CachedPage& page,
+                                               SnapList::Contents& cleared) {
   for (std::size_t count = 0; !rest.empty() && count < kVectorsAtATime; ++count) {
     if (const VectorPtr& vector = rest.front()) {
       page.snap->ensureIndex();
       page.whole->reserveBack();
-      applyAppended(vector, *page.snap, *state_.history, undo_);
+      applyAppended(vector, *page.snap, *state_.history, undo_, cleared);
       page.whole->pushReserved(vector);
     }
     rest = rest.subspan(1);
@@ -116,6 +117,7 @@ bool VWBVectorStorage::State::Batch::append(std::span<const VectorPtr> vectors) 
   WriteBacklog::Prepared write;
   for (bool isFirst = true; isFirst || !vectors.empty(); isFirst = false) {
     if (!isFirst) state_.giveWay();
+    SnapList::Contents cleared;  // dropped without the guard
     const ShortOperation operation(state_);
     if (isFirst && state_.currentPage && isSamePage(page_, *state_.currentPage)) return false;
     if (isFirst) {
@@ -129,7 +131,7 @@ bool VWBVectorStorage::State::Batch::append(std::span<const VectorPtr> vectors) 
         snapBefore_ = page.snap->list();
         wholeBefore_ = page.whole;
       }
-      applySome(vectors, page);
+      applySome(vectors, page, cleared);
       if (!vectors.empty()) continue;
       write = state_.preparePageWrite(key_, wholeListFile(state_.folder, key_),
                                       snapListFile(state_.folder, key_), SaveOrder::kSnapFirst);

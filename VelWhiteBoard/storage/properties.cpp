@@ -97,11 +97,15 @@ void VWBVectorStorage::setWholeVectorss(const ListsByPage& lists) {
 }
 
 VWBVectorStorage::ListsByPage VWBVectorStorage::snapVectorss() const {
-  const MutexHold hold(state_->guard);
-  ListsByPage lists;
-  for (const auto& [key, page] : state_->cache.pages()) {
-    if (page.snap) lists.emplace(key, page.snap->list().vectors());
+  std::vector<std::pair<std::string, SharedVectorList>> snaps;
+  {
+    const MutexHold hold(state_->guard);
+    for (const auto& [key, page] : state_->cache.pages()) {
+      if (page.snap) snaps.emplace_back(key, page.snap->list());
+    }
   }
+  ListsByPage lists;  // without the guard: the pages may be long
+  for (const auto& [key, snap] : snaps) lists.emplace(key, snap.vectors());
   return lists;
 }
 

@@ -129,10 +129,12 @@ void addEntry(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History
 }
 
 /// Applies a vector that continues nothing.
-void applyNew(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history) {
+void applyNew(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history,
+              ClearedLists& cleared) {
   if (vector->type == VelWBVectorStrRemove) return removeTarget(*vector, snap, query);
   if (vector->type == VelWBVectorStrClear) {
-    snap.clear();
+    cleared.snap = snap.clear();
+    std::swap(cleared.query, query);
     query.clear();
     return;
   }
@@ -150,12 +152,13 @@ bool isTransient(const VelWbBaseVector& vector) {
          type == VelWBVectorStrRemove;
 }
 
-void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history) {
+void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history,
+                ClearedLists& cleared) {
   snap.ensureIndex();
   TransientTail tail(snap);
   const auto found = isTransient(*vector) ? query.end() : query.find(*vector->ID);
   if (found == query.end()) {
-    applyNew(vector, snap, query, history);
+    applyNew(vector, snap, query, history, cleared);
   } else if (!continueStroke(found->second, *vector, history)) {
     const VectorPtr entry = found->second;  // its place in the index may be taken by another
     continueEntry(entry, *vector, snap, query, history);

@@ -88,6 +88,7 @@ bool VWBVectorStorage::retryFailedSaves() {
 
 bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const VectorPtr& vector) {
   bool isDue = false;
+  ClearedLists cleared;  // dropped without the guard
   {
     const ShortOperation operation(*this);
     if (page != nullptr && (!currentPage || !isSamePage(*page, *currentPage))) return false;
@@ -101,7 +102,7 @@ bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const Vecto
 
     whole.reserveBack();
     Naming naming(vector, cache, *history);
-    applySaved(vector, snap, snapQuery, *history);
+    applySaved(vector, snap, snapQuery, *history, cleared);
     naming.keep();
     whole.pushReserved(vector);
     if (newSnap) cached.snap = std::move(newSnap);

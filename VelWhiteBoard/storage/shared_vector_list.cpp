@@ -126,10 +126,21 @@ bool SharedVectorList::isSparse() const noexcept {
   return gaps > kGapsWorthPacking && gaps > size_;
 }
 
-void SharedVectorList::pack() {
-  SharedVectorList packed;
-  forEach([&packed](const VectorPtr& vector) { packed.push_back(vector); });
-  *this = std::move(packed);
+void SharedVectorList::moveToGap(Place from, Place to) {
+  reserveErase(from);
+  reserveErase(to);
+  entry(to) = std::move(entry(from));
+  if (from + 1 != end_) return;
+  end_ = to + 1;
+  tail_ = nullptr;
+}
+
+void SharedVectorList::dropUnused() noexcept {
+  tail_ = nullptr;
+  blocks_.resize((end_ + kBlockEntries - 1) / kBlockEntries);
+  if (blocks_.empty() || !blocks_.back().own) return;
+  const std::size_t left = end_ - (blocks_.size() - 1) * kBlockEntries;
+  blocks_.back().shared->resize((left + kChunkEntries - 1) / kChunkEntries);
 }
 
 VectorList SharedVectorList::vectors() const {

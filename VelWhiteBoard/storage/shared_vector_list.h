@@ -13,7 +13,7 @@ namespace VelWhiteBoard {
 /// Vectors in order. Copying takes one step for each 65,536 entries, because copies share their
 /// entries until one of them changes. A save captures a page that way while the pen goes on.
 ///
-/// An entry keeps its place (a number) until `pack()`; a removed entry leaves a gap.
+/// An entry keeps its place (a number) until `moveToGap`; a removed entry leaves a gap.
 ///
 /// Failure: an operation that throws `std::bad_alloc` has changed nothing. What cannot throw says
 /// so; the two `reserve` operations make the change that follows them such an operation.
@@ -57,8 +57,10 @@ class SharedVectorList {
 
   /// Whether so much of the list is gaps that packing it pays.
   bool isSparse() const noexcept;
-  /// Closes the gaps; every entry may get a new place.
-  void pack();
+  /// Moves an entry to a gap before it; there must be nothing but gaps in between.
+  void moveToGap(Place from, Place to);
+  /// Frees memory beyond the end that the list alone refers to.
+  void dropUnused() noexcept;
 
   /// All entries, in order.
   VectorList vectors() const;

@@ -1,21 +1,15 @@
 /// @file
-/// A page's present state, with an index by identifier.
+/// A page's present state.
 #pragma once
 
-#include <cstddef>
-#include <set>
+#include <memory>
 #include <string_view>
-#include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "VelWhiteBoard/storage/shared_vector_list.h"
+#include "VelWhiteBoard/storage/snap_index.h"
 
 namespace VelWhiteBoard {
-
-/// How many entries without identifier each vector is, in all snap lists of a storage: tells
-/// quickly that naming a vector concerns no list.
-using UnnamedEntries = std::unordered_map<const VelWbBaseVector*, std::size_t>;
 
 /// A page's snap list: no search walks it.
 ///
@@ -28,9 +22,14 @@ class SnapList {
   using Place = SharedVectorList::Place;
   static constexpr Place kNowhere = static_cast<Place>(-1);
 
-  SnapList() = default;
+  /// What a list held before it was cleared, to be dropped where time does not matter.
+  struct Contents {
+    SharedVectorList list;
+    std::unique_ptr<SnapIndex> index;
+  };
+
+  SnapList() : index_(std::make_unique<SnapIndex>()) {}
   explicit SnapList(SharedVectorList list);
-  ~SnapList() { detach(); }
   SnapList(const SnapList&) = delete;
   SnapList& operator=(const SnapList&) = delete;
 
@@ -43,7 +42,7 @@ class SnapList {
   bool empty() const noexcept { return list_.empty(); }
   const VectorPtr& back() const noexcept { return list_.back(); }
 
-  /// To be called before the operations below, once a `noexcept` operation may have dropped the
+  /// To be called before the operations below once a `noexcept` operation may have dropped the
   /// index.
   void ensureIndex();
 
@@ -56,10 +55,10 @@ class SnapList {
   void undoPop(Place place, VectorPtr vector) noexcept;
   /// Makes the entries at these places removable without memory.
   void reserveErase(const std::vector<Place>& places);
-  /// Takes the entries at these places out, after `reserveErase`.
+  /// Takes the entries at these places out, after `reserveErase`. Other entries may get new places.
   void eraseReserved(const std::vector<Place>& places) noexcept;
-  /// Empties the list; answers what it held, to be dropped where time does not matter.
-  SharedVectorList clear() noexcept;
+  /// Empties the list.
+  Contents clear() noexcept;
   /// Puts an earlier state of the list in its place.
   void rollBack(SharedVectorList earlier) noexcept;
 
@@ -67,39 +66,29 @@ class SnapList {
   void hasBeenNamed(const VelWbBaseVector& vector) noexcept;
 
   /// The place of the first entry whose `ID` is `identifier`.
-  Place findFirst(std::string_view identifier) const noexcept;
+  Place findFirst(std::string_view identifier) const;
   /// The place of the last one.
-  Place findLast(std::string_view identifier) const noexcept;
+  Place findLast(std::string_view identifier) const;
   /// The place of the first entry whose type is "magnifier".
   Place firstMagnifier() const noexcept;
   /// The places of all entries that are equal to `entry`, which is an entry itself.
   std::vector<Place> findEqual(const VelWbBaseVector& entry) const;
 
  private:
-  using Key = std::pair<std::size_t, Place>;
-
   bool isAt(Place place, std::string_view identifier) const noexcept;
-  void buildIndex();
   void dropIndex() noexcept;
-  void addToIndex(const VelWbBaseVector& vector, Place place);
-  void addNamed(std::size_t hash, Place place);
-  void addUnnamed(const VelWbBaseVector& vector, Place place);
-  void removeFromIndex(const VelWbBaseVector& vector, Place place) noexcept;
-  void removeNamed(std::size_t hash, Place place) noexcept;
-  void removeUnnamed(const VelWbBaseVector& vector, Place place) noexcept;
-  void packIfSparse() noexcept;
+  void packSome() noexcept;
+  bool packNext();
 
   SharedVectorList list_;
-  bool isIndexed_ = true;
-  // Hashes instead of identifiers, because the identifiers stand in the entries.
-  /// Hash of an identifier -> one of the places where it stands.
-  std::unordered_map<std::size_t, Place> index_;
-  /// The other places, of identifiers that stand at several.
-  std::set<Key> others_;
-  std::set<Place> magnifiers_;
-  /// Entry without an identifier -> its place.
-  std::unordered_multimap<const VelWbBaseVector*, Place> unnamed_;
+  /// Null: to be built anew.
+  std::unique_ptr<SnapIndex> index_;
   UnnamedEntries* counted_ = nullptr;
+  // Packing goes on a little with each entry that is taken out, so that no call takes long. It has
+  // come as far as `packFrom_`; from `packTo_` until there, there are gaps only.
+  bool isPacking_ = false;
+  Place packTo_ = 0;
+  Place packFrom_ = 0;
 };
 
 }  // namespace VelWhiteBoard

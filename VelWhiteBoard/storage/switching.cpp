@@ -1,4 +1,6 @@
 // Making a page current.
+#include <memory>
+#include <optional>
 #include <utility>
 
 #include "VelWhiteBoard/foundation/clock.h"
@@ -51,14 +53,24 @@ VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const st
     const MutexHold hold(guard);
     isCurrent = currentPage && isSameSwitch(*currentPage, *page);
   }
-  if (!isCurrent) read = readLists(key, isNewest);
+  std::optional<SharedVectorList> cachedSnap;
+  if (!isCurrent) {
+    read = readLists(key, isNewest);
+    const MutexHold hold(guard);
+    const CachedPage* cached = cache.find(key);
+    if (cached != nullptr && cached->snap) cachedSnap = cached->snap->list();
+  }
+  // Without the guard: the page may be long. Nothing saves to it meanwhile, because the semaphore
+  // is held.
+  if (!read.snap) read.snap = std::make_unique<SnapList>();
+  const SharedVectorList& snap = cachedSnap ? *cachedSnap : read.snap->list();
+  SnapQuery query = queryOf(snap);
+  VectorList entries = snap.vectors();
 
   // All that may throw comes first; what it has replaced is dropped without the guard.
   WriteBacklog::Prepared pageWrite;
   WriteBacklog::Prepared visitedWrite;
   SwitchPagePtr copy = page->mutableCopyWithZone();
-  SnapQuery query;
-  VectorList entries;
   const MutexHold hold(guard);
   // The page that is left has been queued before; what was accepted since must not stay behind.
   const bool isSaved = !isCurrent && hasNewChange && currentPage && hasUnqueuedChange;
@@ -66,13 +78,6 @@ VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const st
     pageWrite = preparePageWrite(currentKey(), wholeFile, snapFile, SaveOrder::kWholeFirst);
   }
   if (!isCurrent) {
-    const CachedPage* cached = cache.find(key);
-    const bool isCached = cached != nullptr && cached->snap;
-    // It was cached when the files were read, and has gone since.
-    if (!isCached && !read.snap) read.snap = std::make_unique<SnapList>();
-    const SharedVectorList& snap = isCached ? cached->snap->list() : read.snap->list();
-    query = queryOf(snap);
-    entries = snap.vectors();
     std::optional<std::string> newWholeFile = wholeListFile(folder, key);
     std::optional<std::string> newSnapFile = snapListFile(folder, key);
     std::string newKey = key;
@@ -113,12 +118,14 @@ bool VWBVectorStorage::hasVectorsWithPage(const VelWbVecSwitchPage& page) const 
 VectorList VWBVectorStorage::snapWithPage(const VelWbVecSwitchPage& page) const {
   const std::string key = page.pageInfo();
   std::string path;
+  std::optional<SharedVectorList> snap;
   {
     const MutexHold hold(state_->guard);
     const CachedPage* cached = state_->cache.find(key);
-    if (cached != nullptr && cached->snap) return cached->snap->list().vectors();
+    if (cached != nullptr && cached->snap) snap = cached->snap->list();
     path = snapListFile(state_->folder, key);
   }
+  if (snap) return snap->vectors();  // without the guard: the page may be long
   waitForPendingFiles({pendingName(path)});
   // The storage does not keep what it reads here, so the file does not count as read.
   return readVectors(path).list;
