@@ -5,7 +5,7 @@
 #include <chrono>
 
 #include "VelWhiteBoard/VelWhiteBoard.h"
-#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 
 namespace benchmarks {
 

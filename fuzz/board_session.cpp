@@ -3,9 +3,9 @@
 #include <utility>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/property_list_reader.h"
-#include "VelWhiteBoard/foundation/property_list_writer.h"
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/foundation/plist/property_list_reader.h"
+#include "VelWhiteBoard/foundation/plist/property_list_writer.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
 
 #include "fuzz/vectors.h"
 

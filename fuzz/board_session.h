@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 #include "fuzz/check.h"

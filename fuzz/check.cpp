@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "VelWhiteBoard/foundation/dictionary_keys.h"
-#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/records/dictionary_keys.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
 
 namespace fuzz {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "VelWhiteBoard/foundation/coder.h"
-#include "VelWhiteBoard/foundation/record.h"
+#include "VelWhiteBoard/foundation/records/coder.h"
+#include "VelWhiteBoard/foundation/records/record.h"
 
 namespace fuzz {
 

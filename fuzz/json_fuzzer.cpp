@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "VelWhiteBoard/foundation/coder.h"
-#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/records/coder.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
 #include "VelWhiteBoard/services/resources.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/commands.h"

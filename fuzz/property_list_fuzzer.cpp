@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/property_list_reader.h"
-#include "VelWhiteBoard/foundation/property_list_writer.h"
+#include "VelWhiteBoard/foundation/plist/property_list_reader.h"
+#include "VelWhiteBoard/foundation/plist/property_list_writer.h"
 #include "VelWhiteBoard/services/resources.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/commands.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/assignment.h"
+#include "VelWhiteBoard/foundation/records/assignment.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 #include "VelWhiteBoard/vectors/diagrams.h"
 #include "VelWhiteBoard/vectors/media_lists.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/file_system.h"
-#include "VelWhiteBoard/foundation/mutex.h"
-#include "VelWhiteBoard/foundation/standard_directories.h"
+#include "VelWhiteBoard/foundation/files/file_system.h"
+#include "VelWhiteBoard/foundation/files/standard_directories.h"
+#include "VelWhiteBoard/foundation/queue/mutex.h"
 
 namespace VelWhiteBoard {
 namespace {

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
 
 namespace VelWhiteBoard {
 

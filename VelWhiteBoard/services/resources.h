@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/coder.h"
 #include "VelWhiteBoard/foundation/export.h"
-#include "VelWhiteBoard/foundation/model_mapping.h"
-#include "VelWhiteBoard/foundation/record.h"
+#include "VelWhiteBoard/foundation/records/coder.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
+#include "VelWhiteBoard/foundation/records/record.h"
 
 namespace VelWhiteBoard {
 

@@ -4,10 +4,10 @@
 #include <charconv>
 #include <cstdint>
 
-#include "VelWhiteBoard/foundation/clock.h"
-#include "VelWhiteBoard/foundation/mutex.h"
-#include "VelWhiteBoard/foundation/truncation.h"
-#include "VelWhiteBoard/tools/tool_manager.h"
+#include "VelWhiteBoard/foundation/queue/mutex.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
+#include "VelWhiteBoard/foundation/values/truncation.h"
+#include "VelWhiteBoard/vectors/drawing_settings.h"
 #include "VelWhiteBoard/vectors/strokes.h"
 
 namespace VelWhiteBoard {
@@ -77,7 +77,7 @@ double VelWbVectorManager::genTs() {
   if (!isRunning_) return serverTs_ - localTs_;
   // Read before the semaphore is taken: no operation holds a lock of one manager while it asks
   // another one.
-  const bool readsMediaClock = VWBToolManager::sharedManager().version() == 1;
+  const bool readsMediaClock = DrawingSettings::shared().version() == 1;
   const SemaphoreHold hold(semaphore());
   const double server = serverTs_;
   const double now = readsMediaClock ? currentMediaTime() : currentTime();

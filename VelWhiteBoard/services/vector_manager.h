@@ -8,7 +8,7 @@
 #include <string>
 
 #include "VelWhiteBoard/foundation/export.h"
-#include "VelWhiteBoard/foundation/semaphore.h"
+#include "VelWhiteBoard/foundation/queue/semaphore.h"
 
 namespace VelWhiteBoard {
 

@@ -7,8 +7,8 @@
 #include <thread>
 #include <utility>
 
-#include "VelWhiteBoard/storage/appended_vectors.h"
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
+#include "VelWhiteBoard/storage/lists/appended_vectors.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "VelWhiteBoard/services/path_manager.h"
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 

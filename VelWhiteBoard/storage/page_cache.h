@@ -8,9 +8,9 @@
 #include <unordered_map>
 #include <utility>
 
-#include "VelWhiteBoard/storage/page_log.h"
-#include "VelWhiteBoard/storage/queued_write.h"
-#include "VelWhiteBoard/storage/snap_list.h"
+#include "VelWhiteBoard/storage/files/page_log.h"
+#include "VelWhiteBoard/storage/files/queued_write.h"
+#include "VelWhiteBoard/storage/lists/snap_list.h"
 
 namespace VelWhiteBoard {
 

@@ -1,7 +1,7 @@
 // A page's lists from its files into the cache, and from the cache into the queue.
 #include <utility>
 
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 
 namespace VelWhiteBoard {

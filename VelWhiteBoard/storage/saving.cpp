@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/services/vector_manager.h"
-#include "VelWhiteBoard/storage/saved_vector.h"
+#include "VelWhiteBoard/storage/lists/saved_vector.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 

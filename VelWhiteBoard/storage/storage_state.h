@@ -11,15 +11,15 @@
 #include <unordered_map>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/mutex.h"
-#include "VelWhiteBoard/storage/history.h"
-#include "VelWhiteBoard/storage/known_file.h"
+#include "VelWhiteBoard/foundation/queue/mutex.h"
+#include "VelWhiteBoard/storage/files/known_file.h"
+#include "VelWhiteBoard/storage/files/timed_saves.h"
+#include "VelWhiteBoard/storage/files/write_backlog.h"
+#include "VelWhiteBoard/storage/lists/history.h"
+#include "VelWhiteBoard/storage/lists/snap_query.h"
+#include "VelWhiteBoard/storage/lists/visited_pages.h"
 #include "VelWhiteBoard/storage/page_cache.h"
-#include "VelWhiteBoard/storage/snap_query.h"
-#include "VelWhiteBoard/storage/timed_saves.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
-#include "VelWhiteBoard/storage/visited_pages.h"
-#include "VelWhiteBoard/storage/write_backlog.h"
 
 namespace VelWhiteBoard {
 

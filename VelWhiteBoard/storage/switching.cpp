@@ -3,8 +3,8 @@
 #include <optional>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/clock.h"
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 

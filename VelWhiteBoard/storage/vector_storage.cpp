@@ -3,9 +3,9 @@
 
 #include <utility>
 
-#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/services/path_manager.h"
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 
 namespace VelWhiteBoard {

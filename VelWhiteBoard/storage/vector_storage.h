@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "VelWhiteBoard/foundation/export.h"
-#include "VelWhiteBoard/foundation/operation_queue.h"
-#include "VelWhiteBoard/foundation/semaphore.h"
+#include "VelWhiteBoard/foundation/queue/operation_queue.h"
+#include "VelWhiteBoard/foundation/queue/semaphore.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/commands.h"
 

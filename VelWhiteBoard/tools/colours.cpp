@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "VelWhiteBoard/foundation/truncation.h"
+#include "VelWhiteBoard/foundation/values/truncation.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 
 namespace VelWhiteBoard {
@@ -89,7 +89,7 @@ std::optional<std::string> VWBToolManager::textBgColor() const {
 }
 
 std::string VWBToolManager::markerColor() const {
-  const std::int64_t alpha = truncatedToSigned(board_.markerColorAlpha * 255.0);
+  const std::int64_t alpha = truncatedToSigned(markerColorAlpha_ * 255.0);
   return withoutAlpha(user_.markerColor) + twoHexDigits(std::clamp<std::int64_t>(alpha, 0, 255));
 }
 
@@ -118,10 +118,10 @@ void VWBToolManager::setMarkerColor(const std::optional<std::string>& markerColo
   if (isPaletteColor(markerColor)) user_.markerColor = *markerColor;
 }
 
-double VWBToolManager::markerColorAlpha() const { return board_.markerColorAlpha; }
+double VWBToolManager::markerColorAlpha() const { return markerColorAlpha_; }
 
 void VWBToolManager::setMarkerColorAlpha(double markerColorAlpha) {
-  board_.markerColorAlpha = markerColorAlpha;
+  markerColorAlpha_ = markerColorAlpha;
 }
 
 bool VWBToolManager::isPaletteColor(const std::optional<std::string>& color) const {

@@ -1,9 +1,10 @@
 #include <cfloat>
 
-#include "VelWhiteBoard/foundation/record.h"
-#include "VelWhiteBoard/foundation/truncation.h"
+#include "VelWhiteBoard/foundation/records/record.h"
+#include "VelWhiteBoard/foundation/values/truncation.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 #include "VelWhiteBoard/vectors/boxes.h"
+#include "VelWhiteBoard/vectors/drawing_settings.h"
 #include "VelWhiteBoard/vectors/strokes.h"
 
 // Two clients on different processors must agree to the last bit. So nothing here is simplified:
@@ -37,7 +38,7 @@ void VWBToolManager::convertPoint(Point point, VelWbVecPoint& toVector) {
 }
 
 void VWBToolManager::_convertPoint(Point point, VelWbVecPoint& toVector) const {
-  const Size board = board_.wbSize;
+  const Size board = DrawingSettings::shared().wbSize;
   toVector.x = point.x / board.width;
   if (version() != kFarEdgeVersion) {
     toVector.y = point.y / board.height;
@@ -62,8 +63,8 @@ void VWBToolManager::convertSize(Size size, VelWbVecSquare& toVector) {
 }
 
 void VWBToolManager::_convertSize(Size size, VelWbVecSquare& toVector) const {
-  toVector.w = cutToFiveDecimals(size.width / board_.wbSize.width);
-  toVector.h = cutToFiveDecimals(size.height / board_.wbSize.height);
+  toVector.w = cutToFiveDecimals(size.width / DrawingSettings::shared().wbSize.width);
+  toVector.h = cutToFiveDecimals(size.height / DrawingSettings::shared().wbSize.height);
 }
 
 void VWBToolManager::convertPoint(Point point, Size size, VelWbVecSquare& toVector) {
@@ -76,7 +77,7 @@ Point VWBToolManager::convertPointToScale(Point point) {
 }
 
 Point VWBToolManager::_convertPointToScale(Point point) const {
-  const Size board = board_.wbSize;
+  const Size board = DrawingSettings::shared().wbSize;
   const double x = 1.0 - point.x / board.width;
   const double y = version() == kFarEdgeVersion ? (board.height - point.y) / board.height
                                                 : 1.0 - point.y / board.height;

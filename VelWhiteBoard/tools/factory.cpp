@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/truncation.h"
+#include "VelWhiteBoard/foundation/values/truncation.h"
 #include "VelWhiteBoard/services/vector_manager.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 #include "VelWhiteBoard/vectors/base_vector.h"

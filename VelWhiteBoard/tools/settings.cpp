@@ -4,39 +4,12 @@
 #include <vector>
 
 #include "VelWhiteBoard/tools/tool_manager.h"
+#include "VelWhiteBoard/vectors/drawing_settings.h"
 
 namespace VelWhiteBoard {
 namespace {
 
 using WidthTable = std::vector<double>;
-
-// Each table and the palette is reached through a reference that is never destroyed: threads that
-// outlive main() may still ask for widths.
-
-const WidthTable& eraserWidths() {
-  static const auto& widths = *new WidthTable{20.0};
-  return widths;
-}
-
-const WidthTable& threeLineWidths() {
-  static const auto& widths = *new WidthTable{2.0, 4.0, 7.0};
-  return widths;
-}
-
-const WidthTable& threeMarkerWidths() {
-  static const auto& widths = *new WidthTable{8.0, 14.0, 20.0};
-  return widths;
-}
-
-const WidthTable& fiveLineWidths() {
-  static const auto& widths = *new WidthTable{2.0, 4.0, 6.0, 8.0, 10.0};
-  return widths;
-}
-
-const WidthTable& fiveMarkerWidths() {
-  static const auto& widths = *new WidthTable{16.0, 30.0, 44.0, 58.0, 72.0};
-  return widths;
-}
 
 /// A negative index is a huge unsigned one, so one comparison refuses both sides.
 bool isIndexInto(const WidthTable& table, std::int64_t index) {
@@ -61,12 +34,11 @@ VWBToolManager& VWBToolManager::sharedManager() {
 
 VWBToolManager& VWBToolManager::allocWithZone() { return sharedManager(); }
 
-VWBToolManager::VWBToolManager() { init(); }
+VWBToolManager::VWBToolManager() { _setToDefault(); }
 
 VWBToolManager& VWBToolManager::init() {
-  setVersion(0);
-  eraserWidthArr_ = &eraserWidths();
-  board_ = BoardSettings{};
+  DrawingSettings::shared().init();
+  markerColorAlpha_ = kMarkerColorAlpha;
   _setToDefault();
   return *this;
 }
@@ -95,11 +67,17 @@ const std::vector<std::string>& VWBToolManager::colorArr() const {
   return palette;
 }
 
-const std::vector<double>& VWBToolManager::lineWidthArr() const { return *lineWidthArr_; }
+const std::vector<double>& VWBToolManager::lineWidthArr() const {
+  return DrawingSettings::shared().lineWidths();
+}
 
-const std::vector<double>& VWBToolManager::markerWidthArr() const { return *markerWidthArr_; }
+const std::vector<double>& VWBToolManager::markerWidthArr() const {
+  return DrawingSettings::shared().markerWidths();
+}
 
-const std::vector<double>& VWBToolManager::eraserWidthArr() const { return *eraserWidthArr_; }
+const std::vector<double>& VWBToolManager::eraserWidthArr() const {
+  return DrawingSettings::shared().eraserWidths();
+}
 
 double VWBToolManager::textFontMaxSize() const { return 72.0; }
 
@@ -107,22 +85,21 @@ double VWBToolManager::textFontMinSize() const { return 8.0; }
 
 std::uint64_t VWBToolManager::whiteBoardTotalCount() const { return 10; }
 
-std::uint64_t VWBToolManager::version() const { return version_.load(); }
+std::uint64_t VWBToolManager::version() const { return DrawingSettings::shared().version(); }
 
 void VWBToolManager::setVersion(std::uint64_t version) {
-  version_.store(version);
-  const bool hasFiveWidths = version == 1;
-  lineWidthArr_ = hasFiveWidths ? &fiveLineWidths() : &threeLineWidths();
-  markerWidthArr_ = hasFiveWidths ? &fiveMarkerWidths() : &threeMarkerWidths();
+  DrawingSettings::shared().setVersion(version);
 }
 
-Size VWBToolManager::wbSize() const { return board_.wbSize; }
+Size VWBToolManager::wbSize() const { return DrawingSettings::shared().wbSize; }
 
-void VWBToolManager::setWbSize(Size wbSize) { board_.wbSize = wbSize; }
+void VWBToolManager::setWbSize(Size wbSize) { DrawingSettings::shared().wbSize = wbSize; }
 
-Size VWBToolManager::wbBaseSize() const { return board_.wbBaseSize; }
+Size VWBToolManager::wbBaseSize() const { return DrawingSettings::shared().wbBaseSize; }
 
-void VWBToolManager::setWbBaseSize(Size wbBaseSize) { board_.wbBaseSize = wbBaseSize; }
+void VWBToolManager::setWbBaseSize(Size wbBaseSize) {
+  DrawingSettings::shared().wbBaseSize = wbBaseSize;
+}
 
 std::uint64_t VWBToolManager::tool() const { return user_.tool; }
 

@@ -2,7 +2,6 @@
 /// The current tool and its settings, the factory of new vectors, coordinate conversion.
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -10,7 +9,7 @@
 #include <vector>
 
 #include "VelWhiteBoard/foundation/export.h"
-#include "VelWhiteBoard/foundation/geometry.h"
+#include "VelWhiteBoard/foundation/values/geometry.h"
 
 namespace VelWhiteBoard {
 
@@ -319,12 +318,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
     std::uint64_t whiteBoardCount = 1;
   };
 
-  /// What only `init` restores.
-  struct BoardSettings {
-    double markerColorAlpha = 0.37;
-    Size wbSize{400.0, 225.0};
-    Size wbBaseSize{400.0, 225.0};
-  };
+  static constexpr double kMarkerColorAlpha = 0.37;
 
   VWBToolManager();
   ~VWBToolManager() = default;
@@ -333,13 +327,8 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   VectorPtr unstampedVector(std::uint64_t type, const std::optional<std::string>& kind) const;
 
   UserSettings user_;
-  BoardSettings board_;
-  // The tables live as long as the process; a change of version points at others.
-  const std::vector<double>* lineWidthArr_ = nullptr;
-  const std::vector<double>* markerWidthArr_ = nullptr;
-  const std::vector<double>* eraserWidthArr_ = nullptr;
-  // The vector manager reads it for its timestamps, from whichever thread asks for one.
-  std::atomic<std::uint64_t> version_{0};
+  /// What only `init` restores, beside the settings that vectors look at themselves.
+  double markerColorAlpha_ = kMarkerColorAlpha;
 };
 
 }  // namespace VelWhiteBoard

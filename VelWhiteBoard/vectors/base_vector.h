@@ -9,11 +9,11 @@
 #include <utility>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/coder.h"
 #include "VelWhiteBoard/foundation/export.h"
-#include "VelWhiteBoard/foundation/model_mapping.h"
-#include "VelWhiteBoard/foundation/record.h"
-#include "VelWhiteBoard/foundation/value.h"
+#include "VelWhiteBoard/foundation/records/coder.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
+#include "VelWhiteBoard/foundation/records/record.h"
+#include "VelWhiteBoard/foundation/values/value.h"
 
 namespace VelWhiteBoard {
 

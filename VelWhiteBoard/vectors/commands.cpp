@@ -1,6 +1,6 @@
 #include "VelWhiteBoard/vectors/commands.h"
 
-#include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
 
 namespace VelWhiteBoard {
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/dictionary_keys.h"
+#include "VelWhiteBoard/foundation/records/dictionary_keys.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 #include "VelWhiteBoard/vectors/commands.h"
 #include "VelWhiteBoard/vectors/diagrams.h"

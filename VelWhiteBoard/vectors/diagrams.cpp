@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/property_table.h"
-#include "VelWhiteBoard/foundation/safe_values.h"
-#include "VelWhiteBoard/tools/tool_manager.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
+#include "VelWhiteBoard/foundation/values/safe_values.h"
+#include "VelWhiteBoard/vectors/drawing_settings.h"
 
 namespace VelWhiteBoard {
 
@@ -52,7 +52,7 @@ void VelWbVecDiagram::merge(const VelWbBaseVector& update) {
 }
 
 double VelWbVecDiagram::lineWidth() const {
-  return lineWidthWith(VWBToolManager::sharedManager().wbSize());
+  return lineWidthWith(DrawingSettings::shared().wbSize);
 }
 
 double VelWbVecDiagram::lineWidthWith(Size size) const {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "VelWhiteBoard/foundation/geometry.h"
+#include "VelWhiteBoard/foundation/values/geometry.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 
 namespace VelWhiteBoard {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
 
 namespace VelWhiteBoard {
 

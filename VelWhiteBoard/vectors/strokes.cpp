@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/property_table.h"
-#include "VelWhiteBoard/foundation/safe_values.h"
-#include "VelWhiteBoard/tools/tool_manager.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
+#include "VelWhiteBoard/foundation/values/safe_values.h"
+#include "VelWhiteBoard/vectors/drawing_settings.h"
 #include "VelWhiteBoard/vectors/vector_defines.h"
 
 namespace VelWhiteBoard {
@@ -134,21 +134,19 @@ void VelWbVecLine::append(const VelWbBaseVector& update) {
   if (offset) ArrayOwner().swap(offset);
 }
 
-double VelWbVecLine::lineWidth() const {
-  return lineWidthWith(VWBToolManager::sharedManager().wbSize());
-}
+double VelWbVecLine::lineWidth() const { return lineWidthWith(DrawingSettings::shared().wbSize); }
 
 double VelWbVecLine::lineWidthWith(Size size) const {
   if (pixel >= 1 && ps >= 1) {
     return size.width * static_cast<double>(pixel) / static_cast<double>(ps);
   }
-  VWBToolManager& tools = VWBToolManager::sharedManager();
-  const double scale = size.width / tools.wbBaseSize().width;
+  const DrawingSettings& settings = DrawingSettings::shared();
+  const double scale = size.width / settings.wbBaseSize.width;
 
   const std::vector<double>* table = nullptr;
-  if (VelWbVectorDefines::isLine(type)) table = &tools.lineWidthArr();
-  if (VelWbVectorDefines::isMarkerPen(type)) table = &tools.markerWidthArr();
-  if (VelWbVectorDefines::isEraser(type)) table = &tools.eraserWidthArr();
+  if (VelWbVectorDefines::isLine(type)) table = &settings.lineWidths();
+  if (VelWbVectorDefines::isMarkerPen(type)) table = &settings.markerWidths();
+  if (VelWbVectorDefines::isEraser(type)) table = &settings.eraserWidths();
   if (table == nullptr) {
     constexpr double kWidthOfOtherTypes = 2.0;
     return kWidthOfOtherTypes * scale;

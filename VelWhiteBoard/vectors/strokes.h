@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "VelWhiteBoard/foundation/geometry.h"
-#include "VelWhiteBoard/foundation/path.h"
+#include "VelWhiteBoard/foundation/values/geometry.h"
+#include "VelWhiteBoard/foundation/values/path.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 
 namespace VelWhiteBoard {

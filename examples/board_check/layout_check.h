@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "VelWhiteBoard/foundation/property_list_writer.h"
+#include "VelWhiteBoard/foundation/plist/property_list_writer.h"
 
 #include "place.h"
 

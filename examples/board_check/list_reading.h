@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/property_list_reader.h"
+#include "VelWhiteBoard/foundation/plist/property_list_reader.h"
 
 #include "file_blocks.h"
 #include "place.h"

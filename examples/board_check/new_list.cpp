@@ -3,8 +3,8 @@
 #include <memory>
 #include <new>
 
-#include "VelWhiteBoard/foundation/file_system.h"
-#include "VelWhiteBoard/foundation/property_list_writer.h"
+#include "VelWhiteBoard/foundation/files/file_system.h"
+#include "VelWhiteBoard/foundation/plist/property_list_writer.h"
 
 #include "recovery.h"
 

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Fails on an #include that points against the arrows of the architecture.
 
-The arrows: foundation <- vectors <- services <- tools <- storage. Headers keep to them strictly.
-Sources of vectors/ and services/ may look at tools/, because a stroke asks the tool settings for its
-width; nothing outside storage/ may look at storage/. The umbrella header is for clients only.
+ROOMS lists the folders of the library from the bottom up, each with the rooms below that it may look
+at beside itself. Nothing points upward, and nothing outside storage/ looks at storage/. The umbrella
+header is for clients only.
 
     check_includes.py ROOT [--public HEADER...]
 
@@ -21,14 +21,25 @@ LIBRARY = "VelWhiteBoard"
 NO_CLIENT = pathlib.PurePath("examples/board_check")
 UMBRELLA = f"{LIBRARY}/VelWhiteBoard.h"
 GENERATED = {f"{LIBRARY}/foundation/export.h"}
-FOLDERS = ["foundation", "vectors", "services", "tools", "storage"]
-
-HEADERS_MAY_INCLUDE = {folder: FOLDERS[: i + 1] for i, folder in enumerate(FOLDERS)}
-SOURCES_MAY_INCLUDE = {
-    **HEADERS_MAY_INCLUDE,
-    "vectors": ["foundation", "vectors", "services", "tools"],
-    "services": ["foundation", "vectors", "services", "tools"],
+FOUNDATION = ["foundation", "foundation/values", "foundation/queue", "foundation/text",
+              "foundation/records", "foundation/json", "foundation/plist", "foundation/files"]
+ROOMS = {
+    "foundation": [],  # the generated header of exports
+    "foundation/values": ["foundation"],
+    "foundation/queue": ["foundation", "foundation/values"],
+    "foundation/text": ["foundation/values"],
+    "foundation/records": ["foundation", "foundation/values", "foundation/text"],
+    "foundation/json": ["foundation/values", "foundation/text", "foundation/records"],
+    "foundation/plist": ["foundation/values", "foundation/text", "foundation/records"],
+    "foundation/files": ["foundation", "foundation/values", "foundation/queue"],
+    "vectors": FOUNDATION,
+    "services": [*FOUNDATION, "vectors"],
+    "tools": [*FOUNDATION, "vectors", "services"],
+    "storage/lists": [*FOUNDATION, "vectors"],
+    "storage/files": [*FOUNDATION, "vectors", "services", "storage/lists"],
+    "storage": [*FOUNDATION, "vectors", "services", "tools", "storage/lists", "storage/files"],
 }
+
 PUBLIC_HEADERS_MAY_SHOW = re.compile(r"nlohmann/")
 
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)
@@ -49,10 +60,13 @@ def is_library(target):
     return target.startswith(f"{LIBRARY}/")
 
 
+def room_of(name):
+    """The room of a file of the library; empty for the umbrella."""
+    return name.rsplit("/", 1)[0].removeprefix(LIBRARY).removeprefix("/")
+
+
 def wrong_within_library(name, target, known):
     """What is wrong with the include of `target` in the library's file `name`, or None."""
-    folder = name.split("/")[1]
-    is_header = name.endswith(".h")
     if not is_library(target):
         return None
     if target not in known and target not in GENERATED:
@@ -61,10 +75,9 @@ def wrong_within_library(name, target, known):
         return None
     if target == UMBRELLA:
         return "the umbrella header is for clients"
-    allowed = (HEADERS_MAY_INCLUDE if is_header else SOURCES_MAY_INCLUDE)[folder]
-    if target.split("/")[1] not in allowed:
-        kind = "a header" if is_header else "a source"
-        return f"{kind} of {folder}/ may include only {', '.join(allowed)}"
+    room = room_of(name)
+    if room_of(target) not in [room, *ROOMS[room]]:
+        return f"{room}/ may include only {', '.join([room, *ROOMS[room]])}"
     return None
 
 
@@ -85,8 +98,8 @@ def violations(root, public):
     known = {f.relative_to(root).as_posix() for f in files}
     for file in files:
         name = file.relative_to(root).as_posix()
-        if name != UMBRELLA and name.split("/")[1] not in FOLDERS:
-            yield f"{name}: belongs to none of the folders {', '.join(FOLDERS)}"
+        if name != UMBRELLA and room_of(name) not in ROOMS:
+            yield f"{name}: stands in none of the rooms {', '.join(ROOMS)}"
             continue
         for line, quote, target in includes_of(file):
             wrong = None

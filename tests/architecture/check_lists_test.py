@@ -13,8 +13,8 @@ class CheckLists(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.root = pathlib.Path(folder.name).resolve()
-        self.write("VelWhiteBoard/CMakeLists.txt", "set(sources\n  foundation/path.cpp\n)\n")
-        self.write("VelWhiteBoard/foundation/path.cpp")
+        self.write("VelWhiteBoard/CMakeLists.txt", "set(sources\n  foundation/values/path.cpp\n)\n")
+        self.write("VelWhiteBoard/foundation/values/path.cpp")
         self.write("tests/CMakeLists.txt", "add_executable(t path_test.cpp)  # old_test.cpp\n")
         self.write("tests/path_test.cpp")
 
@@ -34,8 +34,8 @@ class CheckLists(unittest.TestCase):
         self.assertEqual(self.forgotten(), ["VelWhiteBoard/vectors/strokes.cpp"])
 
     def test_a_forgotten_header_of_the_library_is_named(self):
-        self.write("VelWhiteBoard/foundation/path.h")
-        self.assertEqual(self.forgotten(), ["VelWhiteBoard/foundation/path.h"])
+        self.write("VelWhiteBoard/foundation/values/path.h")
+        self.assertEqual(self.forgotten(), ["VelWhiteBoard/foundation/values/path.h"])
 
     def test_a_name_in_a_comment_does_not_count(self):
         self.write("tests/old_test.cpp")

@@ -1,6 +1,6 @@
 // A name of the base class counts too. Compiled twice: with -DNAME=width it must compile, with
 // -DNAME=x it must not, since the base has an x.
-#include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
 #include "VelWhiteBoard/vectors/strokes.h"
 
 namespace VelWhiteBoard {

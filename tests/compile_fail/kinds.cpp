@@ -1,6 +1,6 @@
 // A member whose type is no kind of property cannot be declared as one. Compiled twice: with
 // -DTYPE=std::int64_t it must compile, with -DTYPE=int it must not.
-#include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
 
 namespace VelWhiteBoard {
 

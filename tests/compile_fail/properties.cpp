@@ -1,7 +1,7 @@
 // Two properties of one record must not share a name: each would overwrite the other in every
 // dictionary and file. Compiled twice: with -DSECOND_NAME=second it must compile, with
 // -DSECOND_NAME=first it must not.
-#include "VelWhiteBoard/foundation/property_table.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
 
 namespace VelWhiteBoard {
 

@@ -25,8 +25,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/clock.h"
-#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 #include "VelWhiteBoard/vectors/commands.h"
 

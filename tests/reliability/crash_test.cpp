@@ -18,7 +18,7 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 #include "tests/reliability/generations.h"

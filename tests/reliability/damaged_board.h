@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/foundation/disk_file_system.h"
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/foundation/files/disk_file_system.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 #include "tests/reliability/generations.h"

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/foundation/file_system.h"
+#include "VelWhiteBoard/foundation/files/file_system.h"
 
 #include "tests/reliability/damaged_board.h"
 

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/foundation/disk_file_system.h"
+#include "VelWhiteBoard/foundation/files/disk_file_system.h"
 
 #include "tests/reliability/board_on_disk.h"
 #include "tests/support/faulty_calls.h"

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <system_error>
 
-#include "VelWhiteBoard/foundation/file_system.h"
-#include "VelWhiteBoard/foundation/model_mapping.h"
-#include "VelWhiteBoard/foundation/property_list_reader.h"
+#include "VelWhiteBoard/foundation/files/file_system.h"
+#include "VelWhiteBoard/foundation/plist/property_list_reader.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
 
 namespace VelWhiteBoard {
 namespace {

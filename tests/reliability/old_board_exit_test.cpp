@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/storage/board_files.h"
+#include "VelWhiteBoard/storage/files/board_files.h"
 
 #include "tests/reliability/generations.h"
 #include "tests/support/temporary_folder.h"

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 #include "tests/reliability/board_on_disk.h"

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/path.h"
-#include "VelWhiteBoard/foundation/property_table.h"
-#include "VelWhiteBoard/foundation/record.h"
-#include "VelWhiteBoard/foundation/value.h"
+#include "VelWhiteBoard/foundation/records/property_table.h"
+#include "VelWhiteBoard/foundation/records/record.h"
+#include "VelWhiteBoard/foundation/values/path.h"
+#include "VelWhiteBoard/foundation/values/value.h"
 
 namespace VelWhiteBoard {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 namespace VelWhiteBoard {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/value.h"
+#include "VelWhiteBoard/foundation/values/value.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 
 namespace VelWhiteBoard {

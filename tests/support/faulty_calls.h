@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/system_calls.h"
+#include "VelWhiteBoard/foundation/files/system_calls.h"
 
 namespace VelWhiteBoard {
 

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/foundation/disk_file_system.h"
-#include "VelWhiteBoard/foundation/system_calls.h"
+#include "VelWhiteBoard/foundation/files/disk_file_system.h"
+#include "VelWhiteBoard/foundation/files/system_calls.h"
 
 #include "tests/support/memory_file_system.h"
 #include "tests/support/temporary_folder.h"

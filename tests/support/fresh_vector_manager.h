@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/services/vector_manager.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <chrono>
 
-#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 
 namespace VelWhiteBoard {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/temporary_file.h"
+#include "VelWhiteBoard/foundation/files/temporary_file.h"
 
 namespace VelWhiteBoard {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/file_system.h"
+#include "VelWhiteBoard/foundation/files/file_system.h"
 
 namespace VelWhiteBoard {
 

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/clock.h"
-#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/services/vector_manager.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 #include "VelWhiteBoard/vectors/strokes.h"

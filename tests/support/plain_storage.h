@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/value.h"
+#include "VelWhiteBoard/foundation/values/value.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/commands.h"
 

@@ -4,7 +4,7 @@
 #include <concepts>
 #include <ostream>
 
-#include "VelWhiteBoard/foundation/record.h"
+#include "VelWhiteBoard/foundation/records/record.h"
 
 namespace VelWhiteBoard {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/property_list_writer.h"
+#include "VelWhiteBoard/foundation/plist/property_list_writer.h"
 
 #include "tests/support/temporary_folder.h"
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "VelWhiteBoard/foundation/property_list_reader.h"
-#include "VelWhiteBoard/foundation/record.h"
-#include "VelWhiteBoard/foundation/value.h"
+#include "VelWhiteBoard/foundation/plist/property_list_reader.h"
+#include "VelWhiteBoard/foundation/records/record.h"
+#include "VelWhiteBoard/foundation/values/value.h"
 
 namespace VelWhiteBoard {
 

@@ -10,9 +10,9 @@
 #include <unistd.h>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/model_mapping.h"
-#include "VelWhiteBoard/foundation/operation_queue.h"
-#include "VelWhiteBoard/foundation/shared_threads.h"
+#include "VelWhiteBoard/foundation/queue/operation_queue.h"
+#include "VelWhiteBoard/foundation/queue/shared_threads.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
 #include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/gate.h"

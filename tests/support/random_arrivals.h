@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-#include "VelWhiteBoard/foundation/value.h"
+#include "VelWhiteBoard/foundation/values/value.h"
 
 namespace VelWhiteBoard {
 

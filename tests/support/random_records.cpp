@@ -12,8 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/dictionary_keys.h"
-#include "VelWhiteBoard/foundation/model_mapping.h"
+#include "VelWhiteBoard/foundation/records/dictionary_keys.h"
+#include "VelWhiteBoard/foundation/records/model_mapping.h"
 #include "VelWhiteBoard/vectors/vector_defines.h"
 
 #include "tests/support/record_classes.h"

@@ -8,9 +8,9 @@
 #include <random>
 #include <string>
 
-#include "VelWhiteBoard/foundation/path.h"
-#include "VelWhiteBoard/foundation/record.h"
-#include "VelWhiteBoard/foundation/value.h"
+#include "VelWhiteBoard/foundation/records/record.h"
+#include "VelWhiteBoard/foundation/values/path.h"
+#include "VelWhiteBoard/foundation/values/value.h"
 
 namespace VelWhiteBoard {
 

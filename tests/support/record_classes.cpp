@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <type_traits>
 
-#include "VelWhiteBoard/foundation/property_visit.h"
+#include "VelWhiteBoard/foundation/records/property_visit.h"
 #include "VelWhiteBoard/services/resources.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 #include "VelWhiteBoard/vectors/commands.h"

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/coder.h"
-#include "VelWhiteBoard/foundation/record.h"
+#include "VelWhiteBoard/foundation/records/coder.h"
+#include "VelWhiteBoard/foundation/records/record.h"
 
 namespace VelWhiteBoard {
 

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "VelWhiteBoard/foundation/clock.h"
+#include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 #include "tests/support/folder_log.h"

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "VelWhiteBoard/foundation/file_system.h"
-#include "VelWhiteBoard/foundation/property_list_reader.h"
+#include "VelWhiteBoard/foundation/files/file_system.h"
+#include "VelWhiteBoard/foundation/plist/property_list_reader.h"
 
 namespace VelWhiteBoard {
 namespace {

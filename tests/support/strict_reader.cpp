@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "VelWhiteBoard/foundation/file_system.h"
+#include "VelWhiteBoard/foundation/files/file_system.h"
 #include "VelWhiteBoard/vectors/commands.h"
 
 #include "tests/support/storage_story.h"

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "VelWhiteBoard/foundation/files/file_system.h"
+
+namespace VelWhiteBoard {
+
+/// What the system tells about one file.
+struct FileInfo {
+  FileKind kind = FileKind::kAbsent;
+  std::uint64_t size = 0;
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;        ///< with `device`: the identity of the file behind a name
+  std::uint64_t links = 0;        ///< how many names the file has
+  std::uint32_t permissions = 0;  ///< the nine read, write and execute bits
+};
+
+/// What a file is opened for. None of these ever waits: a pipe nobody writes to opens at once.
+enum class OpenMode {
+  kRead,          ///< for reading
+  kTemporary,     ///< for reading and writing, made when missing, never through a symbolic link
+  kNewTemporary,  ///< the same, but fails with -EEXIST when anything lies there
+  kLeftover,      ///< for reading and writing, never through a symbolic link, never made
+  kFolder,        ///< a folder, for listing
+};
+
+/// The calls that the disk implementation of FileSystem makes, one function each.
+///
+/// This is the only way to the platform, so that a test can let any single call fail. A call
+/// answers 0 or a positive result, or the negated `errno` value; it makes no second attempt of its
+/// own, so -EINTR is an answer like any other. Paths contain no NUL byte. All may be called from
+/// any thread.
+class SystemCalls {
+ public:
+  virtual ~SystemCalls() = default;
+  SystemCalls(const SystemCalls&) = delete;
+  SystemCalls& operator=(const SystemCalls&) = delete;
+
+  /// The real calls.
+  static SystemCalls& posix();
+
+  /// Stands for the process's own folder where a folder's handle is asked for.
+  static constexpr int kNoFolder = -1;
+
+  /// Answers a handle.
+  virtual int open(const std::string& path, OpenMode mode) = 0;
+  /// Opens the folder `name` in `folder`, unless it is a symbolic link. Answers a handle.
+  virtual int openFolder(int folder, const std::string& name) = 0;
+  virtual int close(int handle) = 0;
+
+  virtual int status(const std::string& path, bool followLinks, FileInfo& info) = 0;
+  virtual int statusOfHandle(int handle, FileInfo& info) = 0;
+
+  /// Answers the number of bytes; 0 is the end of the file.
+  virtual std::int64_t read(int handle, char* bytes, std::size_t size) = 0;
+  /// A hint: all of this memory, which nothing has touched yet, is about to be filled. With it the
+  /// system may hand the memory out in large pages, where every small page costs a fault.
+  virtual void expectFilling(char* memory, std::size_t size) = 0;
+  /// Answers the number of bytes taken, which may be fewer than given.
+  virtual std::int64_t write(int handle, const char* bytes, std::size_t size) = 0;
+  /// Makes the file empty.
+  virtual int truncate(int handle) = 0;
+  virtual int setPermissions(int handle, std::uint32_t permissions) = 0;
+  /// Waits until the file's contents are on the disk.
+  virtual int sync(int handle) = 0;
+  /// Waits until the folder's entries are on the disk.
+  virtual int syncFolder(const std::string& path) = 0;
+
+  /// Takes the lock of this file; -EWOULDBLOCK while it is held through another opening of the
+  /// file, in this process or another. Never waits.
+  virtual int tryLock(int handle) = 0;
+  virtual int unlock(int handle) = 0;
+
+  virtual int rename(const std::string& from, const std::string& to) = 0;
+  /// Renames in one step unless something exists at `to`: that is -EEXIST. -EINVAL or -ENOSYS where
+  /// the volume or the system has no such call.
+  virtual int renameToNew(const std::string& from, const std::string& to) = 0;
+  /// Makes a folder with these permissions, less what the process's umask takes away.
+  virtual int makeFolder(const std::string& path, std::uint32_t permissions) = 0;
+  /// Removes the name `name` in `folder`; `isFolder` says which of the two kinds it must be.
+  virtual int remove(int folder, const std::string& name, bool isFolder) = 0;
+  /// Appends the names in an open folder, without "." and "..".
+  virtual int list(int handle, std::vector<std::string>& names) = 0;
+
+ protected:
+  SystemCalls() = default;
+};
+
+}  // namespace VelWhiteBoard

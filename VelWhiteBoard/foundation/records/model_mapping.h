@@ -1,0 +1,121 @@
+/// @file
+/// Records to and from their dictionary form and JSON text.
+///
+/// The dictionary form of a record is an object whose keys are the names of its properties. Absent
+/// strings and arrays are left out, numbers and booleans are always written; a number that JSON
+/// cannot carry (NaN, infinities) is left out, and is 0 inside a path.
+///
+/// Strings are UTF-8: in both forms U+FFFD takes the place of bytes that are not. The record itself
+/// is not changed.
+///
+/// Reading never fails on a value, it keeps the property's default instead. It is lenient where it
+/// can be without guessing: for a string property a number becomes its shortest decimal text; for a
+/// number property a string that is a JSON number becomes that number and a boolean 0 or 1; a
+/// boolean property takes a number (not 0 is true) and "true" or "false"; null is null, 0 or false.
+/// An integer property cuts a fraction off toward zero and stops at the ends of its range. A
+/// position of a path that is not an array of numbers is dropped. Keys that name no property are
+/// ignored. A property's value that nests arrays and objects deeper than 256 levels is ignored, and
+/// so is what is nested under an unknown key; in a list of records each element is judged by
+/// itself.
+///
+/// An integer in a JSON text that does not fit 64 bits, signed or unsigned, is read as the nearest
+/// real number; a number beyond the range of a double is read as null. A leading byte order mark is
+/// skipped. Half a pair of surrogates is read as U+FFFD.
+///
+/// The class that is read back is chosen by the keys that are there. A number that was left out
+/// because JSON cannot carry it may thus change the class: a diagram whose `radiusX` is NaN comes
+/// back as one without radii, a box of unknown type whose `w` is NaN as a point.
+///
+/// Memory: what cannot get any throws std::bad_alloc; a text or dictionary is never taken for a
+/// damaged one on that account.
+///
+/// Threads: all functions may be called from any thread, on distinct records.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "VelWhiteBoard/foundation/export.h"
+#include "VelWhiteBoard/foundation/records/record.h"
+#include "VelWhiteBoard/foundation/values/value.h"
+
+namespace VelWhiteBoard {
+
+/// A record from its dictionary form, of the class that the decoding rule of `asked` chooses.
+VELWHITEBOARD_EXPORT std::shared_ptr<Record> recordWithDictionary(const RecordClass& asked,
+                                                                  const Dictionary& dictionary);
+/// The same from the text of a JSON object; null when `text` is not one.
+VELWHITEBOARD_EXPORT std::shared_ptr<Record> recordWithJSON(const RecordClass& asked,
+                                                            std::string_view text);
+/// The records of an array, in order; an element that is not a dictionary is skipped.
+VELWHITEBOARD_EXPORT RecordList recordsWithArray(const RecordClass& asked, const Array& array);
+/// The same from the text of a JSON array; empty when `text` is not one.
+VELWHITEBOARD_EXPORT RecordList recordsWithJSON(const RecordClass& asked, std::string_view text);
+
+/// The dictionary form of any record.
+VELWHITEBOARD_EXPORT Dictionary modelToJSONObject(const Record& record);
+/// The dictionary form as one line of JSON, keys in the order in which the class declares them.
+VELWHITEBOARD_EXPORT std::string modelToJSONString(const Record& record);
+/// The same, added at the end of `text`.
+VELWHITEBOARD_EXPORT void appendJSON(const Record& record, std::string& text);
+
+namespace model_mapping {
+
+/// The class whose pointer answers when a `T` was asked for: another class of the family may have
+/// been chosen, so a family says its root by declaring `ModelRoot`.
+template <class T>
+struct Root {
+  using Type = T;
+};
+template <class T>
+requires requires { typename T::ModelRoot; }
+struct Root<T> {
+  using Type = typename T::ModelRoot;
+};
+
+template <class T>
+std::vector<std::shared_ptr<typename Root<T>::Type>> cast(const RecordList& records) {
+  std::vector<std::shared_ptr<typename Root<T>::Type>> list;
+  list.reserve(records.size());
+  for (const auto& record : records) {
+    list.push_back(std::static_pointer_cast<typename Root<T>::Type>(record));
+  }
+  return list;
+}
+
+}  // namespace model_mapping
+
+/// What asking for a `T` answers: `VectorPtr` for every vector class, otherwise `shared_ptr<T>`.
+template <class T>
+using ModelPointer = std::shared_ptr<typename model_mapping::Root<T>::Type>;
+
+/// A record from its dictionary form; never null.
+template <class T>
+ModelPointer<T> modelWithDictionary(const Dictionary& dictionary) {
+  using Root = typename model_mapping::Root<T>::Type;
+  return std::static_pointer_cast<Root>(recordWithDictionary(T::ownClass(), dictionary));
+}
+
+/// A record from the text of a JSON object; null when `text` is not a JSON object.
+template <class T>
+ModelPointer<T> modelWithJSON(std::string_view text) {
+  using Root = typename model_mapping::Root<T>::Type;
+  return std::static_pointer_cast<Root>(recordWithJSON(T::ownClass(), text));
+}
+
+/// The records of an array, in order; an element that is not a dictionary is skipped.
+template <class T>
+std::vector<ModelPointer<T>> modelArrayWithClass(const Array& array) {
+  return model_mapping::cast<T>(recordsWithArray(T::ownClass(), array));
+}
+
+/// The records of the text of a JSON array; empty when `text` is not a JSON array.
+template <class T>
+std::vector<ModelPointer<T>> modelArrayWithJSON(std::string_view text) {
+  return model_mapping::cast<T>(recordsWithJSON(T::ownClass(), text));
+}
+
+}  // namespace VelWhiteBoard
