@@ -50,8 +50,9 @@ def failures(all_targets, measured):
     return [target.what for target in all_targets if target.is_missed_by(measured) > TOLERATED]
 
 
-def as_table(rows):
-    widths = [max(len(each[column]) for each in rows) for column in range(len(rows[0]))]
+def as_table(rows, aligned):
+    """The rows in Markdown; aligned for a terminal, otherwise as narrow as a document wants its lines."""
+    widths = [max(len(each[column]) for each in rows) if aligned else 1 for column in range(len(rows[0]))]
     lines = ["| " + " | ".join(text.ljust(width) for text, width in zip(each, widths)) + " |" for each in rows]
     lines.insert(1, "|" + "|".join("-" * (width + 2) for width in widths) + "|")
     return "\n".join(lines)
@@ -71,11 +72,12 @@ def main():
         sys.exit(__doc__)
     measured = results.Results()
     measured.run_all(pathlib.Path(sys.argv[1]).resolve(), lambda what: print(what, file=sys.stderr, flush=True))
-    table = as_table([["What", "Figure", "Baseline", "Ratio", "Target", "Verdict"],
-                      *(row(target, measured) for target in targets.TARGETS)])
-    print(table)
+    rows = [["What", "Figure", "Baseline", "Ratio", "Target", "Verdict"],
+            *(row(target, measured) for target in targets.TARGETS)]
+    print(as_table(rows, aligned=True))
     for document in map(pathlib.Path, sys.argv[2:]):
-        document.write_text(with_table(document.read_text(encoding="utf-8"), table), encoding="utf-8")
+        text = with_table(document.read_text(encoding="utf-8"), as_table(rows, aligned=False))
+        document.write_text(text, encoding="utf-8")
     for what in failures(targets.TARGETS, measured):
         print(f"missed by more than {TOLERATED:.0%}: {what}", file=sys.stderr)
     return 1 if failures(targets.TARGETS, measured) else 0

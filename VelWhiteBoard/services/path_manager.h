@@ -135,7 +135,7 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
 
  private:
   struct Fields;
-  struct State;
+  struct VELWHITEBOARD_NO_EXPORT State;
 
   VWBPathManager();
   ~VWBPathManager();

@@ -235,7 +235,7 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// @}
 
  private:
-  struct State;
+  struct VELWHITEBOARD_NO_EXPORT State;
 
   VWBVectorStorage();
 

@@ -3,10 +3,22 @@ ci_gcc=build/ci-gcc
 ci_clang=build/ci-clang
 ci_tsan=build/ci-tsan
 
+# check_format_of FILE...: sources as clang-format leaves them. The commit hook asks this too, as the next.
+check_format_of() {
+  [[ $# -eq 0 ]] || clang-format --dry-run -Werror "$@"
+}
+
+# check_documents_of FILE-OR-FOLDER...: documents without lines that are too long.
+check_documents_of() {
+  [[ $# -eq 0 ]] || python3 -B "$root/tests/architecture/check_documents.py" "$@"
+}
+
 check_format() {
   step "Format"
-  find VelWhiteBoard examples tests benchmarks fuzz -name '*.h' -o -name '*.cpp' | sort |
-    xargs clang-format --dry-run -Werror
+  local sources
+  mapfile -t sources < <(find VelWhiteBoard examples tests benchmarks fuzz -name '*.h' -o -name '*.cpp' | sort)
+  check_format_of "${sources[@]}"
+  check_documents_of .
 }
 
 build_with_gcc_without_warnings() {

@@ -67,6 +67,12 @@ class TheReport(unittest.TestCase):
         with self.assertRaises(ValueError):
             report.with_table("no marks", "new")
 
+    def test_a_table_for_a_document_is_not_padded(self):
+        rows = [["What", "Figure"], ["longer than that", "1"]]
+        self.assertEqual(report.as_table(rows, aligned=False),
+                         "| What | Figure |\n|---|---|\n| longer than that | 1 |")
+        self.assertEqual(report.as_table(rows, aligned=True).splitlines()[0], "| What             | Figure |")
+
     def test_every_target_can_be_worked_out(self):
         class Anything:
             def __getitem__(self, name):

@@ -64,8 +64,8 @@ class VELWHITEBOARD_EXPORT Path {
   /// Makes room for a first run of `positions`, so that they are added without growing.
   void reserve(std::size_t positions);
 
-  Iterator begin() const noexcept;
-  Iterator end() const noexcept;
+  inline Iterator begin() const noexcept;
+  inline Iterator end() const noexcept;
 
   void swap(Path& other) noexcept;
 
@@ -85,7 +85,7 @@ class VELWHITEBOARD_EXPORT Path {
    public:
     Shared() noexcept = default;
     explicit Shared(T* object) noexcept : object_(object) {}
-    Shared(const Shared& other) noexcept;
+    VELWHITEBOARD_NO_EXPORT Shared(const Shared& other) noexcept;
     Shared(Shared&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
     Shared& operator=(Shared other) noexcept {
       std::swap(object_, other.object_);
@@ -98,7 +98,7 @@ class VELWHITEBOARD_EXPORT Path {
     T& operator*() const noexcept { return *object_; }
     T* get() const noexcept { return object_; }
     explicit operator bool() const noexcept { return object_ != nullptr; }
-    bool isUnique() const noexcept;
+    VELWHITEBOARD_NO_EXPORT bool isUnique() const noexcept;
 
    private:
     T* object_ = nullptr;
