@@ -123,7 +123,8 @@ class AFault : public ::testing::Test {
  private:
   /// Nothing can be removed, or nobody can ever tell whose file it is.
   static bool mayLeaveATemporary(const Fault& fault) {
-    return fault.call == Call::kRemove || (fault.call == Call::kStatus && fault.times > 1);
+    return fault.call == Call::kRemove || fault.call == Call::kRemoveAll ||
+           (fault.call == Call::kStatus && fault.times > 1);
   }
 
   /// Each file holds what the day before left or what some save of this day meant it to hold.
@@ -223,7 +224,7 @@ TEST_F(AFault, OfARemovalLeavesATemporaryThatTheNextSaveUses) {
   lesson.show(1);
   lesson.draw("a");
   calls.inject(Fault::failingFrom(Call::kSync, 1, EIO));
-  calls.inject(Fault::failingFrom(Call::kRemove, 1, EACCES));
+  calls.inject(Fault::failingFrom(Call::kRemoveAll, 1, EACCES));
   for (int i = 0; i < 10; ++i) lesson.save();
   EXPECT_EQ(namesIn(folder), (std::vector<std::string>{"page.plist", snapName("1_1") + ".tmp",
                                                        wholeName("1_1") + ".tmp"}));

@@ -329,7 +329,7 @@ TEST_F(PathManager, ARemovalThatFailsSaysSo) {
   DiskFileSystem failing(calls);
   const ScopedFileSystem scope(failing);
   put(folder_.at("f"));
-  calls.inject(Fault::failing(Call::kRemove, 1, EACCES));
+  calls.inject(Fault::failing(Call::kRemoveAll, 1, EACCES));
   EXPECT_FALSE(manager_.removeFolderOrFile(folder_.at("f")));
   EXPECT_TRUE(manager_.removeFolderOrFile(folder_.at("f")));
 }

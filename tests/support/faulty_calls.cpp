@@ -8,9 +8,9 @@ namespace VelWhiteBoard {
 
 std::string_view callName(Call call) {
   constexpr std::array<std::string_view, kAllCalls.size()> kNames = {
-      "open",     "openFolder",     "close",      "status",     "read",    "write",
-      "truncate", "setPermissions", "sync",       "syncFolder", "tryLock", "unlock",
-      "rename",   "renameToNew",    "makeFolder", "remove",     "list"};
+      "open",           "close",      "status",     "read",      "write",  "truncate",
+      "setPermissions", "sync",       "syncFolder", "tryLock",   "unlock", "rename",
+      "renameToNew",    "makeFolder", "remove",     "removeAll", "list"};
   return kNames[static_cast<std::size_t>(call)];
 }
 
@@ -102,10 +102,6 @@ int FaultyCalls::open(const std::string& path, OpenMode mode) {
   return opened(through(Call::kOpen, [&] { return real_.open(path, mode); }));
 }
 
-int FaultyCalls::openFolder(int folder, const std::string& name) {
-  return opened(through(Call::kOpenFolder, [&] { return real_.openFolder(folder, name); }));
-}
-
 int FaultyCalls::close(int handle) {
   const auto fault = meet(Call::kClose);
   {
@@ -180,8 +176,12 @@ int FaultyCalls::makeFolder(const std::string& path, std::uint32_t permissions) 
   return through(Call::kMakeFolder, [&] { return real_.makeFolder(path, permissions); });
 }
 
-int FaultyCalls::remove(int folder, const std::string& name, bool isFolder) {
-  return through(Call::kRemove, [&] { return real_.remove(folder, name, isFolder); });
+int FaultyCalls::remove(const std::string& path) {
+  return through(Call::kRemove, [&] { return real_.remove(path); });
+}
+
+int FaultyCalls::removeAll(const std::string& path) {
+  return through(Call::kRemoveAll, [&] { return real_.removeAll(path); });
 }
 
 int FaultyCalls::list(int handle, std::vector<std::string>& names) {

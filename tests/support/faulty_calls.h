@@ -20,7 +20,6 @@ namespace VelWhiteBoard {
 /// that ask for a status are one kind.
 enum class Call {
   kOpen,
-  kOpenFolder,
   kClose,
   kStatus,
   kRead,
@@ -35,14 +34,16 @@ enum class Call {
   kRenameToNew,
   kMakeFolder,
   kRemove,
+  kRemoveAll,
   kList,
 };
 
 inline constexpr std::array kAllCalls = {
-    Call::kOpen,    Call::kOpenFolder, Call::kClose,          Call::kStatus,      Call::kRead,
-    Call::kWrite,   Call::kTruncate,   Call::kSetPermissions, Call::kSync,        Call::kSyncFolder,
-    Call::kTryLock, Call::kUnlock,     Call::kRename,         Call::kRenameToNew, Call::kMakeFolder,
-    Call::kRemove,  Call::kList};
+    Call::kOpen,        Call::kClose,      Call::kStatus,         Call::kRead,
+    Call::kWrite,       Call::kTruncate,   Call::kSetPermissions, Call::kSync,
+    Call::kSyncFolder,  Call::kTryLock,    Call::kUnlock,         Call::kRename,
+    Call::kRenameToNew, Call::kMakeFolder, Call::kRemove,         Call::kRemoveAll,
+    Call::kList};
 
 std::string_view callName(Call call);
 
@@ -96,7 +97,6 @@ class FaultyCalls final : public SystemCalls {
   std::size_t mostOpenHandles() const;
 
   int open(const std::string& path, OpenMode mode) override;
-  int openFolder(int folder, const std::string& name) override;
   int close(int handle) override;
   int status(const std::string& path, bool followLinks, FileInfo& info) override;
   int statusOfHandle(int handle, FileInfo& info) override;
@@ -112,7 +112,8 @@ class FaultyCalls final : public SystemCalls {
   int rename(const std::string& from, const std::string& to) override;
   int renameToNew(const std::string& from, const std::string& to) override;
   int makeFolder(const std::string& path, std::uint32_t permissions) override;
-  int remove(int folder, const std::string& name, bool isFolder) override;
+  int remove(const std::string& path) override;
+  int removeAll(const std::string& path) override;
   int list(int handle, std::vector<std::string>& names) override;
 
  private:

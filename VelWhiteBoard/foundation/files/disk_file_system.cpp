@@ -6,10 +6,10 @@
 #include <limits>
 #include <memory>
 #include <new>
+#include <string_view>
 
 #include "VelWhiteBoard/foundation/files/atomic_write.h"
 #include "VelWhiteBoard/foundation/files/open_handle.h"
-#include "VelWhiteBoard/foundation/files/remove_tree.h"
 #include "VelWhiteBoard/foundation/files/temporary_file.h"
 
 namespace VelWhiteBoard {
@@ -22,6 +22,12 @@ constexpr std::uint32_t kPrivatePermissions = 0700;
 // A NUL byte would silently cut the path for the system: another file than the one asked for.
 bool namesSomething(const std::string& path) {
   return !path.empty() && path.find('\0') == std::string::npos;
+}
+
+// The root and "." and ".." stay: emptying them would be half a deed, and a bad one.
+bool isRemovable(std::string_view path) {
+  const std::string_view last = path.substr(path.find_last_of('/') + 1);
+  return !last.empty() && last != "." && last != "..";
 }
 
 FileResult namesNothing(FileStep step, const std::string& path) {
@@ -176,7 +182,12 @@ FileResult DiskFileSystem::writeAtomically(const std::string& path,
 
 FileResult DiskFileSystem::removeRecursively(const std::string& path) {
   if (!namesSomething(path)) return FileResult::success();
-  return RemoveTree(calls_, path).run();
+  const std::string entry(withoutTrailingSeparators(path));  // "link/" would be what it leads to
+  if (!isRemovable(entry)) return FileResult::failure(FileStep::kRemove, EINVAL, path);
+  const int result = uninterrupted([&] { return calls_.removeAll(entry); });
+  // A path that leads through a file has nothing at its end.
+  if (result >= 0 || result == -ENOTDIR) return FileResult::success();
+  return FileResult::failure(FileStep::kRemove, -result, path);
 }
 
 FileResult DiskFileSystem::list(const std::string& path, std::vector<std::string>& names) {

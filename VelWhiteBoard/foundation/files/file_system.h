@@ -142,8 +142,10 @@ class FileSystem {
   virtual FileResult writeAtomically(const std::string& path, const ContentProducer& produce) = 0;
 
   /// Removes a file, or a folder with all that it contains; symbolic links are removed, never
-  /// followed. Nothing at `path` is a success. What cannot be removed is left, the rest goes, and
-  /// the first failure is reported. A path that ends in "." or "..", or is the root, is refused.
+  /// followed. Nothing at `path` is a success. The first failure ends the removal: what has not
+  /// been removed by then stays. A handle is open for each level, so a folder that is nested deeper
+  /// than the limit of handles cannot be removed. A path that ends in "." or "..", or is the root,
+  /// is refused.
   virtual FileResult removeRecursively(const std::string& path) = 0;
 
   /// Appends the names of a folder's entries to `names`, one level, without "." and "..", in the

@@ -5,11 +5,13 @@
 #include <cstdio>
 #include <dirent.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <memory>
 #include <string_view>
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "VelWhiteBoard/foundation/files/system_calls.h"
@@ -44,8 +46,6 @@ int openFlags(OpenMode mode) {
   return O_RDONLY | kAlways;
 }
 
-int platformFolder(int folder) { return folder == SystemCalls::kNoFolder ? AT_FDCWD : folder; }
-
 FileInfo fromStat(const struct stat& from) {
   FileInfo info;
   info.kind = S_ISREG(from.st_mode)   ? FileKind::kFile
@@ -63,11 +63,6 @@ class PosixCalls final : public SystemCalls {
  public:
   int open(const std::string& path, OpenMode mode) override {
     return negatedError(::open(path.c_str(), openFlags(mode), kNewFileMode));
-  }
-
-  int openFolder(int folder, const std::string& name) override {
-    return negatedError(::openat(platformFolder(folder), name.c_str(),
-                                 O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
   }
 
   int close(int handle) override { return negatedError(::close(handle)); }
@@ -148,9 +143,12 @@ class PosixCalls final : public SystemCalls {
     return negatedError(::mkdir(path.c_str(), static_cast<mode_t>(permissions)));
   }
 
-  int remove(int folder, const std::string& name, bool isFolder) override {
-    return negatedError(
-        ::unlinkat(platformFolder(folder), name.c_str(), isFolder ? AT_REMOVEDIR : 0));
+  int remove(const std::string& path) override { return negatedError(::unlink(path.c_str())); }
+
+  int removeAll(const std::string& path) override {
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+    return -error.value();
   }
 
   int list(int handle, std::vector<std::string>& names) override {

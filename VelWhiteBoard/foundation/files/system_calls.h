@@ -43,13 +43,8 @@ class SystemCalls {
   /// The real calls.
   static SystemCalls& posix();
 
-  /// Stands for the process's own folder where a folder's handle is asked for.
-  static constexpr int kNoFolder = -1;
-
   /// Answers a handle.
   virtual int open(const std::string& path, OpenMode mode) = 0;
-  /// Opens the folder `name` in `folder`, unless it is a symbolic link. Answers a handle.
-  virtual int openFolder(int folder, const std::string& name) = 0;
   virtual int close(int handle) = 0;
 
   virtual int status(const std::string& path, bool followLinks, FileInfo& info) = 0;
@@ -81,8 +76,11 @@ class SystemCalls {
   virtual int renameToNew(const std::string& from, const std::string& to) = 0;
   /// Makes a folder with these permissions, less what the process's umask takes away.
   virtual int makeFolder(const std::string& path, std::uint32_t permissions) = 0;
-  /// Removes the name `name` in `folder`; `isFolder` says which of the two kinds it must be.
-  virtual int remove(int folder, const std::string& name, bool isFolder) = 0;
+  /// Removes a file's name.
+  virtual int remove(const std::string& path) = 0;
+  /// Removes a file, or a folder with all that it contains, until the first failure. Symbolic links
+  /// are removed, never followed. 0 when nothing exists there. One handle is open for each level.
+  virtual int removeAll(const std::string& path) = 0;
   /// Appends the names in an open folder, without "." and "..".
   virtual int list(int handle, std::vector<std::string>& names) = 0;
 

@@ -52,7 +52,7 @@ int leadsElsewhere(SystemCalls& calls, const std::string& path, const FileInfo& 
 }
 
 int removeFile(SystemCalls& calls, const std::string& path) {
-  return uninterrupted([&] { return calls.remove(SystemCalls::kNoFolder, path, false); });
+  return uninterrupted([&] { return calls.remove(path); });
 }
 
 }  // namespace
