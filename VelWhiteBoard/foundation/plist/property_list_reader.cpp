@@ -10,43 +10,13 @@
 
 #include <expat.h>
 
+#include "VelWhiteBoard/foundation/plist/list_element.h"
 #include "VelWhiteBoard/foundation/plist/record_draft.h"
 #include "VelWhiteBoard/foundation/plist/value_builder.h"
-#include "VelWhiteBoard/foundation/text/number_text.h"
 
 namespace VelWhiteBoard {
 
 namespace {
-
-enum class Element { plist, array, dict, key, string, integer, real, yes, no, date, data, unknown };
-
-Element elementNamed(std::string_view name) {
-  using enum Element;
-  if (name == "real") return real;
-  if (name == "array") return array;
-  if (name == "key") return key;
-  if (name == "string") return string;
-  if (name == "integer") return integer;
-  if (name == "dict") return dict;
-  if (name == "true") return yes;
-  if (name == "false") return no;
-  if (name == "date") return date;
-  if (name == "data") return data;
-  if (name == "plist") return plist;
-  return unknown;
-}
-
-bool isContainer(Element element) { return element == Element::array || element == Element::dict; }
-
-bool isBlank(std::string_view text) {
-  return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
-}
-
-std::string_view trimmed(std::string_view text) {
-  const auto start = text.find_first_not_of(" \t\r\n");
-  if (start == std::string_view::npos) return {};
-  return text.substr(start, text.find_last_not_of(" \t\r\n") - start + 1);
-}
 
 /// What an open element is for.
 enum class Purpose : std::uint8_t {
@@ -139,7 +109,7 @@ class PropertyListReader::Parser {
     }
   }
   static void onStart(void* self, const XML_Char* name, const XML_Char**) {
-    guarded(self, [name](Parser& parser) { parser.start(elementNamed(name)); });
+    guarded(self, [name](Parser& parser) { parser.start(listElementNamed(name)); });
   }
   static void onEnd(void* self, const XML_Char*) {
     guarded(self, [](Parser& parser) { parser.end(); });
@@ -182,27 +152,30 @@ class PropertyListReader::Parser {
 
   // Elements.
 
-  void start(Element element) {
+  void start(ListElement element) {
     if (leaf_) return fail("an element stands inside a text");
     if (open_.empty()) return startDocument(element);
-    if (element == Element::unknown || element == Element::plist) {
+    if (element == ListElement::unknown || element == ListElement::plist) {
       return fail("not an element of property lists");
     }
     OpenContainer& parent = open_.back();
     if (parent.purpose == Purpose::document && std::exchange(hasTop_, true)) {
       return fail("a second value stands at the top");
     }
-    if (parent.isDict && parent.hasKey == (element == Element::key)) {
+    if (parent.isDict && parent.hasKey == (element == ListElement::key)) {
       return fail(parent.hasKey ? "a key has no value" : "a value has no key");
     }
-    if (!parent.isDict && element == Element::key) return fail("a key stands outside a dictionary");
-    if (isContainer(element)) return startContainer(parent, element == Element::dict);
+    if (!parent.isDict && element == ListElement::key)
+      return fail("a key stands outside a dictionary");
+    if (element == ListElement::array || element == ListElement::dict) {
+      return startContainer(parent, element == ListElement::dict);
+    }
     leaf_ = element;
     text_.clear();
   }
 
-  void startDocument(Element element) {
-    if (element != Element::plist) return fail("the document is not a property list");
+  void startDocument(ListElement element) {
+    if (element != ListElement::plist) return fail("the document is not a property list");
     open_.push_back({Purpose::document, false});
   }
 
@@ -267,7 +240,7 @@ class PropertyListReader::Parser {
 
   void end() {
     if (leaf_) {
-      const Element element = *std::exchange(leaf_, std::nullopt);
+      const ListElement element = *std::exchange(leaf_, std::nullopt);
       return endLeaf(element);
     }
     const OpenContainer closed = open_.back();
@@ -312,16 +285,16 @@ class PropertyListReader::Parser {
     }
   }
 
-  void endLeaf(Element element) {
+  void endLeaf(ListElement element) {
     OpenContainer& parent = open_.back();
     if (parent.purpose == Purpose::document) return fail("the top of the list is not an array");
-    if (element == Element::key) return takeKey(parent);
+    if (element == ListElement::key) return takeKey(parent);
     parent.hasKey = false;
-    const std::optional<Scalar> scalar = scalarWithText(element);
-    if (stopped_) return;
+    const auto [scalar, error] = valueOfElement(element, text_);
+    if (!error.empty()) return fail(error);
     switch (parent.purpose) {
       case Purpose::record:
-        if (element == Element::string) return draft_.setText(text_);
+        if (element == ListElement::string) return draft_.setText(text_);
         return scalar ? draft_.setScalar(*scalar) : draft_.setNothing();
       case Purpose::position:
         return addCoordinate(scalar);
@@ -339,42 +312,11 @@ class PropertyListReader::Parser {
   }
 
   void addCoordinate(const std::optional<Scalar>& scalar) {
-    std::optional<double> number;
-    if (scalar) {
-      if (const auto* real = std::get_if<double>(&*scalar)) number = *real;
-      if (const auto* whole = std::get_if<std::int64_t>(&*scalar)) {
-        number = static_cast<double>(*whole);
-      }
-      if (const auto* natural = std::get_if<std::uint64_t>(&*scalar)) {
-        number = static_cast<double>(*natural);
-      }
-    }
+    const auto number = scalar ? numberIn(*scalar) : std::nullopt;
     if (number) {
       position_.push_back(*number);
     } else {
       positionIsSound_ = false;
-    }
-  }
-
-  /// The value of the element that just ended; absent for dates and data, which no property holds.
-  std::optional<Scalar> scalarWithText(Element element) {
-    switch (element) {
-      case Element::string:
-        return Scalar(std::string_view(text_));
-      case Element::real:
-        if (const auto number = realWithPropertyList(trimmed(text_))) return Scalar(*number);
-        if (!isRealInPropertyList(trimmed(text_))) fail("malformed real number");
-        return std::nullopt;  // beyond the range of a double
-      case Element::integer:
-        if (const auto number = integerWithPropertyList(trimmed(text_))) return number;
-        fail("malformed integer");
-        return std::nullopt;
-      case Element::yes:
-      case Element::no:
-        if (!isBlank(text_)) fail("a boolean element must be empty");
-        return Scalar(element == Element::yes);
-      default:
-        return std::nullopt;
     }
   }
 
@@ -385,7 +327,7 @@ class PropertyListReader::Parser {
   std::vector<double> position_;
   bool positionIsSound_ = true;
   std::vector<OpenContainer> open_;
-  std::optional<Element> leaf_;
+  std::optional<ListElement> leaf_;
   std::string text_;
   bool hasTop_ = false;
   bool stopped_ = false;

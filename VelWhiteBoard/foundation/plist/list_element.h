@@ -1,0 +1,45 @@
+/// @file
+/// The elements of a property list, and the values they spell.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "VelWhiteBoard/foundation/values/scalar.h"
+
+namespace VelWhiteBoard {
+
+enum class ListElement {
+  plist,
+  array,
+  dict,
+  key,
+  string,
+  integer,
+  real,
+  yes,
+  no,
+  date,
+  data,
+  unknown,
+};
+
+ListElement listElementNamed(std::string_view name);
+
+/// Whether XML takes the text for white space.
+bool isBlank(std::string_view text);
+
+/// What an element's text spells. `scalar` is absent for dates, data and reals beyond the range of
+/// a double, which no property holds. `error` says what is malformed; empty when nothing is.
+struct ElementValue {
+  std::optional<Scalar> scalar;
+  std::string_view error;
+};
+
+/// The value of an element that is neither a container nor a key. A string refers to `text`.
+ElementValue valueOfElement(ListElement element, std::string_view text);
+
+/// The number that a scalar holds; absent for anything else, booleans included.
+std::optional<double> numberIn(const Scalar& scalar);
+
+}  // namespace VelWhiteBoard
