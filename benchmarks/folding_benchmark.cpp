@@ -44,7 +44,7 @@ void foldIntoPlainBoard(benchmark::State& state, const std::vector<std::string>&
 void foldIntoStorage(benchmark::State& state, const std::vector<std::string>& texts) {
   for (auto _ : state) {
     state.PauseTiming();
-    auto folder = std::make_unique<Folder>();
+    auto folder = std::make_unique<Folder>(parentInMemory());
     auto storage = recordingStorage(*folder);
     state.ResumeTiming();
     saveTexts(texts, *storage);
@@ -79,7 +79,7 @@ void saveVectorAlone(benchmark::State& state) {
   const auto& texts = strokeOf(state.range(0));
   for (auto _ : state) {
     state.PauseTiming();
-    auto folder = std::make_unique<Folder>();
+    auto folder = std::make_unique<Folder>(parentInMemory());
     auto storage = recordingStorage(*folder);
     VectorList pieces = decoded(texts);
     state.ResumeTiming();

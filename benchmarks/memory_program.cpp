@@ -35,7 +35,7 @@ void longStroke() {
 // Everything that a piece adds: its place in the log, and its position in the stroke besides.
 void loggedPieces() {
   constexpr std::size_t kPieces = 100'000;
-  const Folder folder;
+  const Folder folder(parentInMemory());
   const auto storage = recordingStorage(folder);
   const std::size_t before = memoryInUse();
   for (std::size_t index = 0; index < kPieces; ++index) {
@@ -56,7 +56,7 @@ std::size_t threads() {
 
 void manyBoards() {
   constexpr std::size_t kBoards = 10'000;
-  const Folder folder;
+  const Folder folder(parentInMemory());
   std::vector<std::shared_ptr<VWBVectorStorage>> boards;
   boards.reserve(kBoards);
   const std::size_t before = memoryInUse();

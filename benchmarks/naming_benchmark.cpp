@@ -22,7 +22,7 @@ VectorPtr unnamedLine() {
 void save(benchmark::State& state, bool areOnAPage) {
   const SteppedClock clock;  // stands still, so that no save falls due
   const ScopedClock scope(clock);
-  const Folder folder;
+  const Folder folder(parentInMemory());
   const auto storage = recordingStorage(folder);
   std::unordered_map<std::string, VectorList> lists;
   for (std::uint64_t number = 2; number <= static_cast<std::uint64_t>(state.range(0)); ++number) {

@@ -39,7 +39,7 @@ class Longest {
 void drawBesideABatch(benchmark::State& state) {
   const auto texts = lessonTexts(kStrokes, kPiecesOfAStroke, 0, 0, 0);
   for (auto _ : state) {
-    const Folder folder;
+    const Folder folder(parentInMemory());
     const auto storage = recordingStorage(folder);
     const VectorList batch = decoded(texts);
     std::atomic<bool> isDone = false;
