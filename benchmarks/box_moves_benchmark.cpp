@@ -9,7 +9,7 @@ namespace {
 constexpr std::size_t kBoxes = 10'000;
 
 void moveOfABoxAmongTenThousand(benchmark::State& state) {
-  Folder folder;
+  Folder folder(parentInMemory());
   const auto storage = recordingStorage(folder);
   saveTexts(lessonTexts(0, 0, kBoxes, 0, 0), *storage);
   const VectorList moves = decoded(lessonTexts(0, 0, kBoxes, 1, 0));

@@ -1,11 +1,12 @@
 // JSON text of pieces in, decoded and saved: one stroke, and a lesson page.
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
-#include "benchmarks/plain_fold.h"
+#include "benchmarks/plain_board.h"
 #include "benchmarks/workload.h"
 
 namespace benchmarks {
@@ -27,10 +28,15 @@ void countPieces(benchmark::State& state, std::size_t pieces) {
   state.SetItemsProcessed(static_cast<std::int64_t>(pieces) * state.iterations());
 }
 
-void foldPlainly(benchmark::State& state, const std::vector<std::string>& texts) {
+void foldIntoPlainBoard(benchmark::State& state, const std::vector<std::string>& texts) {
   for (auto _ : state) {
-    PlainFold fold;
-    for (const std::string& text : texts) fold.take(text);
+    state.PauseTiming();
+    auto board = std::make_unique<PlainBoard>();
+    state.ResumeTiming();
+    for (const std::string& text : texts) board->take(text);
+    state.PauseTiming();
+    board.reset();
+    state.ResumeTiming();
   }
   countPieces(state, texts.size());
 }
@@ -38,20 +44,23 @@ void foldPlainly(benchmark::State& state, const std::vector<std::string>& texts)
 void foldIntoStorage(benchmark::State& state, const std::vector<std::string>& texts) {
   for (auto _ : state) {
     state.PauseTiming();
-    Folder folder;
-    auto storage = recordingStorage(folder);
+    auto folder = std::make_unique<Folder>(parentInMemory());
+    auto storage = recordingStorage(*folder);
     state.ResumeTiming();
     saveTexts(texts, *storage);
     state.PauseTiming();
     storage.reset();
+    folder.reset();
     state.ResumeTiming();
   }
   countPieces(state, texts.size());
 }
 
-void strokeIntoPlainFold(benchmark::State& state) { foldPlainly(state, strokeOf(state.range(0))); }
-BENCHMARK(strokeIntoPlainFold)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
-BENCHMARK(strokeIntoPlainFold)->Arg(1'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
+void strokeIntoPlainBoard(benchmark::State& state) {
+  foldIntoPlainBoard(state, strokeOf(state.range(0)));
+}
+BENCHMARK(strokeIntoPlainBoard)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(strokeIntoPlainBoard)->Arg(1'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 void strokeIntoStorage(benchmark::State& state) {
   foldIntoStorage(state, strokeOf(state.range(0)));
@@ -59,8 +68,8 @@ void strokeIntoStorage(benchmark::State& state) {
 BENCHMARK(strokeIntoStorage)->Arg(10'000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(strokeIntoStorage)->Arg(1'000'000)->Iterations(1)->Unit(benchmark::kMillisecond);
 
-void lessonIntoPlainFold(benchmark::State& state) { foldPlainly(state, lessonPage()); }
-BENCHMARK(lessonIntoPlainFold)->Unit(benchmark::kMillisecond);
+void lessonIntoPlainBoard(benchmark::State& state) { foldIntoPlainBoard(state, lessonPage()); }
+BENCHMARK(lessonIntoPlainBoard)->Unit(benchmark::kMillisecond);
 
 void lessonIntoStorage(benchmark::State& state) { foldIntoStorage(state, lessonPage()); }
 BENCHMARK(lessonIntoStorage)->Unit(benchmark::kMillisecond);
@@ -70,13 +79,14 @@ void saveVectorAlone(benchmark::State& state) {
   const auto& texts = strokeOf(state.range(0));
   for (auto _ : state) {
     state.PauseTiming();
-    Folder folder;
-    auto storage = recordingStorage(folder);
+    auto folder = std::make_unique<Folder>(parentInMemory());
+    auto storage = recordingStorage(*folder);
     VectorList pieces = decoded(texts);
     state.ResumeTiming();
     for (const VectorPtr& piece : pieces) storage->saveVector(piece);
     state.PauseTiming();
     storage.reset();
+    folder.reset();
     pieces.clear();
     state.ResumeTiming();
   }

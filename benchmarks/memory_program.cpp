@@ -1,11 +1,15 @@
-// How much memory strokes, logs, boards and the loading of a page take. Prints one figure a line.
+// How much memory strokes, logs, boards, batches and the loading of a page take, and how many
+// threads and file handles. Prints one figure a line.
+#include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "benchmarks/counted_memory.h"
+#include "benchmarks/page_batches.h"
 #include "benchmarks/written_board.h"
 
 namespace benchmarks {
@@ -31,7 +35,7 @@ void longStroke() {
 // Everything that a piece adds: its place in the log, and its position in the stroke besides.
 void loggedPieces() {
   constexpr std::size_t kPieces = 100'000;
-  const Folder folder;
+  const Folder folder(parentInMemory());
   const auto storage = recordingStorage(folder);
   const std::size_t before = memoryInUse();
   for (std::size_t index = 0; index < kPieces; ++index) {
@@ -52,7 +56,7 @@ std::size_t threads() {
 
 void manyBoards() {
   constexpr std::size_t kBoards = 10'000;
-  const Folder folder;
+  const Folder folder(parentInMemory());
   std::vector<std::shared_ptr<VWBVectorStorage>> boards;
   boards.reserve(kBoards);
   const std::size_t before = memoryInUse();
@@ -81,6 +85,45 @@ void loading() {
   print("peak_bytes_beyond_the_records", peak - memoryInUse());
 }
 
+// Beyond the records, which the client has made.
+void batches(const char* name, Writes writes) {
+  for (const std::int64_t pages : {200, 800}) {
+    PageBatches batches(pages, writes);
+    const std::size_t before = memoryInUse();
+    forgetPeakMemory();
+    batches.append();
+    const std::string figure = name + std::to_string(pages);
+    print(figure.c_str(), peakMemory() - before, static_cast<std::size_t>(pages));
+  }
+}
+
+/// Number of open file handles of this process; 0 where the system does not tell.
+std::size_t openHandles() {
+  std::error_code unknown;
+  std::filesystem::directory_iterator handles("/proc/self/fd", unknown);
+  return static_cast<std::size_t>(std::distance(begin(handles), end(handles)));
+}
+
+void manyPages() {
+  constexpr std::uint64_t kPages = 100;
+  const Folder folder(parentInMemory());
+  const auto visit = [&folder](bool draws) {
+    const auto storage = VWBVectorStorage::initWithPath(folder.path());
+    storage->setIgnoreChanges(false);
+    for (std::uint64_t number = 1; number <= kPages; ++number) {
+      storage->switchPage(page(number));
+      if (draws) saveTexts({pieceText("u1_100", 0)}, *storage);
+    }
+    storage->saveFile(true);
+    return storage;
+  };
+  visit(true)->saveQueue()->waitUntilAllOperationsAreFinished();
+  const std::size_t before = openHandles();
+  const auto storage = visit(false);
+  storage->saveQueue()->waitUntilAllOperationsAreFinished();
+  print("handles_after_100_pages", openHandles() - before);
+}
+
 }  // namespace
 }  // namespace benchmarks
 
@@ -89,4 +132,8 @@ int main() {
   benchmarks::loggedPieces();
   benchmarks::manyBoards();
   benchmarks::loading();
+  benchmarks::batches("bytes_of_a_batch_awaited/", benchmarks::Writes::kAwaited);
+  benchmarks::batches("bytes_of_a_batch_written_meanwhile/", benchmarks::Writes::kRunning);
+  benchmarks::batches("bytes_of_a_batch_held_up/", benchmarks::Writes::kHeldUp);
+  benchmarks::manyPages();
 }

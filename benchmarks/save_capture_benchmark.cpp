@@ -36,7 +36,7 @@ class CapturedPage {
   VWBVectorStorage& storage() { return *storage_; }
 
  private:
-  Folder folder_;
+  Folder folder_{parentInMemory()};
   std::size_t strokes_;
   std::shared_ptr<VWBVectorStorage> storage_;
   double time_ = kLessonStart + 100'000;

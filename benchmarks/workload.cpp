@@ -107,12 +107,16 @@ std::shared_ptr<VelWbVecSwitchPage> page(std::uint64_t number) {
   return record;
 }
 
-Folder::Folder() {
+std::filesystem::path parentInMemory() {
+  const std::filesystem::path shared = "/dev/shm";
+  return std::filesystem::is_directory(shared) ? shared : std::filesystem::temp_directory_path();
+}
+
+Folder::Folder(const std::filesystem::path& parent) {
   static std::atomic<int> count{0};
-  path_ = std::filesystem::temp_directory_path() /
-          ("VelWhiteBoard-benchmark-" +
-           std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()) + "-" +
-           std::to_string(count++));
+  path_ = parent / ("VelWhiteBoard-benchmark-" +
+                    std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()) +
+                    "-" + std::to_string(count++));
   std::filesystem::create_directories(path_);
 }
 

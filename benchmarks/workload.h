@@ -48,10 +48,13 @@ void saveTexts(const std::vector<std::string>& texts, VWBVectorStorage& storage)
 /// A page switch.
 std::shared_ptr<VelWbVecSwitchPage> page(std::uint64_t number);
 
+/// A folder whose files are in memory, where the system has one: syncing them costs nothing.
+std::filesystem::path parentInMemory();
+
 /// A folder of its own that goes with the object.
 class Folder {
  public:
-  Folder();
+  explicit Folder(const std::filesystem::path& parent = std::filesystem::temp_directory_path());
   ~Folder();
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;

@@ -4,8 +4,9 @@ library_packages=(build-essential cmake ninja-build pkg-config
   nlohmann-json3-dev libsimdjson-dev libexpat1-dev)
 example_packages=(libcli11-dev libcairo2-dev fonts-dejavu-core)
 test_packages=(libgtest-dev libgmock-dev locales python3 valgrind)
-bench_packages=(libbenchmark-dev python3)
-check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev)
+bench_packages=(libbenchmark-dev libsqlite3-dev python3)
+check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev
+  libsqlite3-dev)
 
 # need_packages NAME...: installs what is missing. Asks nothing; reaches the network only if something
 # is missing.
