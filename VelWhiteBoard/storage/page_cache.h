@@ -63,6 +63,14 @@ class PageCache {
   }
   /// A vector's identifier has been given or taken back: tells the lists that have it.
   void hasBeenNamed(const VelWbBaseVector& vector) noexcept {
+    if (vector.ID) {
+      // A list that has been told is no longer in the register for this vector.
+      for (auto found = unnamed_.find(&vector); found != unnamed_.end();
+           found = unnamed_.find(&vector)) {
+        found->second->hasBeenNamed(vector);
+      }
+      return;
+    }
     for (auto& [key, page] : pages_) {
       if (page.snap) page.snap->hasBeenNamed(vector);
     }

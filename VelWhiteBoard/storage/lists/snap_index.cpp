@@ -12,28 +12,32 @@ bool isMagnifier(const VelWbBaseVector& vector) noexcept {
   return vector.type == VelWBVectorStrMagnifier;
 }
 
-void uncount(UnnamedEntries& entries, const VelWbBaseVector* vector) noexcept {
-  const auto found = entries.find(vector);
-  if (found != entries.end() && --found->second == 0) entries.erase(found);
-}
-
 }  // namespace
 
-void SnapIndex::attach(UnnamedEntries& unnamed) {
+void SnapIndex::attach(UnnamedEntries& unnamed, SnapList& list) {
+  register_ = &unnamed;
+  list_ = &list;
   auto next = unnamed_.begin();
   try {
-    for (; next != unnamed_.end(); ++next) ++unnamed[next->first];
+    for (; next != unnamed_.end(); ++next) unnamed.emplace(next->first, list_);
   } catch (...) {
-    for (auto each = unnamed_.begin(); each != next; ++each) uncount(unnamed, each->first);
+    for (auto each = unnamed_.begin(); each != next; ++each) unregister(each->first);
+    register_ = nullptr;
     throw;
   }
-  counted_ = &unnamed;
 }
 
 void SnapIndex::detach() noexcept {
-  if (counted_ == nullptr) return;
-  for (const auto& entry : unnamed_) uncount(*counted_, entry.first);
-  counted_ = nullptr;
+  if (register_ == nullptr) return;
+  for (const auto& entry : unnamed_) unregister(entry.first);
+  register_ = nullptr;
+}
+
+void SnapIndex::unregister(const VelWbBaseVector* vector) noexcept {
+  if (register_ == nullptr) return;
+  const auto [first, last] = register_->equal_range(vector);
+  const auto found = std::find_if(first, last, [this](const auto& e) { return e.second == list_; });
+  if (found != last) register_->erase(found);
 }
 
 void SnapIndex::add(const VelWbBaseVector& vector, Place place) {
@@ -56,9 +60,9 @@ void SnapIndex::addNamed(std::size_t hash, Place place) {
 
 void SnapIndex::addUnnamed(const VelWbBaseVector& vector, Place place) {
   const auto added = unnamed_.emplace(&vector, place);
-  if (counted_ == nullptr) return;
+  if (register_ == nullptr) return;
   try {
-    ++(*counted_)[&vector];
+    register_->emplace(&vector, list_);
   } catch (...) {
     unnamed_.erase(added);
     throw;
@@ -91,7 +95,7 @@ void SnapIndex::removeUnnamed(const VelWbBaseVector& vector, Place place) noexce
   for (auto each = first; each != last; ++each) {
     if (each->second != place) continue;
     unnamed_.erase(each);
-    if (counted_ != nullptr) uncount(*counted_, &vector);
+    unregister(&vector);
     return;
   }
 }
@@ -120,9 +124,7 @@ void SnapIndex::move(const VelWbBaseVector& vector, Place from, Place to) noexce
 void SnapIndex::hasBeenNamed(const VelWbBaseVector& vector) {
   const auto [first, last] = unnamed_.equal_range(&vector);
   for (auto each = first; each != last; ++each) addNamed(hashOf(*vector.ID), each->second);
-  if (counted_ != nullptr) {
-    for (auto each = first; each != last; ++each) uncount(*counted_, &vector);
-  }
+  for (auto each = first; each != last; ++each) unregister(&vector);
   unnamed_.erase(first, last);
 }
 

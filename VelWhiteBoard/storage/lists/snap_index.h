@@ -14,9 +14,11 @@
 
 namespace VelWhiteBoard {
 
-/// How many entries without identifier each vector is, in all snap lists of a storage: tells
-/// quickly that naming a vector concerns no list.
-using UnnamedEntries = std::unordered_map<const VelWbBaseVector*, std::size_t>;
+class SnapList;
+
+/// The entries without identifier of all snap lists of a storage, each with the list that it stands
+/// in: naming a vector concerns these lists and no others.
+using UnnamedEntries = std::unordered_multimap<const VelWbBaseVector*, SnapList*>;
 
 /// The places of a list's entries. Keeps hashes instead of identifiers, because the identifiers
 /// stand in the entries; so every place that it answers is one where the entry *may* stand, and the
@@ -32,8 +34,9 @@ class SnapIndex {
   SnapIndex(const SnapIndex&) = delete;
   SnapIndex& operator=(const SnapIndex&) = delete;
 
-  /// Counts the entries without identifier in `unnamed`, which must outlive the index, from now on.
-  void attach(UnnamedEntries& unnamed);
+  /// Enters the entries without identifier in `unnamed`, which must outlive the index, from now on.
+  /// @param list whose index this is.
+  void attach(UnnamedEntries& unnamed, SnapList& list);
   /// Ends that.
   void detach() noexcept;
 
@@ -63,6 +66,8 @@ class SnapIndex {
   void addUnnamed(const VelWbBaseVector& vector, Place place);
   void removeNamed(std::size_t hash, Place place) noexcept;
   void removeUnnamed(const VelWbBaseVector& vector, Place place) noexcept;
+  /// Takes one entry out of the register.
+  void unregister(const VelWbBaseVector* vector) noexcept;
 
   /// Hash of an identifier -> the first of the places where it stands.
   std::unordered_map<std::size_t, Place> first_;
@@ -71,7 +76,8 @@ class SnapIndex {
   std::set<Place> magnifiers_;
   /// Entry without an identifier -> its place.
   std::unordered_multimap<const VelWbBaseVector*, Place> unnamed_;
-  UnnamedEntries* counted_ = nullptr;
+  UnnamedEntries* register_ = nullptr;
+  SnapList* list_ = nullptr;
 };
 
 template <class Accepts>

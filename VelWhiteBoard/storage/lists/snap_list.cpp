@@ -10,13 +10,13 @@ namespace VelWhiteBoard {
 SnapList::SnapList(SharedVectorList list) : list_(std::move(list)) { ensureIndex(); }
 
 void SnapList::attach(UnnamedEntries& unnamed) {
-  if (index_) index_->attach(unnamed);
-  counted_ = &unnamed;
+  if (index_) index_->attach(unnamed, *this);
+  register_ = &unnamed;
 }
 
 void SnapList::detach() noexcept {
   if (index_) index_->detach();
-  counted_ = nullptr;
+  register_ = nullptr;
 }
 
 void SnapList::ensureIndex() {
@@ -25,7 +25,7 @@ void SnapList::ensureIndex() {
   for (Place place = 0; place < list_.endPlace(); ++place) {
     if (const VectorPtr& entry = list_.at(place)) index->add(*entry, place);
   }
-  if (counted_ != nullptr) index->attach(*counted_);
+  if (register_ != nullptr) index->attach(*register_, *this);
   index_ = std::move(index);
 }
 

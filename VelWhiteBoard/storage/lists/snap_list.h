@@ -33,7 +33,7 @@ class SnapList {
   SnapList(const SnapList&) = delete;
   SnapList& operator=(const SnapList&) = delete;
 
-  /// Counts the entries without identifier in `unnamed`, which must outlive the list, from now on.
+  /// Enters the entries without identifier in `unnamed`, which must outlive the list, from now on.
   void attach(UnnamedEntries& unnamed);
   /// Ends that.
   void detach() noexcept;
@@ -83,7 +83,7 @@ class SnapList {
   SharedVectorList list_;
   /// Null: to be built anew.
   std::unique_ptr<SnapIndex> index_;
-  UnnamedEntries* counted_ = nullptr;
+  UnnamedEntries* register_ = nullptr;
   // Packing goes on a little with each entry that is taken out, so that no call takes long. It has
   // come as far as `packFrom_`; from `packTo_` until there, there are gaps only.
   bool isPacking_ = false;

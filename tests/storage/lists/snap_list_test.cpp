@@ -165,23 +165,23 @@ TEST(SnapList, HandsOutWhatItHeldWhenItIsCleared) {
   EXPECT_EQ(both.snap.findFirst("3"), SnapList::kNowhere);
 }
 
-TEST(SnapList, CountsEntriesWithoutIdentifierAsLongAsItIsAttached) {
+TEST(SnapList, RegistersEntriesWithoutIdentifierAsLongAsItIsAttached) {
   UnnamedEntries unnamed;
   const auto nameless = std::make_shared<VelWbVecSquare>();
   {
     Both both;
     both.push(nameless);
     both.snap.attach(unnamed);
-    EXPECT_EQ(unnamed.at(nameless.get()), 1U);
+    EXPECT_EQ(unnamed.count(nameless.get()), 1U);
     both.push(nameless);
-    EXPECT_EQ(unnamed.at(nameless.get()), 2U);
+    EXPECT_EQ(unnamed.count(nameless.get()), 2U);
     both.erase(0);
-    EXPECT_EQ(unnamed.at(nameless.get()), 1U);
+    EXPECT_EQ(unnamed.count(nameless.get()), 1U);
     const SnapList::Contents cleared = both.snap.clear();
     EXPECT_TRUE(unnamed.empty());
     both.snap.ensureIndex();
     both.snap.push_back(nameless);
-    EXPECT_EQ(unnamed.at(nameless.get()), 1U);
+    EXPECT_EQ(unnamed.count(nameless.get()), 1U);
   }
   EXPECT_TRUE(unnamed.empty());
 }
