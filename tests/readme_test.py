@@ -1,4 +1,5 @@
-"""Checks that the README shows the quickstart as it is compiled, line by line, and names only files that exist."""
+"""Checks that the README shows the quickstart as it is compiled, line by line, that documents lead only to files
+that exist, and that the changelog begins with the version of CMakeLists.txt."""
 
 import pathlib
 import re
@@ -20,7 +21,12 @@ elif shown.group(1) != quickstart:
 if len(quickstart.splitlines()) >= 60:
     problems.append("the quickstart has 60 lines or more")
 
-for document in [root / "README.md", *sorted((root / "docs").glob("*.md"))]:
+version = re.search(r"^ *VERSION (\S+)$", (root / "CMakeLists.txt").read_text(encoding="utf-8"), re.M)[1]
+newest = re.search(r"^## (\S+)", (root / "CHANGELOG.md").read_text(encoding="utf-8"), re.M)[1]
+if newest != version:
+    problems.append(f"CHANGELOG.md begins with {newest}, CMakeLists.txt says {version}")
+
+for document in [*sorted(root.glob("*.md")), *sorted((root / "docs").glob("*.md"))]:
     for target in re.findall(r"\]\(([^)#]+)\)", document.read_text(encoding="utf-8")):
         if "://" not in target and not (document.parent / target).exists():
             problems.append(f"{document.relative_to(root)} leads to {target}, which does not exist")

@@ -29,8 +29,8 @@ void take(Text& field, Text given) noexcept {
 }  // namespace
 
 const RecordClass& VelWbVecSquare::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecSquare>(
-      "VelWbVecSquare", &VelWbVecPoint::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecSquare>("VelWbVecSquare", &VelWbVecPoint::ownClass());
   return own;
 }
 
@@ -58,8 +58,8 @@ std::shared_ptr<Record> VelWbVecSquare::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbVecFile::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecFile>(
-      "VelWbVecFile", &VelWbVecSquare::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecFile>("VelWbVecFile", &VelWbVecSquare::ownClass());
   return own;
 }
 
@@ -80,8 +80,8 @@ std::shared_ptr<Record> VelWbVecFile::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbVecVideo::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecVideo>(
-      "VelWbVecVideo", &VelWbVecFile::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecVideo>("VelWbVecVideo", &VelWbVecFile::ownClass());
   return own;
 }
 
@@ -113,8 +113,8 @@ std::shared_ptr<Record> VelWbVecVideo::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbVecText::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecText>(
-      "VelWbVecText", &VelWbVecSquare::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecText>("VelWbVecText", &VelWbVecSquare::ownClass());
   return own;
 }
 

@@ -5,8 +5,8 @@
 namespace VelWhiteBoard {
 
 const RecordClass& VelWbVecRemove::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecRemove>(
-      "VelWbVecRemove", &VelWbBaseVector::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecRemove>("VelWbVecRemove", &VelWbBaseVector::ownClass());
   return own;
 }
 
@@ -15,8 +15,8 @@ std::shared_ptr<Record> VelWbVecRemove::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbVecClear::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecClear>(
-      "VelWbVecClear", &VelWbBaseVector::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecClear>("VelWbVecClear", &VelWbBaseVector::ownClass());
   return own;
 }
 
@@ -25,8 +25,8 @@ std::shared_ptr<Record> VelWbVecClear::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbVecSwitchPage::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecSwitchPage>(
-      "VelWbVecSwitchPage", &VelWbBaseVector::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecSwitchPage>("VelWbVecSwitchPage", &VelWbBaseVector::ownClass());
   return own;
 }
 
@@ -39,8 +39,8 @@ std::shared_ptr<Record> VelWbVecSwitchPage::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbVecOffset::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecOffset>(
-      "VelWbVecOffset", &VelWbBaseVector::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecOffset>("VelWbVecOffset", &VelWbBaseVector::ownClass());
   return own;
 }
 
@@ -49,8 +49,8 @@ std::shared_ptr<Record> VelWbVecOffset::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbCaptureInfo::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbCaptureInfo>(
-      "VelWbCaptureInfo", &VelWbVecSquare::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbCaptureInfo>("VelWbCaptureInfo", &VelWbVecSquare::ownClass());
   return own;
 }
 

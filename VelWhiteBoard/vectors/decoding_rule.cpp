@@ -20,7 +20,7 @@ using NamedClass = std::pair<std::string_view, const RecordClass& (*)()>;
 
 /// The class of each type name that has one of its own. Strokes first: they are by far the most.
 /// The names are distinct, so the order decides nothing else.
-constexpr std::array<NamedClass, 13> kClassOfType{{
+constexpr auto kClassOfType = std::to_array<NamedClass>({
     {VelWBVectorStrLine, &VelWbVecLine::ownClass},
     {VelWBVectorStrMarkerPen, &VelWbVecLine::ownClass},
     {VelWBVectorStrEraser, &VelWbVecLine::ownClass},
@@ -34,7 +34,7 @@ constexpr std::array<NamedClass, 13> kClassOfType{{
     {VelWBVectorStrText, &VelWbVecText::ownClass},
     {VelWBVectorStrCamera, &VelWbCaptureInfo::ownClass},
     {VelWBVectorStrOffset, &VelWbVecOffset::ownClass},
-}};
+});
 
 using PropertiesByName = std::map<std::string_view, const Property*>;
 

@@ -21,8 +21,8 @@ void leaveOutOfMutableCopy(VelWbVecDiagram& copy) {
 }  // namespace
 
 const RecordClass& VelWbVecDiagram::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecDiagram>(
-      "VelWbVecDiagram", &VelWbVecSquare::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecDiagram>("VelWbVecDiagram", &VelWbVecSquare::ownClass());
   return own;
 }
 
@@ -67,8 +67,8 @@ std::shared_ptr<Record> VelWbVecDiagram::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbVecCircle::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecCircle>(
-      "VelWbVecCircle", &VelWbVecDiagram::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecCircle>("VelWbVecCircle", &VelWbVecDiagram::ownClass());
   return own;
 }
 

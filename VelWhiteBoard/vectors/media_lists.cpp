@@ -16,8 +16,8 @@ std::shared_ptr<VelWbVecMediaItem> VelWbVecMediaItem::mutableCopyWithZone() cons
 }
 
 const RecordClass& VelWbVecMediaList::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecMediaList>(
-      "VelWbVecMediaList", &VelWbBaseVector::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecMediaList>("VelWbVecMediaList", &VelWbBaseVector::ownClass());
   return own;
 }
 

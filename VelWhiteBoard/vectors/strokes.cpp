@@ -76,8 +76,8 @@ void takeWidths(VelWbVecLine& stroke, const VelWbVecLine& update) noexcept {
 }  // namespace
 
 const RecordClass& VelWbVecPoint::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecPoint>(
-      "VelWbVecPoint", &VelWbBaseVector::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecPoint>("VelWbVecPoint", &VelWbBaseVector::ownClass());
   return own;
 }
 
@@ -109,8 +109,8 @@ std::shared_ptr<Record> VelWbVecPoint::makeMutableCopy() const {
 }
 
 const RecordClass& VelWbVecLine::ownClass() {
-  static const RecordClass own = makeRecordClass<VelWbVecLine>(
-      "VelWbVecLine", &VelWbVecPoint::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own =
+      makeRecordClass<VelWbVecLine>("VelWbVecLine", &VelWbVecPoint::ownClass());
   return own;
 }
 

@@ -5,7 +5,7 @@ fuzz_targets=(property_list json storage)
 build_fuzzers() {
   step "Building the fuzz targets"
   cmake --preset fuzz -B "$ci_fuzz" --log-level=WARNING -DVELWHITEBOARD_WERROR=ON
-  cmake --build "$ci_fuzz"
+  cmake --build "$ci_fuzz" --target "${fuzz_targets[@]/%/_fuzzer}"
 }
 
 # fuzz_all SECONDS [PROCESSES]: every target for that long. What is learnt stays in the build folder for

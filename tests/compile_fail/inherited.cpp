@@ -22,8 +22,7 @@ class Derived : public VectorOf<Derived, VelWbVecPoint> {
 };
 
 const RecordClass& Derived::ownClass() {
-  static const RecordClass own =
-      makeRecordClass<Derived>("Derived", &VelWbVecPoint::ownClass(), &vectorClassForDictionary);
+  static const RecordClass own = makeRecordClass<Derived>("Derived", &VelWbVecPoint::ownClass());
   return own;
 }
 

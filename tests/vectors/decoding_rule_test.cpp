@@ -39,13 +39,15 @@ TEST(DecodingRule, EachTypeNameHasItsClass) {
   const struct {
     const char* type;
     const char* name;
-  } rows[] = {{"cursor", "VelWbVecFile"},         {"text", "VelWbVecText"},
-              {"line", "VelWbVecLine"},           {"eraser", "VelWbVecLine"},
-              {"image", "VelWbVecFile"},          {"camera", "VelWbCaptureInfo"},
-              {"media", "VelWbVecVideo"},         {"clear", "VelWbVecClear"},
-              {"remove", "VelWbVecRemove"},       {"switchPage", "VelWbVecSwitchPage"},
-              {"markerPen", "VelWbVecLine"},      {"diagram", "VelWbVecDiagram"},
-              {"mediaList", "VelWbVecMediaList"}, {"offset", "VelWbVecOffset"}};
+  } rows[] = {
+      {"cursor", "VelWbVecFile"},         {"text", "VelWbVecText"},
+      {"line", "VelWbVecLine"},           {"eraser", "VelWbVecLine"},
+      {"image", "VelWbVecFile"},          {"camera", "VelWbCaptureInfo"},
+      {"media", "VelWbVecVideo"},         {"clear", "VelWbVecClear"},
+      {"remove", "VelWbVecRemove"},       {"switchPage", "VelWbVecSwitchPage"},
+      {"markerPen", "VelWbVecLine"},      {"diagram", "VelWbVecDiagram"},
+      {"mediaList", "VelWbVecMediaList"}, {"offset", "VelWbVecOffset"},
+  };
   for (const auto& row : rows) {
     const std::string plain = std::string(R"({"type":")") + row.type + R"("})";
     const std::string shaped = std::string(R"({"w":1,"x":2,"type":")") + row.type + R"("})";

@@ -90,7 +90,8 @@ inline constexpr auto table = make<T>();
 
 }  // namespace property_table
 
-/// The class object of `T`; to be kept in one static object.
+/// The class object of `T`; to be kept in one static object. The rule that chooses a class for a
+/// dictionary is the base's; a root names its own.
 template <class T>
 constexpr RecordClass makeRecordClass(
     std::string_view name, const RecordClass* base,
@@ -101,7 +102,7 @@ constexpr RecordClass makeRecordClass(
           base,
           property_table::table<T>,
           []() -> std::shared_ptr<Record> { return std::make_shared<T>(); },
-          customClass,
+          base == nullptr ? customClass : base->customClass,
           propertyOfFamily};
 }
 

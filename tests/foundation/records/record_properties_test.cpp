@@ -310,7 +310,6 @@ TEST(RecordClasses, EveryRecordClassThatAHeaderDeclaresIsTested) {
   for (const TestedClass& each : testedClasses()) tested.emplace(each.own->name);
   EXPECT_EQ(tested, declared);
   EXPECT_EQ(tested.size(), testedClasses().size()) << "a class is listed twice";
-  EXPECT_EQ(tested.size(), 18U);
 }
 
 }  // namespace
