@@ -138,6 +138,47 @@ TEST(SharedLists, TakeAnEntryBackToTheEndThatWasJustTakenFromIt) {
   EXPECT_EQ(list.vectors(), without(expected, 298));
 }
 
+TEST(SharedLists, TakeAnEntryBackAfterRoomWasMadeForAnother) {
+  SharedVectorList list;
+  for (int i = 0; i < 300; ++i) list.push_back(named(std::to_string(i)));
+  const auto erase = [&list](SharedVectorList::Place place) {
+    list.reserveErase(place);
+    list.eraseReserved(place);
+  };
+  for (SharedVectorList::Place place = 200; place < 299; ++place) erase(place);
+  const VectorPtr last = list.back();
+  erase(299);
+  ASSERT_EQ(list.endPlace(), 200U) << "in the chunk before that of the last entry";
+  list.reserveBack();
+  list.putBack(299, last);
+  const VectorPtr next = named("next");
+  EXPECT_EQ(list.push_back(next), 300U);
+  EXPECT_EQ(list.back(), next);
+  EXPECT_EQ(list.size(), 202U);
+}
+
+TEST(SharedLists, LeaveAGapAGapThatIsTakenOutOnceMore) {
+  SharedVectorList list;
+  for (const char* const each : {"a", "b", "c"}) list.push_back(named(each));
+  for (int i = 0; i < 2; ++i) {
+    list.reserveErase(1);
+    list.eraseReserved(1);
+  }
+  EXPECT_EQ(list.size(), 2U);
+  EXPECT_EQ(list.endPlace(), 3U);
+}
+
+TEST(SharedLists, EndWhereTheyBeginOnceNothingIsLeft) {
+  SharedVectorList list;
+  for (const char* const each : {"a", "b", "c"}) list.push_back(named(each));
+  for (const SharedVectorList::Place place : {1U, 2U, 0U}) {
+    list.reserveErase(place);
+    list.eraseReserved(place);
+  }
+  EXPECT_TRUE(list.empty());
+  EXPECT_EQ(list.endPlace(), 0U);
+}
+
 /// Searches in a plain list, as the index must find them.
 struct PlainSnap {
   VectorList entries;
@@ -248,6 +289,52 @@ TEST(SnapLists, FindAllEntriesThatAreEqualAndNoOthers) {
   EXPECT_EQ(snap.findEqual(*entry), (std::vector<SnapList::Place>{0, 3, 4}));
 }
 
+TEST(SnapLists, FindWhatStillHasAnIdentifierThatAClientTookFromTheOthers) {
+  for (const std::size_t left : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{3}}) {
+    SnapList snap;
+    for (int i = 0; i < 4; ++i) snap.push_back(named("a"));
+    for (std::size_t place = 0; place < 4; ++place) {
+      if (place != left) snap.list().at(place)->ID = "b";
+    }
+    EXPECT_EQ(snap.findFirst("a"), left);
+    EXPECT_EQ(snap.findLast("a"), left);
+    EXPECT_EQ(snap.findEqual(*snap.list().at(left)), std::vector<SnapList::Place>{left});
+    snap.list().at(left)->ID = "b";
+    EXPECT_EQ(snap.findFirst("a"), SnapList::kNowhere);
+    EXPECT_EQ(snap.findLast("a"), SnapList::kNowhere);
+  }
+}
+
+TEST(SnapLists, FindNothingAtAPlaceThatIsNoLongerThere) {
+  SnapList snap;
+  const VectorPtr last = named("b");
+  for (const VectorPtr& each : {named("a"), last}) snap.push_back(each);
+  last->ID = "c";  // by a client: the index still has the identifier that it had
+  snap.reserveErase({1});
+  snap.eraseReserved({1});
+  EXPECT_EQ(snap.findFirst("b"), SnapList::kNowhere);
+  EXPECT_EQ(snap.findLast("b"), SnapList::kNowhere);
+}
+
+TEST(SnapLists, FindAnEntryOnceThatWasTakenOutAndCameBack) {
+  SnapList snap;
+  const VectorPtr entry = named("a");
+  for (int i = 0; i < 2; ++i) {
+    snap.push_back(entry);
+    EXPECT_EQ(snap.findEqual(*entry), std::vector<SnapList::Place>{0});
+    snap.pop_back();
+    EXPECT_EQ(snap.findFirst("a"), SnapList::kNowhere);
+  }
+}
+
+TEST(SnapLists, KeepTheirPlacesWhileTheGapsAreFew) {
+  SnapList snap;
+  for (const char* const each : {"a", "b", "c"}) snap.push_back(named(each));
+  snap.reserveErase({0});
+  snap.eraseReserved({0});
+  EXPECT_EQ(snap.findFirst("c"), 2U);
+}
+
 TEST(SnapLists, PackThemselvesWithoutLosingAnEntry) {
   SnapList snap;
   VectorList kept;
@@ -265,8 +352,11 @@ TEST(SnapLists, PackThemselvesWithoutLosingAnEntry) {
   }
   EXPECT_LT(snap.list().endPlace(), 2000U) << "packed";
   EXPECT_EQ(snap.list().vectors(), kept);
-  for (const VectorPtr& vector : kept)
-    EXPECT_EQ(entryAt(snap, snap.findFirst(*vector->ID)), vector);
+  for (const VectorPtr& vector : kept) {
+    const auto place = snap.findFirst(*vector->ID);
+    EXPECT_EQ(entryAt(snap, place), vector);
+    EXPECT_EQ(snap.findEqual(*vector), std::vector<SnapList::Place>{place});
+  }
 }
 
 }  // namespace
