@@ -327,6 +327,57 @@ TEST(SnapLists, FindAnEntryOnceThatWasTakenOutAndCameBack) {
   }
 }
 
+TEST(SnapLists, KnowAnEntryWhoseIdentifierWasTakenBackAsOneWithoutIt) {
+  UnnamedEntries unnamed;
+  SnapList snap;
+  snap.attach(unnamed);
+  const VectorPtr vector = VelWbBaseVector::initWithType("instruction");
+  snap.push_back(vector);
+  for (const char* const identifier : {"a", "b"}) {
+    vector->ID = identifier;
+    snap.hasBeenNamed(*vector);
+    EXPECT_EQ(snap.findFirst(identifier), 0U);
+    EXPECT_FALSE(unnamed.contains(vector.get()));
+    vector->ID.reset();
+    snap.hasBeenNamed(*vector);
+    snap.ensureIndex();
+    EXPECT_EQ(snap.findFirst(identifier), SnapList::kNowhere);
+    EXPECT_TRUE(unnamed.contains(vector.get()));
+  }
+}
+
+TEST(SnapLists, TakeTheLastEntryOutAtTheEndOfAChunkToo) {
+  for (const int count : {255, 256, 257}) {
+    SnapList snap;
+    for (int i = 0; i < count; ++i) snap.push_back(named("a"));
+    const SharedVectorList copy = snap.list();
+    const VectorList before = copy.vectors();
+    snap.pop_back();
+    EXPECT_EQ(snap.list().vectors(), without(before, before.size() - 1));
+    EXPECT_EQ(copy.vectors(), before);
+  }
+}
+
+TEST(SnapLists, ForgetWhatTheyHeldWhenTheyAreCleared) {
+  UnnamedEntries unnamed;
+  SnapList snap;
+  snap.attach(unnamed);
+  const VectorPtr vector = VelWbBaseVector::initWithType("instruction");
+  const VectorPtr other = VelWbBaseVector::initWithType(std::string(VelWBVectorStrMagnifier));
+  for (const VectorPtr& each : {named("a"), named("a"), vector, other}) snap.push_back(each);
+  snap.clear();
+  EXPECT_TRUE(snap.empty());
+  EXPECT_TRUE(unnamed.empty());
+  EXPECT_EQ(snap.findFirst("a"), SnapList::kNowhere);
+  EXPECT_EQ(snap.firstMagnifier(), SnapList::kNowhere);
+  for (const VectorPtr& each : {named("c"), named("a"), vector}) snap.push_back(each);
+  vector->ID = "b";
+  snap.hasBeenNamed(*vector);
+  EXPECT_EQ(snap.findEqual(*vector), std::vector<SnapList::Place>{2});
+  EXPECT_EQ(snap.findEqual(*snap.list().at(1)), std::vector<SnapList::Place>{1});
+  EXPECT_TRUE(unnamed.empty());
+}
+
 TEST(SnapLists, KeepTheirPlacesWhileTheGapsAreFew) {
   SnapList snap;
   for (const char* const each : {"a", "b", "c"}) snap.push_back(named(each));
