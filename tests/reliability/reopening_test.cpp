@@ -1,7 +1,9 @@
 // A board that is opened while writes of it are still queued somewhere in the process: a read
 // follows the writes of the same file, as long as their queue gets on.
 #include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -92,6 +94,23 @@ TEST_F(ABoardThatIsOpenedAgain, IsReloadedAsItWasDrawn) {
 }
 
 // Each operation ends soon, all of them together take longer than a queue may stand still.
+TEST_F(ABoardThatIsOpenedAgain, ShowsEitherFileOfAPageThatWasWrittenWithoutTheOther) {
+  for (const std::uint64_t number : {1U, 2U}) {
+    const bool isWhole = number == 1;
+    {
+      const auto storage = board_.open();
+      storage->switchPage(page(1, number, 1));
+      isWhole ? storage->setSnapFile(std::nullopt) : storage->setWholeFile(std::nullopt);
+      draw(*storage, lesson_);
+      storage->saveFile(true);
+    }
+    const auto again = board_.open();
+    again->switchPage(page(1, number, 2));
+    auto lists = isWhole ? again->wholeVectorss() : again->snapVectorss();
+    EXPECT_EQ(identifiersOf(lists["1_" + std::to_string(number)]), lesson_);
+  }
+}
+
 TEST_F(ABoardThatIsOpenedAgain, WaitsAsLongAsTheQueueGetsOn) {
   {
     const auto storage = board_.open();

@@ -112,6 +112,20 @@ TEST_F(FailedSaves, OfOnlyOneOfTheTwoFilesAreMadeGoodToo) {
   expectOnDisk(1, {"on 1"});
 }
 
+TEST_F(FailedSaves, OfTheVisitedPagesAreMadeGoodToo) {
+  show(1);
+  settle(*storage_);
+  failWrites();
+  show(2);
+  settle(*storage_);
+  calls_.heal();
+  EXPECT_EQ(board_.identifiers(kPagesName), (Names{"1_1"}));
+  EXPECT_TRUE(storage_->retryFailedSaves());
+  settle(*storage_);
+  EXPECT_EQ(board_.identifiers(kPagesName), (Names{"1_1", "1_2"}));
+  EXPECT_FALSE(storage_->retryFailedSaves());
+}
+
 TEST_F(FailedSaves, OfAPageThatWasClearedAreForgotten) {
   drawInVain(1);
   storage_->clearPage(*page(1, 1));

@@ -397,6 +397,29 @@ TEST(ALog, WhoseDecodingFailsIsWhole) {
   }
 }
 
+// What `clear` may leave half done: the state is forgotten as a whole, or not yet.
+TEST(AClearedBoard, HasNothingToSaveWhereverMemoryRanOut) {
+  ManualClock clock;
+  const ScopedClock scope(clock);
+  std::size_t first = 1;
+  for (bool failed = true; failed; ++first) {
+    SCOPED_TRACE("request " + std::to_string(first));
+    StarvedBoard board;
+    board.show(1);
+    board->saveVector(kStroke());
+    {
+      const FailingAllocations failing(first, Requests::kOfThisThread, kForEver);
+      try {
+        board->clear();
+      } catch (const std::bad_alloc&) {
+      }
+      failed = failing.hasFailed();
+    }
+    EXPECT_EQ(board->hasNewChange(), !board->snapVectorss().empty());
+    if (::testing::Test::HasFailure()) return;
+  }
+}
+
 // ---- The files, when reads fail for want of memory and the client goes on all the same.
 
 TEST(ABoardWithoutMemory, LosesNothingTwiceInARow) {

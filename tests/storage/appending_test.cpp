@@ -158,6 +158,20 @@ TEST_F(AppendingVectors, KeepsWhatSomebodyElseAppendsWhileThePagesFilesAreRead) 
   EXPECT_THAT(board.snapFile("1_2"), ElementsAre("line old", "line theirs", "line mine"));
 }
 
+TEST_F(AppendingVectors, SavesThemOnThePageThatBecomesCurrentWhileItsFilesAreRead) {
+  board.append(other, line("old", 1, 2, 3));
+  board.settle();
+  board.reopen();
+  FaultyCalls calls;
+  DiskFileSystem disk(calls);
+  const ScopedFileSystem scope(disk);
+  calls.before(Call::kOpen, 1, [&] { board.show(other); });
+  board.append(other, line("a", 1, 2, 3), line("a", 4, 5, 6));
+  EXPECT_THAT(board.index(), ElementsAre("a: line a (1 2 3)(4 5 6)", "old: line old"));
+  EXPECT_THAT(board.snap("1_2"), ElementsAre("line old", "line a (1 2 3)(4 5 6)"));
+  EXPECT_TRUE(board->hasNewChange());
+}
+
 TEST_F(AppendingVectors, CachesNothingBeforeItHoldsTheSemaphore) {
   board.settle();
   FaultyCalls calls;

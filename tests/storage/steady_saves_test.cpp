@@ -110,6 +110,17 @@ TEST_F(TimedSaves, ByTheSteadyClockKeepTheTwentySeconds) {
   EXPECT_EQ(written(), 2U);
 }
 
+TEST_F(TimedSaves, ByTheSteadyClockCountFromTheDateThatWasSet) {
+  storage_->setLastSaveDate(storage_->lastSaveDate() - seconds(15));
+  set(-hours(1));
+  pass(seconds(5));
+  draw();
+  EXPECT_EQ(written(), 0U);
+  pass(seconds(1));
+  draw();
+  EXPECT_EQ(written(), 2U);
+}
+
 TEST_F(TimedSaves, ComeAtOnceWhenTheDateOfTheLastOneIsSetToLongAgo) {
   storage_->setLastSaveDate(std::chrono::system_clock::time_point());
   draw();

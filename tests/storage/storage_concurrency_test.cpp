@@ -1,6 +1,7 @@
 // Many threads at one storage: where two of them meet.
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -54,6 +55,22 @@ TEST(StorageThreads, LoseNothingWhenTwoAppendToAPageThatIsNotCached) {
     EXPECT_THAT(board.whole(key), ::testing::UnorderedElementsAre("line old", "line 0", "line 1"));
     EXPECT_EQ(board.wholeFile(key), board.whole(key));
     EXPECT_EQ(board.snapFile(key), board.snap(key));
+  }
+}
+
+TEST(StorageThreads, AppendOneBatchBehindTheOtherHoweverManyMeetAtAPage) {
+  constexpr int kThreads = 4;
+  constexpr std::size_t kVectors = 1000;  // so many that each batch gives way in between
+  Board board;
+  const auto where = page(1, 2);
+  together(kThreads, [&](int number) {
+    const VectorList batch(kVectors, text(std::to_string(number), "words"));
+    board->appendVectors(batch, where);
+  });
+  const VectorList whole = board.wholeVectors("1_2");
+  ASSERT_EQ(whole.size(), kThreads * kVectors);
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    ASSERT_EQ(whole[i], whole[i - i % kVectors]) << i;
   }
 }
 

@@ -4,12 +4,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "VelWhiteBoard/storage/vector_storage.h"
 
+#include "tests/support/manual_clock.h"
 #include "tests/support/storage_story.h"
 
 namespace VelWhiteBoard {
@@ -78,6 +80,36 @@ TEST(StorageProperties, IgnoreANullQueueAndANullSemaphore) {
   board->setSemphore(nullptr);
   EXPECT_EQ(board->saveQueue(), queue);
   EXPECT_EQ(board->semphore(), semaphore);
+}
+
+/// Looks, whenever it is asked for the time, whether a semaphore is free.
+class WatchingClock final : public ManualClock {
+ public:
+  explicit WatchingClock(std::shared_ptr<Semaphore> semaphore) : semaphore_(std::move(semaphore)) {}
+  bool wasHeld() const { return wasHeld_; }
+
+  std::chrono::system_clock::time_point wallTime() const override {
+    const bool isFree = semaphore_->try_acquire();
+    if (isFree) semaphore_->release();
+    wasHeld_ = wasHeld_ || !isFree;
+    return ManualClock::wallTime();
+  }
+
+ private:
+  const std::shared_ptr<Semaphore> semaphore_;
+  mutable bool wasHeld_ = false;
+};
+
+TEST(StorageProperties, HaveASemaphoreThatIsHeldWhileAVectorIsSaved) {
+  for (const bool isOfTheClient : {false, true}) {
+    const Board board;
+    const auto semaphore = isOfTheClient ? std::make_shared<Semaphore>(1) : board->semphore();
+    if (isOfTheClient) board->setSemphore(semaphore);
+    WatchingClock clock(semaphore);
+    const ScopedClock scope(clock);
+    board->saveVector(line(std::nullopt, 1, 2, 3));
+    EXPECT_TRUE(clock.wasHeld()) << isOfTheClient;
+  }
 }
 
 TEST(StorageProperties, TakeNullRecordsInsideContainersWithoutHarm) {

@@ -138,6 +138,7 @@ TEST(BaseVector, TheDescriptionListsTheClassAndAllPropertiesByName) {
   text.text = "say \"hi\"\n";
   text.path = Path{{1, 2, kNaN}, {}};
   const std::string description = text.description();
+  EXPECT_THAT(description, ::testing::HasSubstr("ID = null;"));
   for (const char* part :
        {"VelWbVecText", "type", "ts", "1.5", "ID", "x", "y", "ps", "end", "path", "w", "h",
         "say \\\"hi\\\"\\n", "fontSize", "fontName", "color", "bgColor", "[[1, 2, nan], []]"}) {

@@ -216,7 +216,7 @@ TEST(Strokes, TheReferenceWidthIsNotTouchedByTheRuleForPositions) {
   EXPECT_EQ(point.x, 1.0);
 }
 
-TEST(Strokes, AnUpdateWithAnOffsetMovesTheStrokeAndAddsNoPositions) {
+TEST(Strokes, AnUpdateWithAnOffsetMovesTheStrokeAndGivesItsWidthButAddsNoPositions) {
   for (const bool hasPath : {false, true}) {
     VelWbVecLine stroke = piece(1, 2, 3);
     if (hasPath) stroke.path = Path{{1, 2, 3}};
@@ -224,8 +224,14 @@ TEST(Strokes, AnUpdateWithAnOffsetMovesTheStrokeAndAddsNoPositions) {
     VelWbVecLine update = piece(4, 5, 6, Path{{7, 8, 9}});
     update.end = true;
     update.offset = Array{10, "any"};
+    update.pixel = 7;
+    update.ps = 800;
+    update.widthIndex = 3;
     stroke.append(update);
     EXPECT_EQ(stroke.path, before);
+    EXPECT_EQ(stroke.pixel, 7);
+    EXPECT_EQ(stroke.ps, 800);
+    EXPECT_EQ(stroke.widthIndex, 3);
     EXPECT_EQ(stroke.x, 4.0);
     EXPECT_EQ(stroke.y, 5.0);
     EXPECT_EQ(stroke.ts, 6.0);

@@ -46,6 +46,11 @@ void add(const std::shared_ptr<QueueState>& queue, std::function<void()> work) {
   queue->add(OperationQueue::makeOperation(std::move(work)));
 }
 
+bool isEnding(const SharedThreads& threads) {
+  const MutexHold hold(SharedThreads::mutex);
+  return threads.isEnding();
+}
+
 // ---- Threads
 
 TEST(SharedThreads, StartsNoThreadBeforeThereIsWork) {
@@ -229,6 +234,43 @@ TEST(SharedThreads, DrainingRunsEverythingThatWasAdded) {
   }
   threads.drain();
   EXPECT_EQ(count, 50 * 20 * 2);
+}
+
+TEST(SharedThreads, DrainingRunsWhatIsAddedWhileTheOnlyThreadIsBusy) {
+  SharedThreads threads(1);
+  const auto busy = std::make_shared<QueueState>(threads);
+  const auto other = std::make_shared<QueueState>(threads);
+  Gate hasBegun;
+  Gate hasRun;
+  add(busy, [&] {
+    hasBegun.open();
+    while (!isEnding(threads)) std::this_thread::yield();
+    // The draining thread waits by now: it holds the lock until it does.
+    add(other, [&] { hasRun.open(); });
+    hasRun.pass();
+  });
+  hasBegun.pass();
+  threads.drain();
+  hasRun.pass();
+}
+
+TEST(SharedThreads, DrainingRunsEvenWhatSomebodyWantsToTakeBack) {
+  SharedThreads threads(1);
+  const auto busy = std::make_shared<QueueState>(threads);
+  bool hasRun = false;
+  const auto operation = OperationQueue::makeOperation([&] { hasRun = true; });
+  Gate hasBegun;
+  bool isTakenBack = true;
+  add(busy, [&] {
+    hasBegun.open();
+    while (!isEnding(threads)) std::this_thread::yield();
+    isTakenBack = busy->remove(operation);
+  });
+  hasBegun.pass();
+  busy->add(operation);
+  threads.drain();
+  EXPECT_FALSE(isTakenBack);
+  EXPECT_TRUE(hasRun);
 }
 
 TEST(SharedThreads, DrainingThreadsThatNeverWorkedReturns) {

@@ -1,12 +1,15 @@
 // What a storage may do with a file depends on what it knows of it.
 #include "VelWhiteBoard/storage/files/known_file.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
+
+#include "VelWhiteBoard/foundation/queue/operation_queue.h"
 
 #include "tests/support/temporary_folder.h"
 
@@ -51,6 +54,18 @@ TEST_F(AKnownFile, IsReplacedWhenThisStorageWroteIt) {
   write();
   EXPECT_TRUE(isWritten());
   EXPECT_TRUE(isNothingAside());
+}
+
+TEST_F(AKnownFile, LetsItsQueueGetOnWhileItIsWritten) {
+  OperationQueue queue;
+  std::uint64_t within = 0;
+  queue.addOperationWithBlock([&] {
+    const std::uint64_t before = queue.progress();
+    write();
+    within = queue.progress() - before;
+  });
+  queue.waitUntilAllOperationsAreFinished();
+  EXPECT_GT(within, 0U);
 }
 
 TEST_F(AKnownFile, IsMovedAsideWhenNobodyHasLookedAtIt) {

@@ -157,5 +157,46 @@ TEST(SharedLists, TakeAnEntryBackToTheEndThatWasJustTakenFromIt) {
   EXPECT_EQ(list.vectors(), without(expected, 298));
 }
 
+TEST(SharedLists, TakeAnEntryBackAfterRoomWasMadeForAnother) {
+  SharedVectorList list;
+  for (int i = 0; i < 300; ++i) list.push_back(named(std::to_string(i)));
+  const auto erase = [&list](SharedVectorList::Place place) {
+    list.reserveErase(place);
+    list.eraseReserved(place);
+  };
+  for (SharedVectorList::Place place = 200; place < 299; ++place) erase(place);
+  const VectorPtr last = list.back();
+  erase(299);
+  ASSERT_EQ(list.endPlace(), 200U) << "in the chunk before that of the last entry";
+  list.reserveBack();
+  list.putBack(299, last);
+  const VectorPtr next = named("next");
+  EXPECT_EQ(list.push_back(next), 300U);
+  EXPECT_EQ(list.back(), next);
+  EXPECT_EQ(list.size(), 202U);
+}
+
+TEST(SharedLists, LeaveAGapAGapThatIsTakenOutOnceMore) {
+  SharedVectorList list;
+  for (const char* const each : {"a", "b", "c"}) list.push_back(named(each));
+  for (int i = 0; i < 2; ++i) {
+    list.reserveErase(1);
+    list.eraseReserved(1);
+  }
+  EXPECT_EQ(list.size(), 2U);
+  EXPECT_EQ(list.endPlace(), 3U);
+}
+
+TEST(SharedLists, EndWhereTheyBeginOnceNothingIsLeft) {
+  SharedVectorList list;
+  for (const char* const each : {"a", "b", "c"}) list.push_back(named(each));
+  for (const SharedVectorList::Place place : {1U, 2U, 0U}) {
+    list.reserveErase(place);
+    list.eraseReserved(place);
+  }
+  EXPECT_TRUE(list.empty());
+  EXPECT_EQ(list.endPlace(), 0U);
+}
+
 }  // namespace
 }  // namespace VelWhiteBoard

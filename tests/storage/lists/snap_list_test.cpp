@@ -314,8 +314,110 @@ TEST(SnapList, PackThemselvesWithoutLosingAnEntry) {
   }
   EXPECT_LT(snap.list().endPlace(), 2000U) << "packed";
   EXPECT_EQ(snap.list().vectors(), kept);
-  for (const VectorPtr& vector : kept)
-    EXPECT_EQ(entryAt(snap, snap.findFirst(*vector->ID)), vector);
+  for (const VectorPtr& vector : kept) {
+    const auto place = snap.findFirst(*vector->ID);
+    EXPECT_EQ(entryAt(snap, place), vector);
+    EXPECT_EQ(snap.findEqual(*vector), std::vector<SnapList::Place>{place});
+  }
+}
+
+TEST(SnapList, FindWhatStillHasAnIdentifierThatAClientTookFromTheOthers) {
+  for (const std::size_t left : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{3}}) {
+    SnapList snap;
+    for (int i = 0; i < 4; ++i) snap.push_back(entryNamed("a"));
+    for (std::size_t place = 0; place < 4; ++place) {
+      if (place != left) snap.list().at(place)->ID = "b";
+    }
+    EXPECT_EQ(snap.findFirst("a"), left);
+    EXPECT_EQ(snap.findLast("a"), left);
+    EXPECT_EQ(snap.findEqual(*snap.list().at(left)), std::vector<SnapList::Place>{left});
+    snap.list().at(left)->ID = "b";
+    EXPECT_EQ(snap.findFirst("a"), SnapList::kNowhere);
+    EXPECT_EQ(snap.findLast("a"), SnapList::kNowhere);
+  }
+}
+
+TEST(SnapList, FindNothingAtAPlaceThatIsNoLongerThere) {
+  SnapList snap;
+  const VectorPtr last = entryNamed("b");
+  for (const VectorPtr& each : {entryNamed("a"), last}) snap.push_back(each);
+  last->ID = "c";  // by a client: the index still has the identifier that it had
+  snap.reserveErase({1});
+  snap.eraseReserved({1});
+  EXPECT_EQ(snap.findFirst("b"), SnapList::kNowhere);
+  EXPECT_EQ(snap.findLast("b"), SnapList::kNowhere);
+}
+
+TEST(SnapList, FindAnEntryOnceThatWasTakenOutAndCameBack) {
+  SnapList snap;
+  const VectorPtr entry = entryNamed("a");
+  for (int i = 0; i < 2; ++i) {
+    snap.push_back(entry);
+    EXPECT_EQ(snap.findEqual(*entry), std::vector<SnapList::Place>{0});
+    snap.pop_back();
+    EXPECT_EQ(snap.findFirst("a"), SnapList::kNowhere);
+  }
+}
+
+TEST(SnapList, KnowAnEntryWhoseIdentifierWasTakenBackAsOneWithoutIt) {
+  UnnamedEntries unnamed;
+  SnapList snap;
+  snap.attach(unnamed);
+  const VectorPtr vector = VelWbBaseVector::initWithType("instruction");
+  snap.push_back(vector);
+  for (const char* const identifier : {"a", "b"}) {
+    vector->ID = identifier;
+    snap.hasBeenNamed(*vector);
+    EXPECT_EQ(snap.findFirst(identifier), 0U);
+    EXPECT_FALSE(unnamed.contains(vector.get()));
+    vector->ID.reset();
+    snap.hasBeenNamed(*vector);
+    snap.ensureIndex();
+    EXPECT_EQ(snap.findFirst(identifier), SnapList::kNowhere);
+    EXPECT_TRUE(unnamed.contains(vector.get()));
+  }
+}
+
+TEST(SnapList, TakeTheLastEntryOutAtTheEndOfAChunkToo) {
+  for (const int count : {255, 256, 257}) {
+    SnapList snap;
+    for (int i = 0; i < count; ++i) snap.push_back(entryNamed("a"));
+    const SharedVectorList copy = snap.list();
+    const VectorList before = copy.vectors();
+    snap.pop_back();
+    EXPECT_EQ(snap.list().vectors(), VectorList(before.begin(), before.end() - 1));
+    EXPECT_EQ(copy.vectors(), before);
+  }
+}
+
+TEST(SnapList, ForgetWhatTheyHeldWhenTheyAreCleared) {
+  UnnamedEntries unnamed;
+  SnapList snap;
+  snap.attach(unnamed);
+  const VectorPtr vector = VelWbBaseVector::initWithType("instruction");
+  const VectorPtr other = VelWbBaseVector::initWithType(std::string(VelWBVectorStrMagnifier));
+  for (const VectorPtr& each : {entryNamed("a"), entryNamed("a"), vector, other})
+    snap.push_back(each);
+  snap.clear();
+  snap.ensureIndex();
+  EXPECT_TRUE(snap.empty());
+  EXPECT_TRUE(unnamed.empty());
+  EXPECT_EQ(snap.findFirst("a"), SnapList::kNowhere);
+  EXPECT_EQ(snap.firstMagnifier(), SnapList::kNowhere);
+  for (const VectorPtr& each : {entryNamed("c"), entryNamed("a"), vector}) snap.push_back(each);
+  vector->ID = "b";
+  snap.hasBeenNamed(*vector);
+  EXPECT_EQ(snap.findEqual(*vector), std::vector<SnapList::Place>{2});
+  EXPECT_EQ(snap.findEqual(*snap.list().at(1)), std::vector<SnapList::Place>{1});
+  EXPECT_TRUE(unnamed.empty());
+}
+
+TEST(SnapList, KeepTheirPlacesWhileTheGapsAreFew) {
+  SnapList snap;
+  for (const char* const each : {"a", "b", "c"}) snap.push_back(entryNamed(each));
+  snap.reserveErase({0});
+  snap.eraseReserved({0});
+  EXPECT_EQ(snap.findFirst("c"), 2U);
 }
 
 }  // namespace
