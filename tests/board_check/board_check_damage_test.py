@@ -10,7 +10,7 @@ import shutil
 import sys
 import unittest
 
-from support.checked_boards import LINE, PAGE, REMOVE, CheckedBoards, plist, small_lesson
+from checked_boards import LINE, PAGE, REMOVE, CheckedBoards, plist, small_lesson
 
 HEAD = b'<?xml version="1.0" encoding="UTF-8"?>\n'
 DEEP = 100_000

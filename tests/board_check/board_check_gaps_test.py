@@ -9,7 +9,7 @@ import re
 import sys
 import unittest
 
-from support.checked_boards import LINE, PAGE, CheckedBoards, plist
+from checked_boards import LINE, PAGE, CheckedBoards, plist
 
 RECORDS = 299
 SEED = 20240607

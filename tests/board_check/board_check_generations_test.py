@@ -9,7 +9,7 @@ import shutil
 import sys
 import unittest
 
-from support.checked_boards import LINE, PAGE, CheckedBoards, plist
+from checked_boards import LINE, PAGE, CheckedBoards, plist
 
 TEXT = '{"type":"text","ts":%d,"ID":"%s","x":0,"y":0,"w":%d,"h":9,"text":"%s"}'
 REMOVE = '{"type":"remove","ts":%d,"ID":"r","rmID":"%s"}'

@@ -8,7 +8,7 @@ import shutil
 import sys
 import unittest
 
-from support.checked_boards import CheckedBoards, plist
+from checked_boards import CheckedBoards, plist
 
 MEMORY = 96 << 20
 LARGE = 120 << 20

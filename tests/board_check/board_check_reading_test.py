@@ -10,7 +10,7 @@ import shutil
 import sys
 import unittest
 
-from support.checked_boards import CheckedBoards, plist
+from checked_boards import CheckedBoards, plist
 
 # A regular file that can be opened; reading it fails.
 FAILS_TO_READ = "/proc/self/mem"

@@ -11,7 +11,7 @@ import subprocess
 import sys
 import unittest
 
-from support.checked_boards import CheckedBoards, plist
+from checked_boards import CheckedBoards, plist
 
 
 class Boards(CheckedBoards):
