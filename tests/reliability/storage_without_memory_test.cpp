@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include "VelWhiteBoard/storage/lists/snap_list.h"
+
 #include "tests/reliability/starved_board.h"
 #include "tests/support/failing_memory.h"
 #include "tests/support/manual_clock.h"
@@ -418,6 +420,19 @@ TEST(AClearedBoard, HasNothingToSaveWhereverMemoryRanOut) {
     EXPECT_EQ(board->hasNewChange(), !board->snapVectorss().empty());
     if (::testing::Test::HasFailure()) return;
   }
+}
+
+// The index of a page that had no memory is built when there is some again, and not before.
+TEST(ASnapList, WhoseIndexCannotBeBuiltSaysSo) {
+  SnapList snap;
+  snap.push_back(kStroke());
+  snap.rollBack(SharedVectorList(snap.list()));
+  {
+    const FailingAllocations failing(1, Requests::kOfThisThread, kForEver);
+    EXPECT_THROW(snap.ensureIndex(), std::bad_alloc);
+  }
+  snap.ensureIndex();
+  EXPECT_EQ(snap.findFirst(*snap.back()->ID), 0U);
 }
 
 // ---- The files, when reads fail for want of memory and the client goes on all the same.
