@@ -23,8 +23,9 @@ class VelWbVecPoint;
 ///
 /// Threads: everything may be called from any thread. `setCourseCreateTs` and, while the clock
 /// runs, `genTs` wait for `semaphore` without limit; nothing else does, so whoever holds it may
-/// still call the rest. What does not wait sees each of the three times whole, but may see some of
-/// them from before a synchronisation and some from after it.
+/// still call the rest. An operation that does not wait reads `createTs`, `serverTs` and `localTs`
+/// each as a whole, but may find one of them from before a synchronisation and another from after
+/// it.
 class VELWHITEBOARD_EXPORT VelWbVectorManager {
  public:
   /// The one object.

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "VelWhiteBoard/storage/files/board_files.h"
-#include "VelWhiteBoard/storage/lists/appended_vectors.h"
+#include "VelWhiteBoard/storage/lists/appending_rule.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
@@ -51,7 +51,7 @@ class VWBVectorStorage::State::Batch {
   BatchUndo undo_;
   /// The lists as they were before the batch; absent before the batch has begun.
   std::optional<SharedVectorList> snapBefore_;
-  std::optional<PageLog> wholeBefore_;
+  std::optional<WholeList> wholeBefore_;
   /// Which of them the page had before it was read for the batch.
   bool hadSnap_ = false;
   bool hadWhole_ = false;

@@ -15,7 +15,7 @@ namespace {
 
 /// One queued removal of a page's two files.
 struct QueuedRemoval {
-  std::vector<std::shared_ptr<KnownFile>> files;
+  std::vector<std::shared_ptr<ProtectedFile>> files;
   std::vector<PendingFile> pending;
 
   void run() const {

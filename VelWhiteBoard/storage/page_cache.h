@@ -8,15 +8,15 @@
 #include <unordered_map>
 #include <utility>
 
-#include "VelWhiteBoard/storage/files/page_log.h"
 #include "VelWhiteBoard/storage/files/queued_write.h"
+#include "VelWhiteBoard/storage/files/whole_list.h"
 #include "VelWhiteBoard/storage/lists/snap_list.h"
 
 namespace VelWhiteBoard {
 
 /// The lists of one page; one that is absent has not been looked for.
 struct CachedPage {
-  std::optional<PageLog> whole;
+  std::optional<WholeList> whole;
   std::unique_ptr<SnapList> snap;
   /// The files of the last queued write; null before the first.
   std::shared_ptr<const FileSlot> wholeFile;
@@ -92,7 +92,7 @@ class PageCache {
     return std::exchange(pages_, {});
   }
   /// Puts other logs in the place of all; afterwards `logs` holds those that were there.
-  void swapLogs(std::unordered_map<std::string, PageLog>& logs) {
+  void swapLogs(std::unordered_map<std::string, WholeList>& logs) {
     for (auto& [key, log] : logs) static_cast<void>(at(key));
     for (auto& [key, page] : pages_) {
       const auto next = logs.find(key);
@@ -109,7 +109,7 @@ class PageCache {
   void swapSnaps(std::unordered_map<std::string, std::unique_ptr<SnapList>>& lists) {
     try {
       for (auto& [key, snap] : lists) {
-        static_cast<void>(at(key));  // a page without lists is as good as none
+        static_cast<void>(at(key));  // a page without lists does no harm
         snap->attach(unnamed_);
       }
     } catch (...) {

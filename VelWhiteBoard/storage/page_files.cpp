@@ -39,8 +39,8 @@ bool VWBVectorStorage::State::arePageFilesPending(const std::string& key) {
 }
 
 ReadPage VWBVectorStorage::State::readLists(const std::string& key, bool isNewest) {
-  std::shared_ptr<KnownFile> wholeList;
-  std::shared_ptr<KnownFile> snapList;
+  std::shared_ptr<ProtectedFile> wholeList;
+  std::shared_ptr<ProtectedFile> snapList;
   {
     const MutexHold hold(guard);
     const CachedPage* page = cache.find(key);
@@ -48,25 +48,25 @@ ReadPage VWBVectorStorage::State::readLists(const std::string& key, bool isNewes
     if (page == nullptr || !page->snap) snapList = files.at(snapListFile(folder, key));
   }
   ReadPage read;
-  std::shared_ptr<UnreadLog> unread;
+  std::shared_ptr<UndecodedLog> unread;
   if (wholeList) {
-    const KnownFile::Version begun = wholeList->beginReading();
+    const ProtectedFile::Version begun = wholeList->beginReading();
     FileBytes bytes;
     const FileResult given = FileSystem::current().readBytes(wholeList->path(), bytes);
     if (given.ok()) {
-      unread = std::make_shared<UnreadLog>(std::move(bytes), wholeList, begun, isNewest);
+      unread = std::make_shared<UndecodedLog>(std::move(bytes), wholeList, begun, isNewest);
     } else {
       wholeList->endReading(begun, isNewest ? stateAfterReading(given) : FileState::kUnknown);
     }
     read.whole.emplace(unread);
   }
   if (snapList) {
-    const KnownFile::Version begun = snapList->beginReading();
+    const ProtectedFile::Version begun = snapList->beginReading();
     const ReadList<VelWbBaseVector> vectors = readVectors(snapList->path());
     read.snap = std::make_unique<SnapList>(SharedVectorList(vectors.list));
     snapList->endReading(begun, isNewest ? vectors.found : FileState::kUnknown);
   }
-  if (unread) UnreadLog::readInBackground(unread);
+  if (unread) UndecodedLog::readInBackground(unread);
   return read;
 }
 
@@ -76,14 +76,14 @@ CachedPage& VWBVectorStorage::State::cacheLists(const std::string& key, ReadPage
     if (!read.snap) read.snap = std::make_unique<SnapList>();
     cache.setSnap(page, std::move(read.snap));
   }
-  if (!page.whole) page.whole.emplace(read.whole ? std::move(*read.whole) : PageLog());
+  if (!page.whole) page.whole.emplace(read.whole ? std::move(*read.whole) : WholeList());
   return page;
 }
 
 std::shared_ptr<const FileSlot> VWBVectorStorage::State::slotOf(
     const std::optional<std::string>& path, const std::shared_ptr<const FileSlot>& last) {
   if (!path) return nullptr;
-  std::shared_ptr<KnownFile> file = files.at(*path);
+  std::shared_ptr<ProtectedFile> file = files.at(*path);
   return last && last->get() == file ? last : std::make_shared<const FileSlot>(std::move(file));
 }
 
@@ -103,18 +103,18 @@ WriteBacklog::Prepared VWBVectorStorage::State::preparePageWrite(
   std::vector<PendingFile> pending;
   std::string names;
   const std::shared_ptr<OperationQueue> queue = saveQueue;
-  const auto add = [&](const std::shared_ptr<const FileSlot>& slot, PageLog vectors) {
+  const auto add = [&](const std::shared_ptr<const FileSlot>& slot, WholeList vectors) {
     if (!slot) return;
-    const std::shared_ptr<KnownFile> file = slot->get();
+    const std::shared_ptr<ProtectedFile> file = slot->get();
     contents.push_back({slot, std::move(vectors)});
     pending.emplace_back(file->pendingName(), queue);
     names += file->path() + '\n';
   };
-  const auto addWhole = [&] { add(whole, page.whole ? *page.whole : PageLog()); };
+  const auto addWhole = [&] { add(whole, page.whole ? *page.whole : WholeList()); };
   contents.reserve(2);
   pending.reserve(2);
   if (order == SaveOrder::kWholeFirst) addWhole();
-  add(snap, PageLog(page.snap ? page.snap->list() : SharedVectorList()));
+  add(snap, WholeList(page.snap ? page.snap->list() : SharedVectorList()));
   if (order == SaveOrder::kSnapFirst) addWhole();
   page.wholeFile = std::move(whole);
   page.snapFile = std::move(snap);
@@ -125,9 +125,9 @@ WriteBacklog::Prepared VWBVectorStorage::State::preparePageWrite(
 }
 
 WriteBacklog::Prepared VWBVectorStorage::State::prepareVisitedPagesWrite(SharedVectorList pages) {
-  const std::shared_ptr<KnownFile> file = pageFile->get();
+  const std::shared_ptr<ProtectedFile> file = pageFile->get();
   std::vector<FileContents> contents;
-  contents.push_back({pageFile, PageLog(std::move(pages))});
+  contents.push_back({pageFile, WholeList(std::move(pages))});
   std::vector<PendingFile> pending;
   pending.emplace_back(file->pendingName(), saveQueue);
   return backlog.prepare(

@@ -76,21 +76,21 @@ void VWBVectorStorage::setPageArray(const std::vector<SwitchPagePtr>& pages) {
 }
 
 VWBVectorStorage::ListsByPage VWBVectorStorage::wholeVectorss() const {
-  std::vector<std::pair<std::string, PageLog>> logs;
+  std::vector<std::pair<std::string, WholeList>> logs;
   {
     const MutexHold hold(state_->guard);
     for (const auto& [key, page] : state_->cache.pages()) {
       if (page.whole) logs.emplace_back(key, *page.whole);
     }
   }
-  // Without the guard: logs that nobody has asked for yet become records here.
+  // Without the guard: logs that have not been decoded yet become records here.
   ListsByPage lists;
   for (const auto& [key, log] : logs) lists.emplace(key, log.vectors());
   return lists;
 }
 
 void VWBVectorStorage::setWholeVectorss(const ListsByPage& lists) {
-  std::unordered_map<std::string, PageLog> logs;
+  std::unordered_map<std::string, WholeList> logs;
   for (const auto& [key, vectors] : lists) logs.emplace(key, SharedVectorList(vectors));
   const MutexHold hold(state_->guard);
   state_->cache.swapLogs(logs);

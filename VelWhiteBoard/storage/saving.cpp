@@ -6,7 +6,7 @@
 
 #include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/services/vector_manager.h"
-#include "VelWhiteBoard/storage/lists/saved_vector.h"
+#include "VelWhiteBoard/storage/lists/saving_rule.h"
 #include "VelWhiteBoard/storage/storage_state.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
@@ -95,10 +95,10 @@ bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const Vecto
     if (ignoreChanges) return true;
     CachedPage& cached = cache.at(currentKey());
     std::unique_ptr<SnapList> newSnap = cached.snap ? nullptr : cache.newSnap();
-    std::optional<PageLog> newWhole;
+    std::optional<WholeList> newWhole;
     if (!cached.whole) newWhole.emplace();
     SnapList& snap = newSnap ? *newSnap : *cached.snap;
-    PageLog& whole = newWhole ? *newWhole : *cached.whole;
+    WholeList& whole = newWhole ? *newWhole : *cached.whole;
 
     whole.reserveBack();
     Naming naming(vector, cache, *history);

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "VelWhiteBoard/foundation/queue/mutex.h"
-#include "VelWhiteBoard/storage/files/known_file.h"
+#include "VelWhiteBoard/storage/files/protected_file.h"
 #include "VelWhiteBoard/storage/files/timed_saves.h"
 #include "VelWhiteBoard/storage/files/write_backlog.h"
 #include "VelWhiteBoard/storage/lists/history.h"
@@ -28,7 +28,7 @@ enum class SaveOrder { kWholeFirst, kSnapFirst };
 
 /// What was read of a page; a list that was cached has not been read.
 struct ReadPage {
-  std::optional<PageLog> whole;
+  std::optional<WholeList> whole;
   std::unique_ptr<SnapList> snap;
 };
 
@@ -49,7 +49,7 @@ struct ReadPage {
 struct VWBVectorStorage::State {
   // Constant or synchronised by themselves.
   const std::shared_ptr<History> history = std::make_shared<History>();
-  KnownFiles files;
+  ProtectedFiles files;
   const std::shared_ptr<FileSlot> pageFile = std::make_shared<FileSlot>(files.at(""));
   std::atomic<bool> ignoreChanges = true;
 
@@ -122,7 +122,7 @@ struct VWBVectorStorage::State {
   void giveWay() VELWHITEBOARD_EXCLUDES(guard);
   /// Waits until no batch is being appended to a page.
   void waitForBatch(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
-  /// Makes a page current, whose lists nobody is changing; the semaphore is held.
+  /// Makes a page current. The semaphore is held, and no batch is being appended to the page.
   VectorList switchTo(const SwitchPagePtr& page, const std::string& key, bool isNewest)
       VELWHITEBOARD_EXCLUDES(guard);
   void saveFile(bool force) VELWHITEBOARD_EXCLUDES(guard);

@@ -32,7 +32,7 @@ VectorList VWBVectorStorage::switchPage(const SwitchPagePtr& page) {
   saveFile(true);
   for (;;) {
     // Waits before it takes the semaphore, so that other threads do not wait for the disk. Another
-    // thread may queue a removal, or append a batch, in between: then it waits once more.
+    // thread may queue a removal, or append a batch, in between: then it waits again.
     state_->waitForBatch(key);
     const bool isQuiet = state_->waitForPageFiles(key);
     const State::LongOperation operation(*state_);

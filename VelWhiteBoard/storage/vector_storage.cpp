@@ -33,11 +33,11 @@ void VWBVectorStorage::State::reload(bool isRemoved) {
     const MutexHold hold(guard);
     board = folder;
   }
-  const std::shared_ptr<KnownFile> file = files.at(pageListFile(board));
+  const std::shared_ptr<ProtectedFile> file = files.at(pageListFile(board));
   VWBPathManager::sharedManager().createFolderWithPath(board);
   // Writes that were queued before `clear` are not waited for: they would bring the pages back.
   const bool isNewest = isRemoved || waitForPendingFiles({file->pendingName()});
-  const KnownFile::Version begun = file->beginReading();
+  const ProtectedFile::Version begun = file->beginReading();
   const ReadList<VelWbVecSwitchPage> pages = readPages(file->path());
   VisitedPages newVisited(pages.list);
 

@@ -36,8 +36,9 @@ namespace VelWhiteBoard {
 /// Threads: every operation may be called from any thread, except that `reload` and `clear` are not
 /// to be called while another thread uses the storage's lists. `semphore` (count 1, not re-entrant)
 /// serialises the operations that change the board, as each one says; a thread that holds it may
-/// call every property accessor and every operation that says "takes no lock". Beneath it, each
-/// access to the storage's own fields is atomic, the accessors' too. Saving changes entries that
+/// call every property accessor and every operation that says "takes no lock", which means: does
+/// not wait on `semphore`. Each access to the storage's own fields is atomic all the same, through
+/// an accessor too. Saving changes entries that
 /// are on a page already, so a thread that reads entries while others save must hold `semphore`
 /// meanwhile.
 ///
@@ -45,15 +46,16 @@ namespace VelWhiteBoard {
 /// queued. What an operation queues is the page, with all its vectors, as it is at that instant,
 /// however late it is written. Of more than sixteen waiting writes of the same files the oldest are
 /// dropped. Before a file is read, the writes and removals of it that are queued in this process
-/// are given the time to run, as long as their queue makes progress: a quarter of a second without
-/// any ends the wait.
+/// are waited for. When their queue makes no progress for a quarter of a second, the wait ends and
+/// the file is read as it is.
 ///
 /// Failures are silent: a file that cannot be read is an empty list, a write that fails leaves the
 /// file that was there. Nothing that could not be read is lost: before such a file is replaced, it
 /// is moved aside as NAME`.damaged`, or `.damaged-2` and so on. A write that is under way has its
 /// contents in NAME`.tmp`, which a crash may leave and the next opening removes. An operation that
-/// throws `std::bad_alloc` has changed nothing, but for two: see `appendVectors` and `clear`. A
-/// null vector or page is ignored.
+/// throws `std::bad_alloc` has changed nothing, but for two: see `appendVectors` and `clear`; and
+/// `switchPage` may have queued the writing of the page that it did not leave. A null vector or
+/// page is ignored.
 ///
 /// Not meant to be derived from.
 class VELWHITEBOARD_EXPORT VWBVectorStorage {
@@ -84,7 +86,8 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// Queues the writing of the current page's two files when something has changed since the page
   /// became current: at once when `force` is true, otherwise only when more than 20 seconds have
   /// passed since `lastSaveDate`. When the wall clock is set back, the 20 seconds are measured by a
-  /// clock that nobody sets. `hasNewChange` stays, `lastSaveDate` becomes now. Waits on `semphore`.
+  /// clock that is never set. `hasNewChange` stays, `lastSaveDate` becomes now. Waits on
+  /// `semphore`.
   void saveFile(bool force);
 
   /// @}
@@ -92,7 +95,8 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// @{
 
   /// Files a vector under the current page, and asks for a timed save: `saveFile(false)`. A vector
-  /// without an identifier is given one, a line without a path one of its own position. A vector
+  /// without an identifier is given one. A line that becomes a new entry and has no `path` is given
+  /// one that holds its own position. A vector
   /// that continues a stroke or edits a box changes that entry; only the log keeps the vector
   /// itself. Does nothing while changes are ignored. Waits on `semphore`; costs the same however
   /// long the stroke and the log are.
@@ -117,8 +121,9 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   /// When it throws `std::bad_alloc`, another page is as it was; on the current page the vectors
   /// before the one that failed have been saved.
   ///
-  /// Reads the page's files the first time. Waits on `semphore` then, and holds it for some 0.1
-  /// milliseconds at a time, so other threads may see a part of a long batch.
+  /// When the page is not current, those of its lists that are not cached are read from its files
+  /// first. Only then is `semphore` waited for. It is held for some 0.1 milliseconds at a time, so
+  /// other threads may see a part of a long batch.
   void appendVectors(const VectorList& vectors, const SwitchPagePtr& toPage);
 
   /// Whether the page has stored vectors: its lists are cached, even empty ones, or its key is in
@@ -176,7 +181,8 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   bool ignoreChanges() const;
   void setIgnoreChanges(bool ignore);
 
-  /// Whether a vector was accepted on the current page; a save happens only then, and leaves it.
+  /// Whether a vector was accepted on the current page. Only then does `saveFile` queue a write; it
+  /// stays true afterwards.
   /// Cleared by a page switch, `reload`, `clear`, and `clearPage` of the current page.
   bool hasNewChange() const;
   void setHasNewChange(bool changed);

@@ -59,8 +59,9 @@ class VectorOf : public RecordOf<Self, Base> {
 
 /// Any whiteboard operation: a type name, a time and an identifier.
 ///
-/// Threads: a vector takes no lock. A vector that was given to a storage belongs to it: the storage
-/// may change it; callers read it only on the thread that saves, or copy it before.
+/// Threads: a vector takes no lock. A vector that was given to a storage belongs to it, and the
+/// storage may change it. Callers read it on the thread that saves, or while they hold the
+/// storage's `semphore`, or they copy it before they save it.
 ///
 /// Clients do not derive classes from it: what is generic works for the library's own classes.
 class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Record> {

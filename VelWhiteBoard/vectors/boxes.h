@@ -121,7 +121,7 @@ class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbV
 /// reference board.
 class VELWHITEBOARD_EXPORT VelWbVecText : public VectorOf<VelWbVecText, VelWbVecSquare> {
  public:
-  /// In an update empty: not given, so merging cannot empty a text.
+  /// In an update empty: not given, so merging cannot clear a string.
   std::optional<std::string> text;
   /// In the sender's view points; in an update 0 or less: not given.
   double fontSize = 0;

@@ -31,7 +31,8 @@ class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, Ve
   VelWbVecDiagram(VelWbVecDiagram&& other) = default;
   VelWbVecDiagram& operator=(const VelWbVecDiagram& other) = default;
   VelWbVecDiagram& operator=(VelWbVecDiagram&& other) = default;
-  /// Asks for no memory, whatever `points` holds: a vector may end when there is none left.
+  /// Allocates no memory, whatever `points` holds: a vector may be destroyed when memory has run
+  /// out.
   ~VelWbVecDiagram() override;
 
   static const RecordClass& ownClass();

@@ -43,8 +43,8 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
   /// with its own position, and its `ts` is the threshold. A position with a time is taken when the
   /// time is above the threshold; a time above 0 then becomes the threshold. A position without a
   /// time is taken while the threshold is below 0. A position of fewer than two numbers is dropped.
-  /// So a piece of positions at times above 0 that arrives twice adds nothing the second time.
-  /// Positions without a time are added again, and some at times of 0 or less may be.
+  /// So a piece whose positions all have times above 0 adds nothing when it arrives a second time.
+  /// Positions without a time, or at a time of 0 or less, may be added again.
   ///
   /// `ts`, `end`, `x` and `y` follow the piece, whether positions were taken or not. Cost is
   /// proportional to the piece, not to the stroke.
@@ -92,7 +92,8 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   VelWbVecLine(VelWbVecLine&& other) = default;
   VelWbVecLine& operator=(const VelWbVecLine& other) = default;
   VelWbVecLine& operator=(VelWbVecLine&& other) = default;
-  /// Asks for no memory, whatever `offset` holds: a vector may end when there is none left.
+  /// Allocates no memory, whatever `offset` holds: a vector may be destroyed when memory has run
+  /// out.
   ~VelWbVecLine() override;
 
   static const RecordClass& ownClass();
@@ -106,8 +107,8 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   /// on the thread that uses the tool manager.
   double lineWidth() const;
   /// The width in view points on a board of the given size, in view points; only its width counts,
-  /// and any value is computed with. Without `pixel` and `ps` the tool manager's table for the type
-  /// decides, so the same thread rule holds.
+  /// and any value is computed with. When `pixel` or `ps` is not given, the tool manager's table
+  /// for the type decides instead, so this, too, is to be called on the tool manager's thread.
   double lineWidthWith(Size size) const;
 
   template <class Visitor>

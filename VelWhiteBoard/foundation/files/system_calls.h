@@ -19,7 +19,7 @@ struct FileInfo {
   std::uint32_t permissions = 0;  ///< the nine read, write and execute bits
 };
 
-/// What a file is opened for. None of these ever waits: a pipe nobody writes to opens at once.
+/// What a file is opened for. None of these ever waits: a pipe without a writer opens at once.
 enum class OpenMode {
   kRead,          ///< for reading
   kTemporary,     ///< for reading and writing, made when missing, never through a symbolic link

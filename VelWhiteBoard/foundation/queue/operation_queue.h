@@ -26,7 +26,7 @@ class QueueState;
 /// process is gone, so an operation that never ends keeps the process. Nothing that other threads
 /// do does. From then on:
 /// - What these operations add runs too, behind them, up to as many as there were and a thousand
-///   more; so an operation that adds itself again for ever does not keep the process.
+///   more; so an operation that adds itself again and again does not keep the process.
 /// - What any other thread adds runs on that thread before the call returns, unless its queue has
 ///   something to do. Then it runs behind that, by whichever thread, if the process is still there.
 /// - `removeOperation` takes back nothing that was added before.

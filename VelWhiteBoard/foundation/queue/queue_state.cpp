@@ -129,7 +129,7 @@ void QueueState::waitUntilIdle() {
   const std::uint64_t number = threads_.lastNumber();
   while (!isWaitOver(number)) {
     // A thread that waits inside an operation works on nothing else. If all of them waited for
-    // queues that none of them runs, they would do so for ever; so each runs the queue that it
+    // queues that none of them runs, they would never end; so each runs the queue that it
     // waits for. At the end there may be no other thread that does.
     const bool helps = isInsideAnother || threads_.isEnding();
     if (helps && canStart()) {

@@ -9,8 +9,8 @@
 namespace VelWhiteBoard {
 namespace {
 
-// Operations that are run at the end though they were not there when it began: beyond so many, more
-// than there were operations, one that adds itself again for ever has to be assumed.
+// How many operations that were added during the end it waits for, beyond the number that there
+// were before it: an operation may add itself again without end.
 constexpr std::size_t kMostFollowUps = 1000;
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 namespace VelWhiteBoard {
 
-/// The wall clock: seconds since 1970-01-01 00:00 UTC. Jumps when somebody sets the clock.
+/// The wall clock: seconds since 1970-01-01 00:00 UTC. Jumps when the clock is set.
 /// Safe from any thread.
 VELWHITEBOARD_EXPORT double currentTime();
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "VelWhiteBoard/storage/files/known_file.h"
+#include "VelWhiteBoard/storage/files/protected_file.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/commands.h"
 

@@ -9,9 +9,9 @@
 
 #include "VelWhiteBoard/foundation/plist/property_list_writer.h"
 #include "VelWhiteBoard/foundation/queue/mutex.h"
-#include "VelWhiteBoard/storage/files/known_file.h"
-#include "VelWhiteBoard/storage/files/page_log.h"
 #include "VelWhiteBoard/storage/files/pending_files.h"
+#include "VelWhiteBoard/storage/files/protected_file.h"
+#include "VelWhiteBoard/storage/files/whole_list.h"
 #include "VelWhiteBoard/storage/lists/history.h"
 
 namespace VelWhiteBoard {
@@ -21,25 +21,25 @@ namespace VelWhiteBoard {
 /// Threads: any.
 class FileSlot {
  public:
-  explicit FileSlot(std::shared_ptr<KnownFile> file) : file_(std::move(file)) {}
-  std::shared_ptr<KnownFile> get() const {
+  explicit FileSlot(std::shared_ptr<ProtectedFile> file) : file_(std::move(file)) {}
+  std::shared_ptr<ProtectedFile> get() const {
     const MutexHold hold(mutex_);
     return file_;
   }
-  void set(std::shared_ptr<KnownFile> file) {
+  void set(std::shared_ptr<ProtectedFile> file) {
     const MutexHold hold(mutex_);
     std::swap(file_, file);
   }
 
  private:
   mutable Mutex mutex_;
-  std::shared_ptr<KnownFile> file_ VELWHITEBOARD_GUARDED_BY(mutex_);
+  std::shared_ptr<ProtectedFile> file_ VELWHITEBOARD_GUARDED_BY(mutex_);
 };
 
 /// What goes into one file.
 struct FileContents {
   std::shared_ptr<const FileSlot> file;
-  PageLog vectors;
+  WholeList vectors;
 };
 
 /// One queued write: of the two files of a page, or of the list of visited pages. It owns all that

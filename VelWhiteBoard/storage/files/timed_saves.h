@@ -7,7 +7,7 @@
 namespace VelWhiteBoard {
 
 /// Measures the time since the last save, by the wall clock and, should that be set back, by a
-/// clock that nobody sets.
+/// clock that is never set.
 ///
 /// Threads: as the storage guards it.
 class TimedSaves {

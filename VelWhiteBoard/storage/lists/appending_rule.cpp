@@ -1,8 +1,8 @@
-#include "VelWhiteBoard/storage/lists/appended_vectors.h"
+#include "VelWhiteBoard/storage/lists/appending_rule.h"
 
 #include <vector>
 
-#include "VelWhiteBoard/storage/lists/saved_vector.h"
+#include "VelWhiteBoard/storage/lists/saving_rule.h"
 #include "VelWhiteBoard/vectors/commands.h"
 #include "VelWhiteBoard/vectors/strokes.h"
 #include "VelWhiteBoard/vectors/vector_defines.h"

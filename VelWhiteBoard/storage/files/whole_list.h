@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "VelWhiteBoard/storage/files/unread_log.h"
+#include "VelWhiteBoard/storage/files/undecoded_log.h"
 #include "VelWhiteBoard/storage/lists/shared_vector_list.h"
 
 namespace VelWhiteBoard {
@@ -14,11 +14,11 @@ namespace VelWhiteBoard {
 /// like that of a SharedVectorList.
 ///
 /// Threads: not synchronised; distinct logs, copies included, may be used from distinct threads.
-class PageLog {
+class WholeList {
  public:
-  PageLog() = default;
-  explicit PageLog(SharedVectorList vectors) : since_(std::move(vectors)) {}
-  explicit PageLog(std::shared_ptr<UnreadLog> unread) : unread_(std::move(unread)) {}
+  WholeList() = default;
+  explicit WholeList(SharedVectorList vectors) : since_(std::move(vectors)) {}
+  explicit WholeList(std::shared_ptr<UndecodedLog> unread) : unread_(std::move(unread)) {}
 
   /// Makes room for one vector: the next `pushReserved` needs no memory.
   void reserveBack() { since_.reserveBack(); }
@@ -30,7 +30,7 @@ class PageLog {
   /// The vectors that have come since.
   const SharedVectorList& since() const { return since_; }
   /// What still may have to be made into vectors; null when the page had no log.
-  const std::shared_ptr<UnreadLog>& unread() const { return unread_; }
+  const std::shared_ptr<UndecodedLog>& unread() const { return unread_; }
 
   /// All vectors; may have to make those of the file.
   VectorList vectors() const {
@@ -41,7 +41,7 @@ class PageLog {
   }
 
  private:
-  std::shared_ptr<UnreadLog> unread_;
+  std::shared_ptr<UndecodedLog> unread_;
   SharedVectorList since_;
 };
 

@@ -1,4 +1,4 @@
-#include "VelWhiteBoard/storage/files/unread_log.h"
+#include "VelWhiteBoard/storage/files/undecoded_log.h"
 
 #include <chrono>
 #include <exception>
@@ -20,11 +20,11 @@ OperationQueue& readingQueue() {
 
 }  // namespace
 
-UnreadLog::UnreadLog(FileBytes bytes, std::shared_ptr<KnownFile> file, KnownFile::Version begun,
-                     bool isNewest)
+UndecodedLog::UndecodedLog(FileBytes bytes, std::shared_ptr<ProtectedFile> file,
+                           ProtectedFile::Version begun, bool isNewest)
     : file_(std::move(file)), begun_(begun), isNewest_(isNewest), bytes_(std::move(bytes)) {}
 
-SharedVectorList UnreadLog::list() {
+SharedVectorList UndecodedLog::list() {
   constexpr std::chrono::milliseconds kBetweenReports{10};
   const MutexHold hold(mutex_);
   while (isBeingRead_) {
@@ -59,7 +59,7 @@ SharedVectorList UnreadLog::list() {
   return list_;
 }
 
-void UnreadLog::readInBackground(const std::shared_ptr<UnreadLog>& log) {
+void UndecodedLog::readInBackground(const std::shared_ptr<UndecodedLog>& log) {
   readingQueue().addOperationWithBlock([weak = std::weak_ptr(log)] {
     // A storage that has gone needs no records. Without memory the bytes stay.
     if (const auto unread = weak.lock()) static_cast<void>(unread->list());

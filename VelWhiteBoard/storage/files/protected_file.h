@@ -38,13 +38,13 @@ enum class FileState {
 ///   since the reading began.
 ///
 /// Threads: any.
-class KnownFile {
+class ProtectedFile {
  public:
   /// How often the file has been written, moved or removed.
   using Version = std::uint64_t;
   using AddRecords = std::function<void(PropertyListWriter& writer)>;
 
-  explicit KnownFile(std::string path);
+  explicit ProtectedFile(std::string path);
 
   const std::string& path() const { return path_; }
   /// The path as `PendingFile` takes it.
@@ -85,15 +85,15 @@ class KnownFile {
 /// The files that a storage has had to do with, by path.
 ///
 /// Threads: any.
-class KnownFiles {
+class ProtectedFiles {
  public:
-  std::shared_ptr<KnownFile> at(const std::string& path);
+  std::shared_ptr<ProtectedFile> at(const std::string& path);
   /// Notes which files are no longer there, after the board's folder has been removed.
   void lookForRemoved();
 
  private:
   Mutex mutex_;
-  std::unordered_map<std::string, std::shared_ptr<KnownFile>> files_
+  std::unordered_map<std::string, std::shared_ptr<ProtectedFile>> files_
       VELWHITEBOARD_GUARDED_BY(mutex_);
 };
 

@@ -1,4 +1,4 @@
-#include "VelWhiteBoard/storage/lists/saved_vector.h"
+#include "VelWhiteBoard/storage/lists/saving_rule.h"
 
 #include <optional>
 #include <utility>

@@ -6,7 +6,7 @@
 
 #include "VelWhiteBoard/foundation/files/file_system.h"
 #include "VelWhiteBoard/foundation/queue/mutex.h"
-#include "VelWhiteBoard/storage/files/known_file.h"
+#include "VelWhiteBoard/storage/files/protected_file.h"
 #include "VelWhiteBoard/storage/lists/shared_vector_list.h"
 
 namespace VelWhiteBoard {
@@ -19,23 +19,23 @@ namespace VelWhiteBoard {
 /// memory for the records cannot be had, the bytes stay, and the next call tries again.
 ///
 /// Threads: any.
-class UnreadLog {
+class UndecodedLog {
  public:
   /// Takes bytes of `file`, read since `begun`; notes there whether they turn out to be a log.
   /// `isNewest` says whether nothing was queued that would change the file: otherwise it does not
   /// count as read.
-  UnreadLog(FileBytes bytes, std::shared_ptr<KnownFile> file, KnownFile::Version begun,
-            bool isNewest);
+  UndecodedLog(FileBytes bytes, std::shared_ptr<ProtectedFile> file, ProtectedFile::Version begun,
+               bool isNewest);
 
   /// The records; none when the bytes are not a log.
   SharedVectorList list();
 
   /// Has the records of a log made in the background.
-  static void readInBackground(const std::shared_ptr<UnreadLog>& log);
+  static void readInBackground(const std::shared_ptr<UndecodedLog>& log);
 
  private:
-  const std::shared_ptr<KnownFile> file_;
-  const KnownFile::Version begun_;
+  const std::shared_ptr<ProtectedFile> file_;
+  const ProtectedFile::Version begun_;
   const bool isNewest_;
   Mutex mutex_;
   Condition ended_;

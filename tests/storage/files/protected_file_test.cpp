@@ -1,5 +1,5 @@
 // What a storage may do with a file depends on what it knows of it.
-#include "VelWhiteBoard/storage/files/known_file.h"
+#include "VelWhiteBoard/storage/files/protected_file.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view kOld = "what somebody else wrote";
 
-class AKnownFile : public ::testing::Test {
+class AProtectedFile : public ::testing::Test {
  protected:
   void plant(std::string_view text = kOld) { std::ofstream(path_) << text; }
   void write() {
@@ -37,10 +37,10 @@ class AKnownFile : public ::testing::Test {
 
   TemporaryFolder folder_;
   const std::string path_ = folder_.at("page.plist");
-  KnownFile file_{path_};
+  ProtectedFile file_{path_};
 };
 
-TEST_F(AKnownFile, IsReplacedWhenItWasReadWhole) {
+TEST_F(AProtectedFile, IsReplacedWhenItWasReadWhole) {
   plant();
   found(FileState::kReadWhole);
   write();
@@ -48,7 +48,7 @@ TEST_F(AKnownFile, IsReplacedWhenItWasReadWhole) {
   EXPECT_TRUE(isNothingAside());
 }
 
-TEST_F(AKnownFile, IsReplacedWhenThisStorageWroteIt) {
+TEST_F(AProtectedFile, IsReplacedWhenThisStorageWroteIt) {
   found(FileState::kAbsent);
   write();
   write();
@@ -56,7 +56,7 @@ TEST_F(AKnownFile, IsReplacedWhenThisStorageWroteIt) {
   EXPECT_TRUE(isNothingAside());
 }
 
-TEST_F(AKnownFile, LetsItsQueueGetOnWhileItIsWritten) {
+TEST_F(AProtectedFile, LetsItsQueueGetOnWhileItIsWritten) {
   OperationQueue queue;
   std::uint64_t within = 0;
   queue.addOperationWithBlock([&] {
@@ -68,14 +68,14 @@ TEST_F(AKnownFile, LetsItsQueueGetOnWhileItIsWritten) {
   EXPECT_GT(within, 0U);
 }
 
-TEST_F(AKnownFile, IsMovedAsideWhenNobodyHasLookedAtIt) {
+TEST_F(AProtectedFile, IsMovedAsideWhenNobodyHasLookedAtIt) {
   plant();
   write();
   EXPECT_TRUE(isWritten());
   EXPECT_TRUE(isAside());
 }
 
-TEST_F(AKnownFile, IsMovedAsideWhenItWasNotRead) {
+TEST_F(AProtectedFile, IsMovedAsideWhenItWasNotRead) {
   plant();
   found(FileState::kNotRead);
   write();
@@ -85,7 +85,7 @@ TEST_F(AKnownFile, IsMovedAsideWhenItWasNotRead) {
   EXPECT_FALSE(std::filesystem::exists(path_ + ".damaged-2")) << "once";
 }
 
-TEST_F(AKnownFile, IsMovedToANameThatNothingHasYet) {
+TEST_F(AProtectedFile, IsMovedToANameThatNothingHasYet) {
   for (const std::string suffix : {"", "-2", "-3"}) {
     plant();
     found(FileState::kNotRead);
@@ -95,14 +95,14 @@ TEST_F(AKnownFile, IsMovedToANameThatNothingHasYet) {
   EXPECT_TRUE(isAside()) << "and nothing has replaced the first";
 }
 
-TEST_F(AKnownFile, MayBeAFolderThatIsInTheWay) {
+TEST_F(AProtectedFile, MayBeAFolderThatIsInTheWay) {
   std::filesystem::create_directories(path_ + "/inside");
   write();
   EXPECT_TRUE(isWritten());
   EXPECT_TRUE(std::filesystem::exists(path_ + ".damaged/inside"));
 }
 
-TEST_F(AKnownFile, IsNotJudgedByAReadingThatBeganBeforeItWasWritten) {
+TEST_F(AProtectedFile, IsNotJudgedByAReadingThatBeganBeforeItWasWritten) {
   plant();
   const auto begun = file_.beginReading();
   write();
@@ -112,7 +112,7 @@ TEST_F(AKnownFile, IsNotJudgedByAReadingThatBeganBeforeItWasWritten) {
   EXPECT_FALSE(std::filesystem::exists(path_ + ".damaged-2")) << "the new file was healthy";
 }
 
-TEST_F(AKnownFile, IsReplacedAfterItHasBeenRemoved) {
+TEST_F(AProtectedFile, IsReplacedAfterItHasBeenRemoved) {
   plant();
   found(FileState::kNotRead);
   file_.remove();
@@ -122,15 +122,15 @@ TEST_F(AKnownFile, IsReplacedAfterItHasBeenRemoved) {
   EXPECT_TRUE(isNothingAside());
 }
 
-TEST_F(AKnownFile, IsRemovedWithTheTemporaryThatACrashHasLeft) {
+TEST_F(AProtectedFile, IsRemovedWithTheTemporaryThatACrashHasLeft) {
   plant();
   std::ofstream(path_ + ".tmp") << "half a page";
   file_.remove();
   EXPECT_FALSE(std::filesystem::exists(path_ + ".tmp"));
 }
 
-TEST_F(AKnownFile, TellsWhetherItsLastWriteHasFailed) {
-  KnownFile lost(folder_.at("no_such_folder/page.plist"));
+TEST_F(AProtectedFile, TellsWhetherItsLastWriteHasFailed) {
+  ProtectedFile lost(folder_.at("no_such_folder/page.plist"));
   EXPECT_FALSE(lost.hasFailed());
   lost.replace([](PropertyListWriter&) {});
   EXPECT_TRUE(lost.hasFailed());

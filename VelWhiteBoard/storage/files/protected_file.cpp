@@ -1,4 +1,4 @@
-#include "VelWhiteBoard/storage/files/known_file.h"
+#include "VelWhiteBoard/storage/files/protected_file.h"
 
 #include <cerrno>
 #include <utility>
@@ -10,36 +10,36 @@
 
 namespace VelWhiteBoard {
 
-KnownFile::KnownFile(std::string path)
+ProtectedFile::ProtectedFile(std::string path)
     : path_(std::move(path)), pendingName_(VelWhiteBoard::pendingName(path_)) {}
 
-KnownFile::Version KnownFile::beginReading() const {
+ProtectedFile::Version ProtectedFile::beginReading() const {
   const MutexHold hold(mutex_);
   return version_;
 }
 
-void KnownFile::endReading(Version begun, FileState found) noexcept {
+void ProtectedFile::endReading(Version begun, FileState found) noexcept {
   const MutexHold hold(mutex_);
   if (begun == version_) state_ = found;
 }
 
-void KnownFile::hasBeenRemoved() noexcept {
+void ProtectedFile::hasBeenRemoved() noexcept {
   hasFailed_ = false;
   note(FileState::kAbsent);
 }
 
-bool KnownFile::mayReplace() const {
+bool ProtectedFile::mayReplace() const {
   const MutexHold hold(mutex_);
   return state_ != FileState::kUnknown && state_ != FileState::kNotRead;
 }
 
-void KnownFile::note(FileState state) noexcept {
+void ProtectedFile::note(FileState state) noexcept {
   const MutexHold hold(mutex_);
   state_ = state;
   ++version_;
 }
 
-bool KnownFile::moveAside() {
+bool ProtectedFile::moveAside() {
   FileSystem& files = FileSystem::current();
   if (!files.exists(path_)) {
     // Also when the system would not tell. Then replacing it might destroy it.
@@ -54,7 +54,7 @@ bool KnownFile::moveAside() {
   return moved.ok();
 }
 
-void KnownFile::replace(const AddRecords& addAll) {
+void ProtectedFile::replace(const AddRecords& addAll) {
   if (!mayReplace()) {
     if (!moveAside()) return noteFailure();
     note(FileState::kAbsent);
@@ -75,7 +75,7 @@ void KnownFile::replace(const AddRecords& addAll) {
   hasFailed_ = !written.ok();
 }
 
-void KnownFile::remove() {
+void ProtectedFile::remove() {
   FileSystem& files = FileSystem::current();
   // The temporaries go first, so that a crash in between cannot leave them alone.
   // A second one is only made beside the first.
@@ -88,15 +88,15 @@ void KnownFile::remove() {
   hasBeenRemoved();
 }
 
-std::shared_ptr<KnownFile> KnownFiles::at(const std::string& path) {
+std::shared_ptr<ProtectedFile> ProtectedFiles::at(const std::string& path) {
   const MutexHold hold(mutex_);
-  std::shared_ptr<KnownFile>& file = files_[path];
-  if (!file) file = std::make_shared<KnownFile>(path);
+  std::shared_ptr<ProtectedFile>& file = files_[path];
+  if (!file) file = std::make_shared<ProtectedFile>(path);
   return file;
 }
 
-void KnownFiles::lookForRemoved() {
-  std::vector<std::shared_ptr<KnownFile>> files;
+void ProtectedFiles::lookForRemoved() {
+  std::vector<std::shared_ptr<ProtectedFile>> files;
   {
     const MutexHold hold(mutex_);
     for (const auto& [path, file] : files_) {
