@@ -38,9 +38,8 @@ namespace VelWhiteBoard {
 /// serialises the operations that change the board, as each one says; a thread that holds it may
 /// call every property accessor and every operation that says "takes no lock", which means: does
 /// not wait on `semphore`. Each access to the storage's own fields is atomic all the same, through
-/// an accessor too. Saving changes entries that
-/// are on a page already, so a thread that reads entries while others save must hold `semphore`
-/// meanwhile.
+/// an accessor too. Saving changes entries that are on a page already, so a thread that reads
+/// entries while others save must hold `semphore` meanwhile.
 ///
 /// Files are written by `saveQueue`, never by the caller, in the order in which the writes were
 /// queued. What an operation queues is the page, with all its vectors, as it is at that instant,
@@ -53,9 +52,9 @@ namespace VelWhiteBoard {
 /// file that was there. Nothing that could not be read is lost: before such a file is replaced, it
 /// is moved aside as NAME`.damaged`, or `.damaged-2` and so on. A write that is under way has its
 /// contents in NAME`.tmp`, which a crash may leave and the next opening removes. An operation that
-/// throws `std::bad_alloc` has changed nothing, but for two: see `appendVectors` and `clear`; and
-/// `switchPage` may have queued the writing of the page that it did not leave. A null vector or
-/// page is ignored.
+/// throws `std::bad_alloc` has changed nothing, with three exceptions: `appendVectors` and `clear`
+/// say what they leave, and `switchPage` may have queued the writing of the page that stays
+/// current. A null vector or page is ignored.
 ///
 /// Not meant to be derived from.
 class VELWHITEBOARD_EXPORT VWBVectorStorage {
@@ -96,10 +95,9 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
 
   /// Files a vector under the current page, and asks for a timed save: `saveFile(false)`. A vector
   /// without an identifier is given one. A line that becomes a new entry and has no `path` is given
-  /// one that holds its own position. A vector
-  /// that continues a stroke or edits a box changes that entry; only the log keeps the vector
-  /// itself. Does nothing while changes are ignored. Waits on `semphore`; costs the same however
-  /// long the stroke and the log are.
+  /// one that holds its own position. A vector that continues a stroke or edits a box changes that
+  /// entry; only the log keeps the vector itself. Does nothing while changes are ignored. Waits on
+  /// `semphore`; costs the same however long the stroke and the log are.
   void saveVector(const VectorPtr& vector);
 
   /// Queues the writing of every page whose last write has failed and that is still in memory, and
@@ -181,9 +179,9 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
   bool ignoreChanges() const;
   void setIgnoreChanges(bool ignore);
 
-  /// Whether a vector was accepted on the current page. Only then does `saveFile` queue a write; it
-  /// stays true afterwards.
-  /// Cleared by a page switch, `reload`, `clear`, and `clearPage` of the current page.
+  /// Whether a vector was accepted on the current page. Only then does `saveFile` queue a write,
+  /// which leaves this true. Cleared by a page switch, `reload`, `clear`, and `clearPage` of the
+  /// current page.
   bool hasNewChange() const;
   void setHasNewChange(bool changed);
 

@@ -1,4 +1,4 @@
-// The road of one pen stroke: from the tool that the user picked to the board's files, and back.
+// The path of one pen stroke: from the tool that the user picked to the board's files, and back.
 #include <VelWhiteBoard/VelWhiteBoard.h>
 #include <iostream>
 

@@ -2,6 +2,8 @@
 // the things that a library built with hidden symbols most easily breaks: casts between record
 // classes and exceptions that cross its border.
 #include <VelWhiteBoard/VelWhiteBoard.h>
+#include <VelWhiteBoard/foundation/record.h>          // without its room ...
+#include <VelWhiteBoard/foundation/records/record.h>  // ... and with it
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
