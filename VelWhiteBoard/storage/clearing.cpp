@@ -18,7 +18,8 @@ struct QueuedRemoval {
   std::vector<std::shared_ptr<ProtectedFile>> files;
   std::vector<PendingFile> pending;
 
-  void run() const {
+  void run() {
+    for (PendingFile& file : pending) file.begin();
     for (const auto& file : files) file->remove();
   }
 };

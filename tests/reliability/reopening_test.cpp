@@ -9,7 +9,10 @@
 
 #include <gtest/gtest.h>
 
+#include "VelWhiteBoard/foundation/files/disk_file_system.h"
+
 #include "tests/reliability/board_on_disk.h"
+#include "tests/support/faulty_calls.h"
 #include "tests/support/storage_story.h"
 
 namespace VelWhiteBoard {
@@ -123,6 +126,28 @@ TEST_F(ABoardThatIsOpenedAgain, WaitsAsLongAsTheQueueGetsOn) {
     storage->saveFile(true);
   }
   EXPECT_EQ(identifiersOf(board_.open()->switchPage(page(1, 1, 2))), Names{"drawn"});
+}
+
+// A sync takes longer than a client's operation may hold up the queue.
+TEST_F(ABoardThatIsOpenedAgain, WaitsForASlowDisk) {
+  FaultyCalls calls;
+  DiskFileSystem disk(calls);
+  const ScopedFileSystem scope(disk);
+  {
+    const auto storage = board_.open();
+    storage->switchPage(page(1, 1, 1));
+    settle(*storage);
+    draw(*storage, {"drawn"});
+    calls.before(Call::kSync, 1,
+                 [] { std::this_thread::sleep_for(std::chrono::milliseconds(600)); });
+    storage->saveFile(true);
+  }
+  const auto again = board_.open();
+  EXPECT_EQ(identifiersOf(again->switchPage(page(1, 1, 2))), Names{"drawn"});
+  draw(*again, {"new"});
+  saveNow(*again);
+  EXPECT_EQ(board_.identifiers(wholeName("1_1")), (Names{"drawn", "new"}));
+  EXPECT_EQ(board_.setAside(wholeName("1_1")), Names{});
 }
 
 TEST_F(ABoardThatIsOpenedAgain, ShowsWhatIsOnTheDiskWhenItsQueueIsBlocked) {

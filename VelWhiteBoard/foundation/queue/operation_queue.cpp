@@ -79,6 +79,8 @@ void OperationQueue::waitUntilAllOperationsAreFinished() {
 
 std::uint64_t OperationQueue::progress() const noexcept { return state_->progress(); }
 
+bool OperationQueue::isWaitingForThread() const noexcept { return state_->isWaitingForThread(); }
+
 void OperationQueue::reportProgress() noexcept { QueueState::reportProgress(); }
 
 bool OperationQueue::isThisThreadInside() const noexcept { return state_->isThisThreadInside(); }

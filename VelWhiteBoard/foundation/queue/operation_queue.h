@@ -88,6 +88,10 @@ class VELWHITEBOARD_EXPORT OperationQueue {
   /// reports progress. A caller that sees it unchanged for a while knows that the queue is stuck.
   std::uint64_t progress() const noexcept;
 
+  /// Whether an operation of this queue could begin but no thread is free to run it, because the
+  /// operations of other queues take their time. False while the process ends.
+  bool isWaitingForThread() const noexcept;
+
   /// Called by an operation, on the thread that runs it: the work goes on, for instance because a
   /// block was written. Costs next to nothing. Outside operations it has no effect.
   static void reportProgress() noexcept;

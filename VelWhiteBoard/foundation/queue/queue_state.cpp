@@ -39,6 +39,11 @@ void QueueState::reportProgress() noexcept {
   Frame::innermost->queue().progress_.fetch_add(1, std::memory_order_relaxed);
 }
 
+bool QueueState::isWaitingForThread() const noexcept {
+  const MutexHold hold(SharedThreads::mutex);
+  return canStart() && !threads_.isEnding();
+}
+
 bool QueueState::isThisThreadInside() const noexcept {
   const Frame* frame = Frame::innermost;
   while (frame != nullptr && &frame->queue() != this) frame = frame->outer();

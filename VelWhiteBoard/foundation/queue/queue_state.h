@@ -36,6 +36,7 @@ class QueueState : public std::enable_shared_from_this<QueueState> {
   void waitUntilIdle() VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
 
   std::uint64_t progress() const noexcept { return progress_.load(std::memory_order_relaxed); }
+  bool isWaitingForThread() const noexcept VELWHITEBOARD_EXCLUDES(SharedThreads::mutex);
   static void reportProgress() noexcept;
   bool isThisThreadInside() const noexcept;
 

@@ -1,5 +1,6 @@
 #include "VelWhiteBoard/storage/files/pending_files.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -15,10 +16,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// A queue that makes no progress for so long is not waited for.
-constexpr std::chrono::milliseconds kLongestStandstill{250};
 /// Progress within an operation is not announced, so it is looked for this often.
 constexpr std::chrono::milliseconds kBetweenLooks{10};
+/// A queue that is held up in so many looks in a row is not waited for: a quarter of a second, more
+/// if the process was stopped meanwhile.
+constexpr int kMostLooks = 25;
+/// Nor is a disk that takes longer. A sync takes seconds on a busy one.
+constexpr std::chrono::seconds kLongestStandstillOfADisk{30};
 
 using Queues = std::vector<std::shared_ptr<OperationQueue>>;
 
@@ -26,6 +30,7 @@ struct Pending {
   std::shared_ptr<OperationQueue> queue;
   /// Counts what has ever been pending.
   std::uint64_t number = 0;
+  bool hasBegun = false;
 };
 
 struct Register {
@@ -48,11 +53,22 @@ struct Register {
     for (const std::string& name : names) {
       const auto [first, end] = pending.equal_range(name);
       for (auto each = first; each != end; ++each) {
-        const auto& [queue, number] = each->second;
-        if (number <= last && !queue->isThisThreadInside()) found.push_back(queue);
+        const Pending& file = each->second;
+        if (file.number <= last && !file.queue->isThisThreadInside()) found.push_back(file.queue);
       }
     }
     return found;
+  }
+
+  /// Whether one of the queues is working on a file, whichever, or waits until others have done so.
+  bool isAnySlow(const Queues& queues) const VELWHITEBOARD_REQUIRES(mutex) {
+    for (const auto& queue : queues) {
+      if (queue->isWaitingForThread()) return true;
+    }
+    return std::any_of(pending.begin(), pending.end(), [&queues](const auto& each) {
+      const Pending& file = each.second;
+      return file.hasBegun && std::find(queues.begin(), queues.end(), file.queue) != queues.end();
+    });
   }
 };
 
@@ -68,7 +84,7 @@ struct PendingFile::Entry {
   Entry(const std::string& name, std::shared_ptr<OperationQueue> queue) {
     Register& all = Register::shared();
     const MutexHold hold(all.mutex);
-    place = all.pending.emplace(name, Pending{std::move(queue), all.newest + 1});
+    place = all.pending.emplace(name, Pending{std::move(queue), all.newest + 1, false});
     ++all.newest;
   }
   ~Entry() {
@@ -91,6 +107,11 @@ PendingFile::PendingFile(PendingFile&& other) noexcept = default;
 PendingFile& PendingFile::operator=(PendingFile&& other) noexcept = default;
 PendingFile::~PendingFile() = default;
 
+void PendingFile::begin() noexcept {
+  const MutexHold hold(Register::shared().mutex);
+  entry_->place->second.hasBegun = true;
+}
+
 std::string pendingName(const std::string& path) {
   std::error_code error;
   const std::filesystem::path absolute = std::filesystem::absolute(path, error);
@@ -108,7 +129,9 @@ bool arePending(const std::vector<std::string>& names) {
 bool waitForPendingFiles(const std::vector<std::string>& names) {
   Register& all = Register::shared();
   std::optional<std::uint64_t> last;
-  Clock::time_point deadline = Clock::now() + kLongestStandstill;
+  Clock::time_point progressedAt = Clock::now();
+  Clock::time_point lookedAt = progressedAt;
+  int looksWhileHeldUp = 0;
   std::uint64_t before = 0;
   std::size_t countBefore = 0;
   for (;;) {
@@ -118,12 +141,17 @@ bool waitForPendingFiles(const std::vector<std::string>& names) {
     concerned = all.concerned(names, *last);
     if (concerned.empty()) return true;
     const std::uint64_t progress = progressOf(concerned);
+    const Clock::time_point now = Clock::now();
     if (progress != before || concerned.size() != countBefore) {
-      deadline = Clock::now() + kLongestStandstill;
+      progressedAt = now;
+      looksWhileHeldUp = 0;
       before = progress;
       countBefore = concerned.size();
-    } else if (Clock::now() >= deadline) {
-      return false;
+    } else if (now - lookedAt >= kBetweenLooks) {
+      lookedAt = now;
+      const bool mayBeSlow = now - progressedAt < kLongestStandstillOfADisk;
+      looksWhileHeldUp = mayBeSlow && all.isAnySlow(concerned) ? 0 : looksWhileHeldUp + 1;
+      if (looksWhileHeldUp >= kMostLooks) return false;
     }
     all.ended.waitFor(all.mutex, kBetweenLooks);
   }

@@ -26,6 +26,9 @@ class PendingFile {
   PendingFile(const PendingFile&) = delete;
   PendingFile& operator=(const PendingFile&) = delete;
 
+  /// To be called by the operation when it begins to work on the file.
+  void begin() noexcept;
+
  private:
   struct Entry;
   std::unique_ptr<Entry> entry_;
@@ -35,9 +38,13 @@ class PendingFile {
 std::string pendingName(const std::string& path);
 
 /// Waits until nothing is pending for any of the files, so that reading them shows what was written
-/// last. Gives up when the queues concerned have finished nothing and written nothing for a quarter
-/// of a second. Inside an operation of a queue, what that queue is going to do is not waited for.
-/// Answers whether nothing is pending any more.
+/// last. Answers whether nothing is pending any more.
+///
+/// Gives up when the queues concerned have finished nothing and written nothing for a quarter of a
+/// second: a client's operation may hold up a queue, and may even wait for the calling thread.
+/// While one of them is working on a file, or no thread is free for it, the disk is merely slow, so
+/// this waits for thirty seconds. Inside an operation of a queue, what that queue is going to do is
+/// not waited for.
 bool waitForPendingFiles(const std::vector<std::string>& names);
 
 /// Whether `waitForPendingFiles` would have something to wait for.

@@ -19,6 +19,7 @@ QueuedWrite::QueuedWrite(std::vector<FileContents> files, std::vector<PendingFil
 
 void QueuedWrite::run() {
   hasBegun_ = true;
+  for (PendingFile& file : pending_) file.begin();
   auto next = files_.begin();
   try {
     for (; next != files_.end(); ++next) write(*next);

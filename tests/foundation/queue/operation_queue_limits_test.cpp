@@ -128,6 +128,29 @@ TEST(OperationQueueLimits, QueuesThatHangDoNotHoldUpAnother) {
   for (OperationQueue& each : hanging) each.waitUntilAllOperationsAreFinished();
 }
 
+TEST(OperationQueueLimits, AQueueWaitsForAThreadWhileOtherQueuesHaveThemAll) {
+  Gate gate;
+  Meeting begun(SharedThreads::kMaxThreads + 1);
+  std::vector<OperationQueue> hanging(SharedThreads::kMaxThreads);
+  for (OperationQueue& queue : hanging) {
+    queue.addOperationWithBlock([&] {
+      begun.arrive();
+      gate.pass();
+    });
+  }
+  begun.arrive();
+  OperationQueue queue;
+  EXPECT_FALSE(queue.isWaitingForThread()) << "it has nothing to do";
+  queue.addOperationWithBlock([] {});
+  EXPECT_TRUE(queue.isWaitingForThread());
+  hanging.front().addOperationWithBlock([] {});
+  EXPECT_FALSE(hanging.front().isWaitingForThread()) << "it waits for its own operation";
+  gate.open();
+  queue.waitUntilAllOperationsAreFinished();
+  EXPECT_FALSE(queue.isWaitingForThread());
+  for (OperationQueue& each : hanging) each.waitUntilAllOperationsAreFinished();
+}
+
 TEST(OperationQueueLimits, MoreQueuesMayHangThanThereAreThreadsAndComeBack) {
   Gate gate;
   std::atomic<int> count{0};

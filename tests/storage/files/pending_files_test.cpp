@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "VelWhiteBoard/foundation/queue/shared_threads.h"
+
 #include "tests/support/gate.h"
 
 namespace VelWhiteBoard {
@@ -22,10 +24,25 @@ void addFor(const std::shared_ptr<OperationQueue>& queue, const std::string& pat
   queue->addOperationWithBlock([pending, work = std::move(work)] { work(); });
 }
 
+constexpr std::chrono::milliseconds kLongerThanAStandstill{600};
+
+/// The same, of an operation that works on the file without being able to report progress.
+void addSlowWorkOn(const std::shared_ptr<OperationQueue>& queue, const std::string& path,
+                   std::atomic<bool>& ended) {
+  auto pending = std::make_shared<PendingFile>(pendingName(path), queue);
+  queue->addOperationWithBlock([pending, &ended] {
+    pending->begin();
+    std::this_thread::sleep_for(kLongerThanAStandstill);
+    ended = true;
+  });
+}
+
 bool waitFor(const std::string& path) { return waitForPendingFiles({pendingName(path)}); }
 
 class APendingFile : public ::testing::Test {
  protected:
+  void TearDown() override { queue_->waitUntilAllOperationsAreFinished(); }
+
   const std::shared_ptr<OperationQueue> queue_ = std::make_shared<OperationQueue>();
 };
 
@@ -73,6 +90,51 @@ TEST_F(APendingFile, IsWaitedForAsLongAsTheOperationReportsProgress) {
   });
   EXPECT_TRUE(waitFor("/b/x"));
   EXPECT_TRUE(ended);
+}
+
+TEST_F(APendingFile, IsWaitedForWhileTheDiskIsSlow) {
+  std::atomic<bool> ended = false;
+  addSlowWorkOn(queue_, "/b/x", ended);
+  EXPECT_TRUE(waitFor("/b/x"));
+  EXPECT_TRUE(ended);
+}
+
+TEST_F(APendingFile, IsWaitedForWhileItsQueueWorksOnAnotherFileOfASlowDisk) {
+  std::atomic<bool> ended = false;
+  addSlowWorkOn(queue_, "/b/y", ended);
+  addFor(queue_, "/b/x", [] {});
+  EXPECT_TRUE(waitFor("/b/x"));
+  EXPECT_TRUE(ended);
+}
+
+TEST_F(APendingFile, IsNotWaitedForWhenOnlyAnotherQueueWorksOnAFile) {
+  const auto other = std::make_shared<OperationQueue>();
+  Gate gate;
+  auto pending = std::make_shared<PendingFile>(pendingName("/b/y"), other);
+  other->addOperationWithBlock([pending, &gate] {
+    pending->begin();
+    gate.pass();
+  });
+  addFor(queue_, "/b/x", [&gate] { gate.pass(); });
+  EXPECT_FALSE(waitFor("/b/x"));
+  gate.open();
+  queue_->waitUntilAllOperationsAreFinished();
+  other->waitUntilAllOperationsAreFinished();
+}
+
+TEST_F(APendingFile, IsWaitedForWhileOtherQueuesHaveAllThreads) {
+  std::vector<OperationQueue> busy(SharedThreads::kMaxThreads);
+  Meeting begun(SharedThreads::kMaxThreads + 1);
+  for (OperationQueue& queue : busy) {
+    queue.addOperationWithBlock([&begun] {
+      begun.arrive();
+      std::this_thread::sleep_for(kLongerThanAStandstill);
+    });
+  }
+  begun.arrive();
+  addFor(queue_, "/b/x", [] {});
+  EXPECT_TRUE(waitFor("/b/x"));
+  for (OperationQueue& queue : busy) queue.waitUntilAllOperationsAreFinished();
 }
 
 TEST_F(APendingFile, IsNotWaitedForOnceItsQueueStandsStill) {
