@@ -6,7 +6,7 @@
 
 #include "VelWhiteBoard/services/path_manager.h"
 #include "VelWhiteBoard/storage/files/board_files.h"
-#include "VelWhiteBoard/storage/storage_state.h"
+#include "VelWhiteBoard/storage/reporting.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 namespace VelWhiteBoard {
@@ -48,30 +48,38 @@ void VWBVectorStorage::clearPage(const VelWbVecSwitchPage& page) {
   // Dropped without the guard: the page may be long.
   PageCache::Pages::node_type cleared;
   SnapQuery query;
+  State::Reporting reporting;
   for (;;) {
     state_->waitForBatch(key);
     const State::ShortOperation operation(*state_);
     if (state_->busyPages.contains(key)) continue;
-    return state_->clearPage(page, key, cleared, query);
+    return state_->clearPage(page, key, cleared, query, reporting);
   }
 }
 
 void VWBVectorStorage::State::clearPage(const VelWbVecSwitchPage& page, const std::string& key,
-                                        PageCache::Pages::node_type& cleared, SnapQuery& query) {
+                                        PageCache::Pages::node_type& cleared, SnapQuery& query,
+                                        Reporting& reporting) {
   auto removal = std::make_shared<QueuedRemoval>();
   for (const std::string& path : {wholeListFile(folder, key), snapListFile(folder, key)}) {
     removal->files.push_back(files.at(path));
     removal->pending.emplace_back(removal->files.back()->pendingName(), saveQueue);
   }
   const auto operation = OperationQueue::makeOperation([removal] { removal->run(); });
+  const bool isCurrent = currentPage && isSamePage(page, *currentPage);
+  reporting.begin(*this, ChangeReport::Kind::kEntries, key, isCurrent);
+  EntryChanges changes(*history, nullptr, reporting.changes());
+  changes.reserve(1);
   // From here on nothing can throw.
+  changes.note({EntryChange::Kind::kCleared, nullptr});
   ++clearings;
   std::erase(pageCacheList, key);
   cleared = cache.take(key);
-  if (currentPage && isSamePage(page, *currentPage)) {
+  if (isCurrent) {
     std::swap(snapQuery, query);
     hasNewChange = false;
   }
+  reporting.complete(*this);
   saveQueue->addOperation(operation);
 }
 

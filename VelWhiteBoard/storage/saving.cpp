@@ -7,45 +7,11 @@
 #include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/services/vector_manager.h"
 #include "VelWhiteBoard/storage/lists/saving_rule.h"
-#include "VelWhiteBoard/storage/storage_state.h"
+#include "VelWhiteBoard/storage/naming.h"
+#include "VelWhiteBoard/storage/reporting.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 namespace VelWhiteBoard {
-
-namespace {
-
-/// Gives a vector without identifier one, and takes it back unless it is kept.
-class Naming {
- public:
-  Naming(const VectorPtr& vector, PageCache& cache, History& history)
-      : vector_(*vector), cache_(cache) {
-    if (vector->ID) return;
-    std::string identifier = VelWbVectorManager::shareManager().genID();
-    history.aboutToChange(vector);
-    // The same vector may stand on pages to which it was appended without an identifier.
-    isEntry_ = cache.hasUnnamed(*vector);
-    vector->ID = std::move(identifier);
-    if (isEntry_) cache.hasBeenNamed(*vector);
-    isOpen_ = true;
-  }
-  ~Naming() {
-    if (!isOpen_) return;
-    vector_.ID.reset();
-    if (isEntry_) cache_.hasBeenNamed(vector_);
-  }
-  Naming(const Naming&) = delete;
-  Naming& operator=(const Naming&) = delete;
-
-  void keep() noexcept { isOpen_ = false; }
-
- private:
-  VelWbBaseVector& vector_;
-  PageCache& cache_;
-  bool isEntry_ = false;
-  bool isOpen_ = false;
-};
-
-}  // namespace
 
 void VWBVectorStorage::State::saveFile(bool force) {
   WriteBacklog::Prepared write;
@@ -89,6 +55,7 @@ bool VWBVectorStorage::retryFailedSaves() {
 bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const VectorPtr& vector) {
   bool isDue = false;
   ClearedLists cleared;  // dropped without the guard
+  Reporting reporting;
   {
     const ShortOperation operation(*this);
     if (page != nullptr && (!currentPage || !isSamePage(*page, *currentPage))) return false;
@@ -101,14 +68,17 @@ bool VWBVectorStorage::State::saveOn(const VelWbVecSwitchPage* page, const Vecto
     WholeList& whole = newWhole ? *newWhole : *cached.whole;
 
     whole.reserveBack();
-    Naming naming(vector, cache, *history);
-    applySaved(vector, snap, snapQuery, *history, cleared);
+    reporting.begin(*this, ChangeReport::Kind::kEntries, currentKey(), true);
+    EntryChanges changes(*history, nullptr, reporting.changes());
+    Naming naming(vector, cache, changes);
+    applySaved(vector, snap, snapQuery, changes, cleared);
     naming.keep();
     whole.pushReserved(vector);
     if (newSnap) cached.snap = std::move(newSnap);
     if (newWhole) cached.whole.emplace(std::move(*newWhole));
     hasNewChange = true;
     hasUnqueuedChange = true;
+    reporting.complete(*this);
     // Looked at here already, so that a piece need not wait on the semaphore a second time.
     isDue = timedSaves.isDue(currentDate());
   }

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -22,6 +23,9 @@
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 namespace VelWhiteBoard {
+
+/// By which rule a batch brings its vectors into a page that is not current.
+enum class BatchRule { kAppending, kSaving };
 
 /// Which of a page's two files is written first.
 enum class SaveOrder { kWholeFirst, kSnapFirst };
@@ -75,6 +79,9 @@ struct VWBVectorStorage::State {
   bool isSemphoreShared VELWHITEBOARD_GUARDED_BY(guard) = false;
   /// How many operations hold the semaphore but not the guard, because they read files.
   int longOperations VELWHITEBOARD_GUARDED_BY(guard) = 0;
+  /// Null without an observer. How many reports there have been.
+  std::shared_ptr<const ChangeObserver> changeObserver VELWHITEBOARD_GUARDED_BY(guard);
+  std::uint64_t reports VELWHITEBOARD_GUARDED_BY(guard) = 0;
   /// Pages to which a batch is being appended, and the end of each batch.
   std::set<std::string> busyPages VELWHITEBOARD_GUARDED_BY(guard);
   Condition batchEnded;
@@ -86,6 +93,7 @@ struct VWBVectorStorage::State {
   class ShortOperation;
   class LongOperation;
   class Batch;
+  class Reporting;
 
   /// The key of the current page, empty without one: where vectors are filed now.
   const std::string& currentKey() VELWHITEBOARD_REQUIRES(guard);
@@ -123,17 +131,20 @@ struct VWBVectorStorage::State {
   /// Waits until no batch is being appended to a page.
   void waitForBatch(const std::string& key) VELWHITEBOARD_EXCLUDES(guard);
   /// Makes a page current. The semaphore is held, and no batch is being appended to the page.
-  VectorList switchTo(const SwitchPagePtr& page, const std::string& key, bool isNewest)
-      VELWHITEBOARD_EXCLUDES(guard);
+  VectorList switchTo(const SwitchPagePtr& page, const std::string& key, bool isNewest,
+                      Reporting& reporting) VELWHITEBOARD_EXCLUDES(guard);
   void saveFile(bool force) VELWHITEBOARD_EXCLUDES(guard);
   /// Forgets a page and queues the removal of its files; hands out what it held.
   void clearPage(const VelWbVecSwitchPage& page, const std::string& key,
-                 PageCache::Pages::node_type& cleared, SnapQuery& query)
+                 PageCache::Pages::node_type& cleared, SnapQuery& query, Reporting& reporting)
       VELWHITEBOARD_REQUIRES(guard);
   /// Whether the page has stored vectors.
   bool hasVectors(const std::string& key) const VELWHITEBOARD_EXCLUDES(guard);
   /// Saves a vector, if `page` (null: any) is the current one. Answers whether it is.
   bool saveOn(const VelWbVecSwitchPage* page, const VectorPtr& vector)
+      VELWHITEBOARD_EXCLUDES(guard);
+  /// Files vectors under a page, as they would be saved where it is current.
+  void file(std::span<const VectorPtr> vectors, const VelWbVecSwitchPage& page, BatchRule rule)
       VELWHITEBOARD_EXCLUDES(guard);
 
  private:

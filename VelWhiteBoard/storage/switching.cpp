@@ -5,7 +5,7 @@
 
 #include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/storage/files/board_files.h"
-#include "VelWhiteBoard/storage/storage_state.h"
+#include "VelWhiteBoard/storage/reporting.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
 
 namespace VelWhiteBoard {
@@ -35,18 +35,19 @@ VectorList VWBVectorStorage::switchPage(const SwitchPagePtr& page) {
     // thread may queue a removal, or append a batch, in between: then it waits again.
     state_->waitForBatch(key);
     const bool isQuiet = state_->waitForPageFiles(key);
+    State::Reporting reporting;
     const State::LongOperation operation(*state_);
     {
       const MutexHold hold(state_->guard);
       if (state_->busyPages.contains(key)) continue;
     }
     if (isQuiet && state_->arePageFilesPending(key)) continue;
-    return state_->switchTo(page, key, isQuiet);
+    return state_->switchTo(page, key, isQuiet, reporting);
   }
 }
 
 VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const std::string& key,
-                                             bool isNewest) {
+                                             bool isNewest, Reporting& reporting) {
   ReadPage read;
   bool isCurrent = false;
   {
@@ -88,6 +89,7 @@ VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const st
       // is for pages without stored vectors, and since its lists are cached it always has some.
       visitedWrite = prepareVisitedPagesWrite(next->forFile);
     }
+    reporting.begin(*this, ChangeReport::Kind::kSwitched, key, true);
     cacheLists(key, read);
     // From here on nothing can throw.
     hasNewChange = false;
@@ -98,6 +100,7 @@ VectorList VWBVectorStorage::State::switchTo(const SwitchPagePtr& page, const st
     std::swap(snapFile, newSnapFile);
     std::swap(snapQuery, query);
     if (next) visited.record(std::move(*next));
+    reporting.complete(*this);
   }
   if (isSaved) timedSaves.setLastSaveDate(currentDate());
   backlog.queue(pageWrite);

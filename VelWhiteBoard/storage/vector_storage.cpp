@@ -6,7 +6,7 @@
 #include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/services/path_manager.h"
 #include "VelWhiteBoard/storage/files/board_files.h"
-#include "VelWhiteBoard/storage/storage_state.h"
+#include "VelWhiteBoard/storage/reporting.h"
 
 namespace VelWhiteBoard {
 
@@ -41,16 +41,20 @@ void VWBVectorStorage::State::reload(bool isRemoved) {
   const ReadList<VelWbVecSwitchPage> pages = readPages(file->path());
   VisitedPages newVisited(pages.list);
 
-  // From here on nothing can throw; the pages are dropped without the guard.
+  // The pages are dropped, and the observer is told, without the guard.
   PageCache::Pages dropped;
-  pageFile->set(file);
+  Reporting reporting;
   const MutexHold hold(guard);
+  reporting.begin(*this, ChangeReport::Kind::kReloaded, currentKey(), true);
+  // From here on nothing can throw.
+  pageFile->set(file);
   dropped = cache.takeAll();
   file->endReading(begun, isNewest ? pages.found : FileState::kUnknown);
   pageCacheList.clear();
   std::swap(visited, newVisited);
   timedSaves.setLastSaveDate(currentDate());
   hasNewChange = false;
+  reporting.complete(*this);
 }
 
 bool VWBVectorStorage::State::hasVectors(const std::string& key) const {

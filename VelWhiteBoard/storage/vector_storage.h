@@ -6,12 +6,15 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "VelWhiteBoard/foundation/export.h"
 #include "VelWhiteBoard/foundation/queue/operation_queue.h"
 #include "VelWhiteBoard/foundation/queue/semaphore.h"
+#include "VelWhiteBoard/storage/files/write_report.h"
+#include "VelWhiteBoard/storage/lists/change_report.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/commands.h"
 
@@ -45,8 +48,8 @@ namespace VelWhiteBoard {
 /// queued. What an operation queues is the page, with all its vectors, as it is at that instant,
 /// however late it is written. Of more than sixteen waiting writes of the same files the oldest are
 /// dropped. Before a file is read, the writes and removals of it that are queued in this process
-/// are waited for. When their queue makes no progress for a quarter of a second, the wait ends and
-/// the file is read as it is.
+/// are waited for. When a client's operation holds up their queue for a quarter of a second, or a
+/// disk for thirty seconds, the wait ends and the file is read as it is.
 ///
 /// Failures are silent: a file that cannot be read is an empty list, a write that fails leaves the
 /// file that was there. Nothing that could not be read is lost: before such a file is replaced, it
@@ -130,6 +133,32 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
 
   /// The page that was recorded last; null when none was. Takes no lock.
   SwitchPagePtr latestPage() const;
+
+  /// Files vectors under any page as `saveVector` does under the current one, without switching,
+  /// and queues the writing of that page's files at once. The page ends as if it had been made
+  /// current, each vector been saved, and the former page been made current again; so a participant
+  /// who is on another page gets the same picture as those who are on this one. `snapQuery`,
+  /// `hasNewChange` and the visited pages stay. Does nothing while changes are ignored. For the
+  /// current page, and in everything else, it is like `appendVectors`.
+  void saveVectors(const VectorList& vectors, const SwitchPagePtr& toPage);
+
+  /// The current page's entry with an identifier, as `snapQuery` has it; null when there is none.
+  /// Takes no lock.
+  VectorPtr entryWithID(std::string_view ID) const;
+
+  /// @}
+  /// @name Observers
+  /// A new observer takes the place of the one before; an empty function takes it away. A call that
+  /// is under way on another thread may still tell the one before. Take no lock.
+  /// @{
+
+  /// Tells what to draw anew after `saveVector`, `saveVectors`, `appendVectors`, `switchPage`,
+  /// `clearPage`, `clear` and `reload`. What a setter of a property changes is not reported.
+  /// Without an observer, which is how a storage begins, it costs nothing.
+  void setChangeObserver(ChangeObserver observer);
+
+  /// Tells what became of each file that was written or removed by the save queue.
+  void setWriteObserver(WriteObserver observer);
 
   /// @}
   /// @name Pages

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "VelWhiteBoard/foundation/files/file_bytes.h"
+#include "VelWhiteBoard/foundation/files/file_result.h"
 #include "VelWhiteBoard/foundation/values/file_block.h"
 
 namespace VelWhiteBoard {
@@ -27,48 +28,6 @@ struct FileStatus {
   FileKind kind = FileKind::kAbsent;
   std::uint64_t size = 0;  ///< in bytes; 0 for anything but a regular file
 };
-
-/// The step of a file operation that failed.
-enum class FileStep {
-  kNone,  ///< nothing failed
-  kStatus,
-  kOpen,
-  kLock,
-  kRead,
-  kProduce,  ///< the producer of the contents gave up; no system call failed
-  kWrite,
-  kSync,
-  kRename,
-  kSyncFolder,  ///< the new contents are in place, but may not survive a power cut yet
-  kMakeFolder,
-  kRemove,
-  kList,
-};
-
-/// The outcome of a file operation: success, or the step, the path and the system's error number
-/// of the first thing that went wrong.
-///
-/// The library's public operations stay silent about failures; this value is what tests and tools
-/// see instead. It must be looked at, or thrown away on purpose.
-struct [[nodiscard]] FileResult {
-  FileStep step = FileStep::kNone;
-  int error = 0;  ///< an `errno` value; 0 on success and for `kProduce`
-  std::string path;
-
-  static FileResult success() { return {}; }
-  static FileResult failure(FileStep step, int error, std::string path) {
-    return {step, error, std::move(path)};
-  }
-
-  bool ok() const { return step == FileStep::kNone; }
-  explicit operator bool() const { return ok(); }
-
-  /// One line for a person, for example "write /b/page.plist.tmp: No space left on device".
-  std::string describe() const;
-};
-
-/// The name of a step as it appears in `FileResult::describe`.
-std::string_view fileStepName(FileStep step);
 
 /// Makes the contents of a file by calling its argument piece by piece. Pieces may have any size,
 /// but each is written by itself: small ones should be gathered into blocks of `kFileBlockSize`.

@@ -9,10 +9,12 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "VelWhiteBoard/foundation/files/file_system.h"
 #include "VelWhiteBoard/foundation/plist/property_list_writer.h"
 #include "VelWhiteBoard/foundation/queue/mutex.h"
+#include "VelWhiteBoard/storage/files/write_report.h"
 
 namespace VelWhiteBoard {
 
@@ -27,6 +29,20 @@ enum class FileState {
   kReadWhole,  ///< the storage has read all of it
   kNotRead,    ///< it is damaged, or the system would not give it
   kWritten,    ///< the storage has written it
+};
+
+/// The observer of a storage's writes, shared by its files: they may outlive the storage.
+///
+/// Threads: any.
+class WriteObserverSlot {
+ public:
+  void set(WriteObserver observer);
+  /// Tells the observer, if there is one. Nothing that it throws comes out.
+  void tell(WriteReport::Kind kind, const std::string& path, const FileResult& result) noexcept;
+
+ private:
+  Mutex mutex_;
+  std::shared_ptr<const WriteObserver> observer_ VELWHITEBOARD_GUARDED_BY(mutex_);
 };
 
 /// One file of a board.
@@ -44,7 +60,8 @@ class ProtectedFile {
   using Version = std::uint64_t;
   using AddRecords = std::function<void(PropertyListWriter& writer)>;
 
-  explicit ProtectedFile(std::string path);
+  explicit ProtectedFile(std::string path, std::shared_ptr<WriteObserverSlot> observer =
+                                               std::make_shared<WriteObserverSlot>());
 
   const std::string& path() const { return path_; }
   /// The path as `PendingFile` takes it.
@@ -61,8 +78,8 @@ class ProtectedFile {
   /// Replaces the file by the records that `addAll` adds. A write that fails, or throws, leaves the
   /// file that was there.
   void replace(const AddRecords& addAll);
-  /// A write could not even begin.
-  void noteFailure() noexcept { hasFailed_ = true; }
+  /// A write could not be completed, or could not even begin.
+  void noteFailure(const FileResult& result) noexcept;
   /// Removes the file, with the temporaries that writes have left.
   void remove();
 
@@ -72,10 +89,13 @@ class ProtectedFile {
  private:
   bool mayReplace() const;
   void note(FileState state) noexcept;
-  bool moveAside();
+  FileResult moveAside();
+  /// The same as `replace`, unobserved.
+  FileResult write(const AddRecords& addAll);
 
   const std::string path_;
   const std::string pendingName_;
+  const std::shared_ptr<WriteObserverSlot> observer_;
   std::atomic<bool> hasFailed_ = false;
   mutable Mutex mutex_;
   FileState state_ VELWHITEBOARD_GUARDED_BY(mutex_) = FileState::kUnknown;
@@ -88,10 +108,12 @@ class ProtectedFile {
 class ProtectedFiles {
  public:
   std::shared_ptr<ProtectedFile> at(const std::string& path);
+  void setObserver(WriteObserver observer) { observer_->set(std::move(observer)); }
   /// Notes which files are no longer there, after the board's folder has been removed.
   void lookForRemoved();
 
  private:
+  const std::shared_ptr<WriteObserverSlot> observer_ = std::make_shared<WriteObserverSlot>();
   Mutex mutex_;
   std::unordered_map<std::string, std::shared_ptr<ProtectedFile>> files_
       VELWHITEBOARD_GUARDED_BY(mutex_);

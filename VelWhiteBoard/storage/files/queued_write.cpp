@@ -1,5 +1,6 @@
 #include "VelWhiteBoard/storage/files/queued_write.h"
 
+#include <cerrno>
 #include <cstddef>
 #include <utility>
 
@@ -24,7 +25,11 @@ void QueuedWrite::run() {
   try {
     for (; next != files_.end(); ++next) write(*next);
   } catch (...) {
-    for (; next != files_.end(); ++next) next->file->get()->noteFailure();
+    for (; next != files_.end(); ++next) {
+      const std::shared_ptr<ProtectedFile> file = next->file->get();
+      // Nothing but a lack of memory throws here. A report that finds none either is dropped.
+      file->noteFailure({FileStep::kProduce, ENOMEM, {}});
+    }
     throw;
   }
 }

@@ -1,5 +1,6 @@
 #include "VelWhiteBoard/storage/lists/appending_rule.h"
 
+#include <utility>
 #include <vector>
 
 #include "VelWhiteBoard/storage/lists/saving_rule.h"
@@ -11,16 +12,7 @@ namespace VelWhiteBoard {
 
 namespace {
 
-/// Whether `entry` has a position, so that `vector` has been appended to it.
-bool appendTo(const VectorPtr& entry, const VelWbBaseVector& vector, History& history,
-              BatchUndo& undo) {
-  auto* positioned = recordCast<VelWbVecPoint>(entry.get());
-  if (positioned == nullptr) return false;
-  undo.keep(entry);
-  history.aboutToChange(entry);
-  positioned->append(vector);
-  return true;
-}
+using Kind = EntryChange::Kind;
 
 void erase(SnapList& snap, SnapList::Place place) {
   const std::vector<SnapList::Place> places{place};
@@ -28,21 +20,26 @@ void erase(SnapList& snap, SnapList::Place place) {
   snap.eraseReserved(places);
 }
 
+/// Carries out a remove: the first entry with the identifier goes.
+void removeTarget(const VelWbBaseVector& vector, SnapList& snap, EntryChanges& changes) {
+  const auto* remove = recordCast<const VelWbVecRemove>(vector);
+  if (remove == nullptr || !remove->rmID) return;
+  const SnapList::Place first = snap.findFirst(*remove->rmID);
+  if (first == SnapList::kNowhere) return;
+  changes.reserve(1);
+  changes.note({Kind::kRemoved, snap.list().at(first)});
+  erase(snap, first);
+}
+
+/// Appends a line to the entry at `place`; without a position that entry stays as it is.
+void continueLine(const VelWbBaseVector& vector, const VectorPtr& entry, EntryChanges& changes) {
+  auto* positioned = recordCast<VelWbVecPoint>(entry.get());
+  if (positioned != nullptr) changes.note(changes.append(vector, entry, *positioned));
+}
+
 }  // namespace
 
-void BatchUndo::keep(const VectorPtr& entry) {
-  if (kept_.contains(entry.get())) return;
-  kept_.emplace(entry.get(), Kept{entry, entry->copyWithZone()});
-}
-
-void BatchUndo::restore(History& history) noexcept {
-  history.whileNothingIsCopied([this]() noexcept {
-    for (auto& [address, kept] : kept_) kept.entry->takeContents(*kept.copy);
-  });
-  kept_.clear();
-}
-
-void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, BatchUndo& undo,
+void applyAppended(const VectorPtr& vector, SnapList& snap, EntryChanges& changes,
                    SnapList::Contents& cleared) {
   const auto lastEntry = [&] {
     return vector->ID ? snap.findLast(*vector->ID) : SnapList::kNowhere;
@@ -50,19 +47,13 @@ void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, Ba
 
   if (recordCast<VelWbVecLine>(vector.get()) != nullptr) {
     const SnapList::Place place = lastEntry();
-    if (place == SnapList::kNowhere) return snap.push_back(vector);
-    appendTo(snap.list().at(place), *vector, history,
-             undo);  // without a position it stays as it is
-    return;
+    if (place == SnapList::kNowhere) return changes.add(vector, snap);
+    return continueLine(*vector, snap.list().at(place), changes);
   }
-  if (vector->type == VelWBVectorStrRemove) {
-    const auto* remove = recordCast<VelWbVecRemove>(vector.get());
-    if (remove == nullptr || !remove->rmID) return;
-    const SnapList::Place first = snap.findFirst(*remove->rmID);
-    if (first != SnapList::kNowhere) erase(snap, first);
-    return;
-  }
+  if (vector->type == VelWBVectorStrRemove) return removeTarget(*vector, snap, changes);
   if (vector->type == VelWBVectorStrClear) {
+    changes.reserve(1);
+    changes.note({Kind::kCleared, nullptr});
     cleared = snap.clear();
     return;
   }
@@ -70,10 +61,15 @@ void applyAppended(const VectorPtr& vector, SnapList& snap, History& history, Ba
 
   const SnapList::Place place = lastEntry();
   if (place == SnapList::kNowhere || recordCast<VelWbVecPoint>(vector.get()) == nullptr) {
-    return snap.push_back(vector);
+    return changes.add(vector, snap);
   }
   const VectorPtr entry = snap.list().at(place);
-  if (!appendTo(entry, *vector, history, undo)) return snap.push_back(vector);
+  auto* positioned = recordCast<VelWbVecPoint>(entry.get());
+  if (positioned == nullptr) return changes.add(vector, snap);
+  EntryChange appended = changes.append(*vector, entry, *positioned);
+  appended.kind = Kind::kRaised;
+  appended.firstNew = 0;
+  changes.note(std::move(appended));
   snap.push_back(entry);
   erase(snap, place);
 }

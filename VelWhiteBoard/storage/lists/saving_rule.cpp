@@ -13,14 +13,18 @@ namespace VelWhiteBoard {
 
 namespace {
 
+using Kind = EntryChange::Kind;
+
 /// Takes a transient entry from the end of a list, and brings it back unless it is dropped.
 class TransientTail {
  public:
-  explicit TransientTail(SnapList& snap) : snap_(snap) {
+  TransientTail(SnapList& snap, EntryChanges& changes) : snap_(snap) {
     if (snap.empty() || !isTransient(*snap.back())) return;
+    changes.reserve(1);
     place_ = snap.list().endPlace() - 1;
     tail_ = snap.back();
     snap.pop_back();
+    changes.note({Kind::kRemoved, tail_});
   }
   ~TransientTail() {
     if (tail_) snap_.undoPop(place_, std::move(tail_));
@@ -37,42 +41,50 @@ class TransientTail {
 };
 
 /// Whether `vector` was a piece of the stroke that `entry` is, and has been folded into it.
-bool continueStroke(const VectorPtr& entry, const VelWbBaseVector& vector, History& history) {
+bool continueStroke(const VectorPtr& entry, const VelWbBaseVector& vector, EntryChanges& changes) {
   auto* stroke = recordCast<VelWbVecLine>(entry.get());
   if (stroke == nullptr || recordCast<const VelWbVecPoint>(vector) == nullptr) return false;
   if (entry->ID != vector.ID) return false;
-  history.aboutToChange(entry);
-  stroke->append(vector);
+  changes.note(changes.append(vector, entry, *stroke));
   return true;
 }
 
 /// Moves a box to the end, where the vector edits it. Entries that are equal to it go.
 void editAndMove(const VectorPtr& entry, VelWbVecSquare& box, const VelWbBaseVector& vector,
-                 SnapList& snap, History& history) {
+                 SnapList& snap, EntryChanges& changes) {
   const std::vector<SnapList::Place> equal = snap.findEqual(*entry);
+  changes.reserve(equal.size() + 1);
   snap.reserveErase(equal);
   snap.push_back(entry);
   try {
-    history.aboutToChange(entry);
+    changes.aboutToChange(entry);
     box.merge(vector);
   } catch (...) {
     snap.undoPush();
     throw;
   }
+  bool wasThere = false;
+  for (const SnapList::Place place : equal) {
+    const VectorPtr& gone = snap.list().at(place);
+    if (gone != entry || std::exchange(wasThere, true)) changes.note({Kind::kRemoved, gone});
+  }
+  changes.note({wasThere ? Kind::kRaised : Kind::kAdded, entry});
   snap.eraseReserved(equal);
 }
 
 /// Applies a vector that belongs to `entry`, which the index has under the vector's identifier, and
 /// is not a piece of a stroke.
 void continueEntry(const VectorPtr& entry, const VelWbBaseVector& vector, SnapList& snap,
-                   SnapQuery& query, History& history) {
+                   SnapQuery& query, EntryChanges& changes) {
   const bool vectorIsBox = recordCast<const VelWbVecSquare>(vector) != nullptr;
   if (!snap.empty()) {
     const VectorPtr& last = snap.back();
     if (recordCast<VelWbVecLine>(last.get()) == nullptr && last->ID == vector.ID) {
       if (auto* box = recordCast<VelWbVecSquare>(last.get()); box != nullptr && vectorIsBox) {
-        history.aboutToChange(last);
+        changes.aboutToChange(last);
+        changes.reserve(1);
         box->merge(vector);
+        changes.note({Kind::kEdited, last});
       }
       query.find(*vector.ID)->second = last;
       return;
@@ -82,65 +94,77 @@ void continueEntry(const VectorPtr& entry, const VelWbBaseVector& vector, SnapLi
   std::optional<QuerySlot> slot;
   if (entry->ID) slot.emplace(query, *entry->ID);
   if (auto* box = recordCast<VelWbVecSquare>(entry.get()); box != nullptr && vectorIsBox) {
-    editAndMove(entry, *box, vector, snap, history);
+    editAndMove(entry, *box, vector, snap, changes);
   } else {
     // The entry has not been taken out and now stands twice. That is the rule: what other
     // participants see must not depend on who compacts the page.
-    snap.push_back(entry);
+    changes.add(entry, snap);
   }
   if (slot) slot->set(entry);
 }
 
-void removeTarget(const VelWbBaseVector& vector, SnapList& snap, SnapQuery& query) {
+void removeTarget(const VelWbBaseVector& vector, SnapList& snap, SnapQuery& query,
+                  EntryChanges& changes) {
   const auto* remove = recordCast<const VelWbVecRemove>(vector);
   if (remove == nullptr || !remove->rmID || !query.contains(*remove->rmID)) return;
   if (const SnapList::Place first = snap.findFirst(*remove->rmID); first != SnapList::kNowhere) {
     const std::vector<SnapList::Place> equal = snap.findEqual(*snap.list().at(first));
     snap.reserveErase(equal);
+    changes.reserve(equal.size());
+    for (const SnapList::Place place : equal) {
+      changes.note({Kind::kRemoved, snap.list().at(place)});
+    }
     snap.eraseReserved(equal);
   }
   query.erase(*remove->rmID);
 }
 
-void replaceMagnifier(const VectorPtr& vector, SnapList& snap) {
+void replaceMagnifier(const VectorPtr& vector, SnapList& snap, EntryChanges& changes) {
   std::vector<SnapList::Place> earlier;
   if (const SnapList::Place place = snap.firstMagnifier(); place != SnapList::kNowhere) {
     earlier.push_back(place);
   }
   snap.reserveErase(earlier);
+  changes.reserve(2);
   snap.push_back(vector);
+  for (const SnapList::Place place : earlier) {
+    changes.note({Kind::kRemoved, snap.list().at(place)});
+  }
+  changes.note({Kind::kAdded, vector});
   snap.eraseReserved(earlier);
 }
 
 /// Adds a vector that stays. A line has a path from its first piece on, so that what it grows by is
 /// measured against it.
-void addEntry(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history) {
+void addEntry(const VectorPtr& vector, SnapList& snap, SnapQuery& query, EntryChanges& changes) {
   Path path;
   auto* line = recordCast<VelWbVecLine>(vector.get());
   const bool needsPath = line != nullptr && !line->path;
   if (needsPath) {
     path.push_back({line->x, line->y, line->ts});
-    history.aboutToChange(vector);
+    changes.aboutToChange(vector);
   }
   QuerySlot slot(query, *vector->ID);
-  snap.push_back(vector);
+  changes.add(vector, snap);
   if (needsPath) line->path = std::move(path);
   slot.set(vector);
 }
 
 /// Applies a vector that continues nothing.
-void applyNew(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history,
+void applyNew(const VectorPtr& vector, SnapList& snap, SnapQuery& query, EntryChanges& changes,
               ClearedLists& cleared) {
-  if (vector->type == VelWBVectorStrRemove) return removeTarget(*vector, snap, query);
+  if (vector->type == VelWBVectorStrRemove) return removeTarget(*vector, snap, query, changes);
   if (vector->type == VelWBVectorStrClear) {
+    changes.reserve(1);
+    changes.note({Kind::kCleared, nullptr});
     cleared.snap = snap.clear();
     std::swap(cleared.query, query);
     query.clear();
     return;
   }
-  if (vector->type == VelWBVectorStrMagnifier) return replaceMagnifier(vector, snap);
-  if (isTransient(*vector)) return snap.push_back(vector);
-  addEntry(vector, snap, query, history);
+  if (vector->type == VelWBVectorStrMagnifier) return replaceMagnifier(vector, snap, changes);
+  if (isTransient(*vector)) return changes.add(vector, snap);
+  addEntry(vector, snap, query, changes);
 }
 
 }  // namespace
@@ -152,16 +176,16 @@ bool isTransient(const VelWbBaseVector& vector) {
          type == VelWBVectorStrRemove;
 }
 
-void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history,
+void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, EntryChanges& changes,
                 ClearedLists& cleared) {
   snap.ensureIndex();
-  TransientTail tail(snap);
+  TransientTail tail(snap, changes);
   const auto found = isTransient(*vector) ? query.end() : query.find(*vector->ID);
   if (found == query.end()) {
-    applyNew(vector, snap, query, history, cleared);
-  } else if (!continueStroke(found->second, *vector, history)) {
+    applyNew(vector, snap, query, changes, cleared);
+  } else if (!continueStroke(found->second, *vector, changes)) {
     const VectorPtr entry = found->second;  // its place in the index may be taken by another
-    continueEntry(entry, *vector, snap, query, history);
+    continueEntry(entry, *vector, snap, query, changes);
   }
   tail.drop();
 }

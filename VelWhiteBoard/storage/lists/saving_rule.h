@@ -2,7 +2,7 @@
 /// The rule for a vector that is saved on the current page: does it continue an entry?
 #pragma once
 
-#include "VelWhiteBoard/storage/lists/history.h"
+#include "VelWhiteBoard/storage/lists/entry_changes.h"
 #include "VelWhiteBoard/storage/lists/snap_list.h"
 #include "VelWhiteBoard/storage/lists/snap_query.h"
 
@@ -23,7 +23,7 @@ struct ClearedLists {
 /// out, anything else is added. Gives a line its first position.
 ///
 /// When it throws `std::bad_alloc`, nothing has changed.
-void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, History& history,
+void applySaved(const VectorPtr& vector, SnapList& snap, SnapQuery& query, EntryChanges& changes,
                 ClearedLists& cleared);
 
 }  // namespace VelWhiteBoard
