@@ -1,5 +1,5 @@
 /// @file
-/// The names of vector types and of diagram kinds.
+/// The names and codes of vector types, and the names of diagram kinds.
 #pragma once
 
 #include <cstdint>
@@ -33,6 +33,29 @@ inline constexpr std::string_view VelWBVectorStrMediaList = "mediaList";
 inline constexpr std::string_view VelWBVectorStrOffset = "offset";
 /// @}
 
+/// @name Type codes
+/// The numbers of the types above: what `VelWbVectorDefines::vectorType` and the tool manager's
+/// `genVectorWithType` take. Every other number is no type.
+/// @{
+inline constexpr std::uint64_t VelWBVectorTypeCursor = 1;
+inline constexpr std::uint64_t VelWBVectorTypeText = 2;
+inline constexpr std::uint64_t VelWBVectorTypeLine = 3;
+inline constexpr std::uint64_t VelWBVectorTypeEraser = 4;
+inline constexpr std::uint64_t VelWBVectorTypeImage = 5;
+inline constexpr std::uint64_t VelWBVectorTypeCamera = 6;
+inline constexpr std::uint64_t VelWBVectorTypeMicPhone = 7;
+inline constexpr std::uint64_t VelWBVectorTypeMedia = 8;
+inline constexpr std::uint64_t VelWBVectorTypeInstruction = 9;
+inline constexpr std::uint64_t VelWBVectorTypeClear = 10;
+inline constexpr std::uint64_t VelWBVectorTypeRemove = 11;
+inline constexpr std::uint64_t VelWBVectorTypeSwitchPage = 12;
+inline constexpr std::uint64_t VelWBVectorTypeMarkerPen = 13;
+inline constexpr std::uint64_t VelWBVectorTypeMagnifier = 14;
+inline constexpr std::uint64_t VelWBVectorTypeDiagram = 15;
+inline constexpr std::uint64_t VelWBVectorTypeMediaList = 16;
+inline constexpr std::uint64_t VelWBVectorTypeOffset = 17;
+/// @}
+
 /// @name Kind names
 /// The values of a diagram's `kind`; the last two are kinds of media.
 /// @{
@@ -53,7 +76,7 @@ class VELWHITEBOARD_EXPORT VelWbVectorDefines {
  public:
   VelWbVectorDefines() = delete;
 
-  /// The type name of a code, 1 "cursor" to 17 "offset"; none for every other code.
+  /// The type name of a type code, 1 "cursor" to 17 "offset"; none for every other number.
   static std::optional<std::string> vectorType(std::uint64_t code);
   /// The kind name of a code, 0 "rectangle" to 6 "rhombus"; "circle" for every other code.
   static std::string diagramKind(std::int64_t kind);
