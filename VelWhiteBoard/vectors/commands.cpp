@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "VelWhiteBoard/foundation/records/property_table.h"
+#include "VelWhiteBoard/vectors/vector_defines.h"
 
 namespace VelWhiteBoard {
 
@@ -57,7 +58,7 @@ std::shared_ptr<VelWbVecSwitchPage> VelWbVecSwitchPage::pageFromInfo(std::string
   std::uint64_t number = 0;
   if (!readWhole(info.substr(0, joint), board)) return nullptr;
   if (!readWhole(info.substr(joint + 1), number)) return nullptr;
-  auto page = initWithType("switchPage");
+  auto page = initWithType(VelWBVectorStrSwitchPage);
   page->WBID = board;
   page->curPage = number;
   // Leading zeros and "-0" are read, but never written.

@@ -2,6 +2,8 @@
 /// The names and codes of vector types, and the names of diagram kinds.
 #pragma once
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -71,7 +73,32 @@ inline constexpr std::string_view VelWBVectorStrKindVideo = "video";
 inline constexpr std::string_view VelWBVectorStrKindAudio = "audio";
 /// @}
 
-/// Look-ups among the names; all may be called from any thread.
+namespace vector_names {
+
+/// How a name may be given beside a string: as one of the constants above or any other
+/// `std::string_view`, or as a C string. Exactly these types: everything that converts to a
+/// `std::optional<std::string>` still does.
+template <class T>
+concept Unowned = std::same_as<T, std::string_view> || std::same_as<T, std::nullptr_t> ||
+    std::same_as<T, const char*> || std::same_as<T, char*>;
+
+/// The name that is given; absent for a null pointer. A view without characters is an empty name.
+constexpr std::optional<std::string_view> given(std::string_view name) noexcept { return name; }
+constexpr std::optional<std::string_view> given(const char* name) noexcept {
+  if (name == nullptr) return std::nullopt;
+  return std::string_view(name);
+}
+
+/// A string of its own for the name that is given; absent for a null pointer.
+template <Unowned Name>
+std::optional<std::string> owned(Name name) {
+  return std::optional<std::string>(given(name));
+}
+
+}  // namespace vector_names
+
+/// Look-ups among the names; all may be called from any thread. A name is given as a string, as one
+/// of the constants or as a C string; an absent name and a null pointer equal none.
 class VELWHITEBOARD_EXPORT VelWbVectorDefines {
  public:
   VelWbVectorDefines() = delete;
@@ -83,10 +110,22 @@ class VELWHITEBOARD_EXPORT VelWbVectorDefines {
 
   /// Whether the text is "line".
   static bool isLine(const std::optional<std::string>& type);
+  template <vector_names::Unowned Name>
+  static constexpr bool isLine(Name type) noexcept {
+    return vector_names::given(type) == VelWBVectorStrLine;
+  }
   /// Whether the text is "markerPen".
   static bool isMarkerPen(const std::optional<std::string>& type);
+  template <vector_names::Unowned Name>
+  static constexpr bool isMarkerPen(Name type) noexcept {
+    return vector_names::given(type) == VelWBVectorStrMarkerPen;
+  }
   /// Whether the text is "eraser".
   static bool isEraser(const std::optional<std::string>& type);
+  template <vector_names::Unowned Name>
+  static constexpr bool isEraser(Name type) noexcept {
+    return vector_names::given(type) == VelWBVectorStrEraser;
+  }
 };
 
 }  // namespace VelWhiteBoard
