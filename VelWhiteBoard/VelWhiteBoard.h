@@ -16,6 +16,7 @@
 #include "VelWhiteBoard/services/resources.h"
 #include "VelWhiteBoard/services/vector_manager.h"
 #include "VelWhiteBoard/storage/vector_storage.h"
+#include "VelWhiteBoard/tools/tool_defines.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/boxes.h"

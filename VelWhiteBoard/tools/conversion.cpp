@@ -4,7 +4,6 @@
 #include "VelWhiteBoard/foundation/values/truncation.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 #include "VelWhiteBoard/vectors/boxes.h"
-#include "VelWhiteBoard/vectors/drawing_settings.h"
 #include "VelWhiteBoard/vectors/strokes.h"
 
 // Two clients on different processors must agree to the last bit. So nothing here is simplified:
@@ -34,22 +33,29 @@ double fractionFromCentre(double centred) { return (centred + -0.5) + 1.0; }
 // ---- Into a vector ----
 
 void VWBToolManager::convertPoint(Point point, VelWbVecPoint& toVector) {
-  sharedManager()._convertPoint(point, toVector);
+  convertPoint(point, toVector, sharedManager().wbSize());
+}
+
+void VWBToolManager::convertPoint(Point point, VelWbVecPoint& toVector, Size wbSize) {
+  sharedManager()._convertPoint(point, toVector, wbSize);
 }
 
 void VWBToolManager::_convertPoint(Point point, VelWbVecPoint& toVector) const {
-  const Size board = DrawingSettings::shared().wbSize;
-  toVector.x = point.x / board.width;
+  _convertPoint(point, toVector, wbSize());
+}
+
+void VWBToolManager::_convertPoint(Point point, VelWbVecPoint& toVector, Size wbSize) const {
+  toVector.x = point.x / wbSize.width;
   if (version() != kFarEdgeVersion) {
-    toVector.y = point.y / board.height;
+    toVector.y = point.y / wbSize.height;
     toVector.x = centredFromFar(1.0 - toVector.x);
     toVector.y = centredFromFar(1.0 - toVector.y);
   } else {
     if (const auto* box = recordCast<const VelWbVecSquare>(toVector)) {
-      const double boxHeight = _convertVectorToNSRect(*box, board).size.height;
-      toVector.y = (board.height - (point.y + boxHeight)) / board.height;
+      const double boxHeight = _convertVectorToNSRect(*box, wbSize).size.height;
+      toVector.y = (wbSize.height - (point.y + boxHeight)) / wbSize.height;
     } else {
-      toVector.y = (board.height - point.y) / board.height;
+      toVector.y = (wbSize.height - point.y) / wbSize.height;
     }
     toVector.x = centredFromFar(1.0 - toVector.x);
     toVector.y = centredFromFar(toVector.y);
@@ -59,28 +65,47 @@ void VWBToolManager::_convertPoint(Point point, VelWbVecPoint& toVector) const {
 }
 
 void VWBToolManager::convertSize(Size size, VelWbVecSquare& toVector) {
-  sharedManager()._convertSize(size, toVector);
+  convertSize(size, toVector, sharedManager().wbSize());
+}
+
+void VWBToolManager::convertSize(Size size, VelWbVecSquare& toVector, Size wbSize) {
+  sharedManager()._convertSize(size, toVector, wbSize);
 }
 
 void VWBToolManager::_convertSize(Size size, VelWbVecSquare& toVector) const {
-  toVector.w = cutToFiveDecimals(size.width / DrawingSettings::shared().wbSize.width);
-  toVector.h = cutToFiveDecimals(size.height / DrawingSettings::shared().wbSize.height);
+  _convertSize(size, toVector, wbSize());
+}
+
+void VWBToolManager::_convertSize(Size size, VelWbVecSquare& toVector, Size wbSize) const {
+  toVector.w = cutToFiveDecimals(size.width / wbSize.width);
+  toVector.h = cutToFiveDecimals(size.height / wbSize.height);
 }
 
 void VWBToolManager::convertPoint(Point point, Size size, VelWbVecSquare& toVector) {
-  convertSize(size, toVector);
-  convertPoint(point, toVector);
+  convertPoint(point, size, toVector, sharedManager().wbSize());
+}
+
+void VWBToolManager::convertPoint(Point point, Size size, VelWbVecSquare& toVector, Size wbSize) {
+  convertSize(size, toVector, wbSize);
+  convertPoint(point, toVector, wbSize);
 }
 
 Point VWBToolManager::convertPointToScale(Point point) {
-  return sharedManager()._convertPointToScale(point);
+  return convertPointToScale(point, sharedManager().wbSize());
+}
+
+Point VWBToolManager::convertPointToScale(Point point, Size wbSize) {
+  return sharedManager()._convertPointToScale(point, wbSize);
 }
 
 Point VWBToolManager::_convertPointToScale(Point point) const {
-  const Size board = DrawingSettings::shared().wbSize;
-  const double x = 1.0 - point.x / board.width;
-  const double y = version() == kFarEdgeVersion ? (board.height - point.y) / board.height
-                                                : 1.0 - point.y / board.height;
+  return _convertPointToScale(point, wbSize());
+}
+
+Point VWBToolManager::_convertPointToScale(Point point, Size wbSize) const {
+  const double x = 1.0 - point.x / wbSize.width;
+  const double y = version() == kFarEdgeVersion ? (wbSize.height - point.y) / wbSize.height
+                                                : 1.0 - point.y / wbSize.height;
   return {cutToFiveDecimals(centredFromFar(x)), cutToFiveDecimals(centredFromFar(y))};
 }
 

@@ -6,6 +6,7 @@
 
 #include "VelWhiteBoard/foundation/values/truncation.h"
 #include "VelWhiteBoard/services/vector_manager.h"
+#include "VelWhiteBoard/tools/tool_defines.h"
 #include "VelWhiteBoard/tools/tool_manager.h"
 #include "VelWhiteBoard/vectors/base_vector.h"
 #include "VelWhiteBoard/vectors/boxes.h"
@@ -18,50 +19,31 @@
 namespace VelWhiteBoard {
 namespace {
 
-/// The type codes as `VelWbVectorDefines::vectorType` numbers them, and 0 for no type.
-enum TypeCode : std::uint64_t {
-  kNoType = 0,
-  kCursor = 1,
-  kText = 2,
-  kLine = 3,
-  kEraser = 4,
-  kImage = 5,
-  kCamera = 6,
-  kMicPhone = 7,
-  kMedia = 8,
-  kInstruction = 9,
-  kClear = 10,
-  kRemove = 11,
-  kSwitchPage = 12,
-  kMarkerPen = 13,
-  kMagnifier = 14,
-  kDiagram = 15,
-  kMediaList = 16,
-  kOffset = 17,
-};
+/// The code of no type.
+constexpr std::uint64_t kNoType = 0;
 
-TypeCode typeOfTool(std::uint64_t tool, std::uint64_t version) {
+std::uint64_t typeOfTool(std::uint64_t tool, std::uint64_t version) {
   switch (tool) {
-    case 1:
-      return kLine;
-    case 2:
-      return kCursor;
-    case 3:  // the one tool whose meaning depends on the version
-      return version == 0 ? kEraser : version == 1 ? kRemove : kNoType;
-    case 4:
-      return kText;
-    case 6:
-      return kRemove;
-    case 7:
-      return kImage;
-    case 8:
-      return kCamera;
-    case 9:
-      return kClear;
-    case 11:
-      return kMarkerPen;
-    case 13:
-      return kMedia;
+    case VelWBToolLine:
+      return VelWBVectorTypeLine;
+    case VelWBToolCursor:
+      return VelWBVectorTypeCursor;
+    case VelWBToolEraser:  // the one tool whose meaning depends on the version
+      return version == 0 ? VelWBVectorTypeEraser : version == 1 ? VelWBVectorTypeRemove : kNoType;
+    case VelWBToolText:
+      return VelWBVectorTypeText;
+    case VelWBToolRemove:
+      return VelWBVectorTypeRemove;
+    case VelWBToolImage:
+      return VelWBVectorTypeImage;
+    case VelWBToolCamera:
+      return VelWBVectorTypeCamera;
+    case VelWBToolClear:
+      return VelWBVectorTypeClear;
+    case VelWBToolMarkerPen:
+      return VelWBVectorTypeMarkerPen;
+    case VelWBToolMedia:
+      return VelWBVectorTypeMedia;
     default:
       return kNoType;
   }
@@ -153,7 +135,7 @@ VectorPtr VWBToolManager::genVectorWithType(std::uint64_t type,
 }
 
 VectorPtr VWBToolManager::genDiagramWithKind(const std::optional<std::string>& kind) {
-  return sharedManager().genVectorWithType(kDiagram, std::nullopt, kind);
+  return sharedManager().genVectorWithType(VelWBVectorTypeDiagram, std::nullopt, kind);
 }
 
 VectorPtr VWBToolManager::genVectorWithType(std::uint64_t type,
@@ -174,39 +156,39 @@ VectorPtr VWBToolManager::unstampedVector(std::uint64_t type,
                                           const std::optional<std::string>& kind) const {
   auto name = VelWbVectorDefines::vectorType(type);
   switch (type) {
-    case kCursor:
-    case kImage:
-    case kCamera:  // a file, not a capture record: that one arises only from a dictionary
+    case VelWBVectorTypeCursor:
+    case VelWBVectorTypeImage:
+    case VelWBVectorTypeCamera:  // a file; a capture record arises only from a dictionary
       return newFile(std::move(name));
-    case kText:
+    case VelWBVectorTypeText:
       return newText(std::move(name), *this);
-    case kLine:
+    case VelWBVectorTypeLine:
       return newStroke(std::move(name), lineColor(), lineWidthIndex(), _lineWidth(lineWidthIndex()),
                        wbBaseSize());
-    case kEraser:
+    case VelWBVectorTypeEraser:
       return newStroke(std::move(name), std::nullopt, eraserWidthIndex(),
                        _eraserWidth(eraserWidthIndex()), wbBaseSize());
-    case kMarkerPen:
+    case VelWBVectorTypeMarkerPen:
       return newStroke(std::move(name), markerColor(), markerWidthIndex(),
                        _markerWidth(markerWidthIndex()), wbBaseSize());
-    case kMicPhone:
-    case kInstruction:
+    case VelWBVectorTypeMicPhone:
+    case VelWBVectorTypeInstruction:
       return VelWbBaseVector::initWithType(std::move(name));
-    case kMedia:
+    case VelWBVectorTypeMedia:
       return VelWbVecVideo::initWithType(std::move(name));
-    case kClear:
+    case VelWBVectorTypeClear:
       return VelWbVecClear::initWithType(std::move(name));
-    case kRemove:
+    case VelWBVectorTypeRemove:
       return VelWbVecRemove::initWithType(std::move(name));
-    case kSwitchPage:
+    case VelWBVectorTypeSwitchPage:
       return VelWbVecSwitchPage::initWithType(std::move(name));
-    case kMagnifier:
+    case VelWBVectorTypeMagnifier:
       return VelWbVecSquare::initWithType(std::move(name));
-    case kDiagram:
+    case VelWBVectorTypeDiagram:
       return newDiagram(std::move(name), kind, *this);
-    case kMediaList:
+    case VelWBVectorTypeMediaList:
       return VelWbVecMediaList::initWithType(std::move(name));
-    case kOffset:
+    case VelWBVectorTypeOffset:
       return VelWbVecOffset::initWithType(std::move(name));
     default:
       return nullptr;

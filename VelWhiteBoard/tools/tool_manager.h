@@ -10,6 +10,7 @@
 
 #include "VelWhiteBoard/foundation/export.h"
 #include "VelWhiteBoard/foundation/values/geometry.h"
+#include "VelWhiteBoard/tools/tool_defines.h"
 
 namespace VelWhiteBoard {
 
@@ -101,8 +102,8 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   Size wbBaseSize() const;
   void setWbBaseSize(Size wbBaseSize);
 
-  /// The active tool, a plain number; the table at `genVectorWithTool` says what each makes.
-  /// Initially 5, which makes nothing. Any value is stored.
+  /// The active tool, a number; the table at `genVectorWithTool` says what each makes. Initially
+  /// `VelWBToolNone`, which makes nothing. Any value is stored.
   std::uint64_t tool() const;
   void setTool(std::uint64_t tool);
 
@@ -219,7 +220,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   // width index equals the length of its table, which a change of `version` can bring about (and,
   // for the marker, its setter); then no timestamp and no ID has been taken.
 
-  /// The vector that a tool starts:
+  /// The vector that a tool starts; `tool_defines.h` has a name for each number:
   ///
   /// | tool | vector |
   /// |---|---|
@@ -239,7 +240,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// Instance twin of `genVectorWithTool`.
   VectorPtr _genVectorWithTool(std::uint64_t tool, const std::optional<std::string>& ID);
 
-  /// The vector of a type code, 1 to 17 as `VelWbVectorDefines::vectorType` numbers them.
+  /// The vector of a type code, `VelWBVectorTypeCursor` to `VelWBVectorTypeOffset`.
   static VectorPtr genVectorWithType(std::uint64_t type);
   static VectorPtr genVectorWithType(std::uint64_t type, const std::optional<std::string>& ID);
   /// The form on which all the others rest.
@@ -252,10 +253,11 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
 
   // ---- Coordinate conversion (conversion.cpp) ----------------------------------------------
   //
-  // View points: the origin is a corner of the board, and the board is `wbSize` (or the size
-  // passed) wide and high. Normalised coordinates: the origin is the board's centre, -0.5 to +0.5
-  // across its width and its height, y growing with the view's y; a width or height is a fraction
-  // of the board's. Positions outside the board are converted like any other, without clamping.
+  // View points: the origin is a corner of the board, and the board is as wide and high as the
+  // argument `wbSize` says, or, where there is none, the property of that name. Normalised
+  // coordinates: the origin is the board's centre, -0.5 to +0.5 across its width and its height, y
+  // growing with the view's y; a width or height is a fraction of the board's. Positions outside
+  // the board are converted like any other, without clamping.
   //
   // What is written into a vector, and what `convertPointToScale` returns, is cut to five decimals
   // toward zero. The formulas are evaluated in double precision exactly as they stand, so that all
@@ -266,13 +268,18 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// Writes the view point into the vector's `x` and `y`. At `version` 1 a box gets the y of its
   /// far edge, so its `h` must be set before.
   static void convertPoint(Point point, VelWbVecPoint& toVector);
+  static void convertPoint(Point point, VelWbVecPoint& toVector, Size wbSize);
   /// Writes the view size into the box's `w` and `h`.
   static void convertSize(Size size, VelWbVecSquare& toVector);
+  static void convertSize(Size size, VelWbVecSquare& toVector, Size wbSize);
   /// Writes the size, then the point, so that the far edge of `version` 1 is that of the new size.
   static void convertPoint(Point point, Size size, VelWbVecSquare& toVector);
+  static void convertPoint(Point point, Size size, VelWbVecSquare& toVector, Size wbSize);
   /// Instance twins of the operations above.
   void _convertPoint(Point point, VelWbVecPoint& toVector) const;
+  void _convertPoint(Point point, VelWbVecPoint& toVector, Size wbSize) const;
   void _convertSize(Size size, VelWbVecSquare& toVector) const;
+  void _convertSize(Size size, VelWbVecSquare& toVector, Size wbSize) const;
 
   /// The view point at which the vector lies. At `version` 1 a box gives its near edge: its `h` is
   /// taken off again.
@@ -290,8 +297,10 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// The normalised position of a view point: what `convertPoint` writes into a vector that is no
   /// box.
   static Point convertPointToScale(Point point);
+  static Point convertPointToScale(Point point, Size wbSize);
   /// Instance twin of `convertPointToScale`.
   Point _convertPointToScale(Point point) const;
+  Point _convertPointToScale(Point point, Size wbSize) const;
 
   /// The rectangle in view points that the box covers.
   static Rect convertVectorToNSRect(const VelWbVecSquare& vector);
@@ -311,7 +320,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
     std::int64_t diagramWidthIndex = 1;
     std::int64_t markerWidthIndex = 1;
     std::int64_t eraserWidthIndex = 0;
-    std::uint64_t tool = 5;
+    std::uint64_t tool = VelWBToolNone;
     double textFontSize = 20.0;
     std::uint64_t currentPage = 1;
     std::uint64_t totalPage = 1;

@@ -14,6 +14,7 @@
 #include "VelWhiteBoard/foundation/records/model_mapping.h"
 #include "VelWhiteBoard/foundation/records/record.h"
 #include "VelWhiteBoard/foundation/values/value.h"
+#include "VelWhiteBoard/vectors/vector_defines.h"
 
 namespace VelWhiteBoard {
 
@@ -43,6 +44,12 @@ class VectorOf : public RecordOf<Self, Base> {
     auto vector = std::make_shared<Self>();
     vector->type = std::move(type);
     return vector;
+  }
+  /// The same for one of the type names of `vector_defines.h`, any other `std::string_view`, or a C
+  /// string; for a null pointer `type` is absent.
+  template <vector_names::Unowned Name>
+  static std::shared_ptr<Self> initWithType(Name type) {
+    return initWithType(vector_names::owned(type));
   }
 
   /// The decoding rule: the class for `dictionary` when this class is asked for.
@@ -78,7 +85,13 @@ class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Re
   std::optional<std::string> ID;
 
   static const RecordClass& ownClass();
+  /// A new vector in its initial state, with `type` set to the argument, which is given as for
+  /// every vector class, see `VectorOf`.
   static std::shared_ptr<VelWbBaseVector> initWithType(std::optional<std::string> type);
+  template <vector_names::Unowned Name>
+  static std::shared_ptr<VelWbBaseVector> initWithType(Name type) {
+    return initWithType(vector_names::owned(type));
+  }
   static const RecordClass& modelCustomClassForDictionary(const Dictionary& dictionary);
 
   /// The field-by-field copy, of the class of this very object; see each class for what it leaves

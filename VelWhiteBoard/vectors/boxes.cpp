@@ -134,6 +134,11 @@ void VelWbVecText::merge(const VelWbBaseVector& update) {
   take(fontName, std::move(newFontName));
 }
 
+double VelWbVecText::fontSizeWith(Size size) const {
+  if (ps < 1) return fontSize;
+  return size.width * fontSize / static_cast<double>(ps);
+}
+
 std::shared_ptr<Record> VelWbVecText::makeMutableCopy() const {
   return std::make_shared<VelWbVecText>(*this);
 }

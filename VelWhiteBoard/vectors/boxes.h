@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "VelWhiteBoard/foundation/values/geometry.h"
 #include "VelWhiteBoard/vectors/strokes.h"
 
 namespace VelWhiteBoard {
@@ -135,6 +136,13 @@ class VELWHITEBOARD_EXPORT VelWbVecText : public VectorOf<VelWbVecText, VelWbVec
   static const RecordClass& ownClass();
 
   void merge(const VelWbBaseVector& update) override;
+
+  /// The font size in view points on a board of the given size, in view points: the size's width
+  /// times `fontSize` over `ps`. `fontSize` itself when `ps` is not given (below 1). Only the width
+  /// of the size counts, and any value is computed with: a zero, negative or infinite width and NaN
+  /// give what the formula gives. Reads the record only, so it does not need the tool manager's
+  /// thread.
+  double fontSizeWith(Size size) const;
 
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {

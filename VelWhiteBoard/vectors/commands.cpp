@@ -1,8 +1,25 @@
 #include "VelWhiteBoard/vectors/commands.h"
 
+#include <charconv>
+#include <cstddef>
+#include <system_error>
+
 #include "VelWhiteBoard/foundation/records/property_table.h"
+#include "VelWhiteBoard/vectors/vector_defines.h"
 
 namespace VelWhiteBoard {
+
+namespace {
+
+/// Reads `text` as a whole into `number`; tells whether it is a decimal number in its range.
+template <class Integer>
+bool readWhole(std::string_view text, Integer& number) {
+  const char* const end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number);
+  return result.ec == std::errc() && result.ptr == end;
+}
+
+}  // namespace
 
 const RecordClass& VelWbVecRemove::ownClass() {
   static const RecordClass own =
@@ -32,6 +49,20 @@ const RecordClass& VelWbVecSwitchPage::ownClass() {
 
 std::string VelWbVecSwitchPage::pageInfo() const {
   return std::to_string(WBID) + '_' + std::to_string(curPage);
+}
+
+std::shared_ptr<VelWbVecSwitchPage> VelWbVecSwitchPage::pageFromInfo(std::string_view info) {
+  const std::size_t joint = info.find('_');
+  if (joint == std::string_view::npos) return nullptr;
+  std::int64_t board = 0;
+  std::uint64_t number = 0;
+  if (!readWhole(info.substr(0, joint), board)) return nullptr;
+  if (!readWhole(info.substr(joint + 1), number)) return nullptr;
+  auto page = initWithType(VelWBVectorStrSwitchPage);
+  page->WBID = board;
+  page->curPage = number;
+  // Leading zeros and "-0" are read, but never written.
+  return page->pageInfo() == info ? page : nullptr;
 }
 
 std::shared_ptr<Record> VelWbVecSwitchPage::makeMutableCopy() const {

@@ -3,8 +3,10 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "VelWhiteBoard/vectors/boxes.h"
 
@@ -78,6 +80,16 @@ class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
   /// The page key: `WBID` and `curPage` in decimal, joined by an underscore, such as "12_3". Files
   /// and caches of a page are named by it.
   std::string pageInfo() const;
+
+  /// The page that a page key names: the exact inverse of `pageInfo()`. The new record has the type
+  /// "switchPage", the key's `WBID` and `curPage`, and nothing else set; it belongs to the caller.
+  ///
+  /// @param info any text. What `pageInfo()` cannot have produced gives null: a missing part, a
+  ///   leading zero, a plus sign, a space, "-0", a number beyond its 64 bits, anything before or
+  ///   behind.
+  ///
+  /// Any thread.
+  static std::shared_ptr<VelWbVecSwitchPage> pageFromInfo(std::string_view info);
 
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {

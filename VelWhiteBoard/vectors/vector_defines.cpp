@@ -7,6 +7,7 @@ namespace VelWhiteBoard {
 namespace {
 
 /// By code; the first code is 1.
+static_assert(VelWBVectorTypeCursor == 1);
 constexpr std::array kTypeNames{
     VelWBVectorStrCursor,    VelWBVectorStrText,      VelWBVectorStrLine,
     VelWBVectorStrEraser,    VelWBVectorStrImage,     VelWBVectorStrCamera,
@@ -15,6 +16,7 @@ constexpr std::array kTypeNames{
     VelWBVectorStrMarkerPen, VelWBVectorStrMagnifier, VelWBVectorStrDiagram,
     VelWBVectorStrMediaList, VelWBVectorStrOffset,
 };
+static_assert(kTypeNames.size() == VelWBVectorTypeOffset);
 
 /// By code; the first code is 0.
 constexpr std::array kKindNames{

@@ -20,19 +20,19 @@ int main() {
   const auto board = VWBVectorStorage::initWithPath(home);
   board->clear();                  // what an earlier run left
   board->setIgnoreChanges(false);  // from here on, everything is recorded
-  const auto page = VelWbVecSwitchPage::initWithType("switchPage");
+  const auto page = VelWbVecSwitchPage::initWithType(VelWBVectorStrSwitchPage);
   page->WBID = 7;
   page->curPage = 1;
   board->switchPage(page);
 
   // The pen goes down, moves and comes up. All pieces of the stroke share the first one's ID.
-  tools.setTool(1);
+  tools.setTool(VelWBToolLine);
   const double penDown = clock.genTs();
   std::optional<std::string> ID;
   VectorPtr stroke;
   for (int sample = 0; sample <= 8; ++sample) {
-    const auto piece = std::dynamic_pointer_cast<VelWbVecLine>(
-        VWBToolManager::genVectorWithTool(tools.tool(), ID));
+    const auto piece =
+        recordPointerCast<VelWbVecLine>(VWBToolManager::genVectorWithTool(tools.tool(), ID));
     VWBToolManager::convertPoint({400.0 + 60 * sample, 360.0 - sample * sample}, *piece);
     piece->ts = penDown + 0.016 * sample;  // when the pen was there
     piece->end = sample == 8;

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -19,6 +20,35 @@ TEST(VectorDefines, EachCodeHasItsTypeName) {
   ASSERT_EQ(names.size(), 17U);
   for (std::uint64_t code = 1; code <= names.size(); ++code) {
     EXPECT_EQ(VelWbVectorDefines::vectorType(code), names[code - 1]) << code;
+  }
+}
+
+TEST(VectorDefines, EachTypeHasTheCodeOfItsName) {
+  const struct {
+    std::uint64_t code, number;
+    std::string_view name;
+  } rows[] = {
+      {VelWBVectorTypeCursor, 1, VelWBVectorStrCursor},
+      {VelWBVectorTypeText, 2, VelWBVectorStrText},
+      {VelWBVectorTypeLine, 3, VelWBVectorStrLine},
+      {VelWBVectorTypeEraser, 4, VelWBVectorStrEraser},
+      {VelWBVectorTypeImage, 5, VelWBVectorStrImage},
+      {VelWBVectorTypeCamera, 6, VelWBVectorStrCamera},
+      {VelWBVectorTypeMicPhone, 7, VelWBVectorStrMicPhone},
+      {VelWBVectorTypeMedia, 8, VelWBVectorStrMedia},
+      {VelWBVectorTypeInstruction, 9, VelWBVectorStrInstruction},
+      {VelWBVectorTypeClear, 10, VelWBVectorStrClear},
+      {VelWBVectorTypeRemove, 11, VelWBVectorStrRemove},
+      {VelWBVectorTypeSwitchPage, 12, VelWBVectorStrSwitchPage},
+      {VelWBVectorTypeMarkerPen, 13, VelWBVectorStrMarkerPen},
+      {VelWBVectorTypeMagnifier, 14, VelWBVectorStrMagnifier},
+      {VelWBVectorTypeDiagram, 15, VelWBVectorStrDiagram},
+      {VelWBVectorTypeMediaList, 16, VelWBVectorStrMediaList},
+      {VelWBVectorTypeOffset, 17, VelWBVectorStrOffset},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(row.code, row.number) << row.name;
+    EXPECT_EQ(VelWbVectorDefines::vectorType(row.code), row.name);
   }
 }
 

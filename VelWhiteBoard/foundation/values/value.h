@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include <nlohmann/json.hpp>
 
@@ -16,6 +17,26 @@ using Value = nlohmann::json;
 using Array = Value::array_t;
 /// A JSON object: keys in byte order, the form in which records are exchanged.
 using Dictionary = Value::object_t;
+
+namespace value_layout {
+
+/// What a value consists of: its kind and its content. Only for the check below.
+struct KindAndContent {
+  std::uint8_t kind;
+  union {
+    void* container;
+    std::int64_t integer;
+    double real;
+  } content;
+};
+
+}  // namespace value_layout
+
+// Records are made in the library and copied in clients, so both must agree on the layout of a
+// value. Some options of nlohmann/json add members to it.
+static_assert(sizeof(Value) == sizeof(value_layout::KindAndContent),
+              "VelWhiteBoard needs nlohmann::json without additional members: compile client and "
+              "library without JSON_DIAGNOSTICS and JSON_DIAGNOSTIC_POSITIONS");
 
 /// How deep arrays and objects may be nested in a value that the library takes over.
 ///
