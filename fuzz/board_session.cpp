@@ -8,6 +8,7 @@
 #include "VelWhiteBoard/storage/files/board_files.h"
 
 #include "fuzz/vectors.h"
+#include "tests/support/write_all.h"
 
 namespace fuzz {
 
@@ -150,7 +151,7 @@ void BoardSession::damageAFile(Decisions& decisions) {
   const std::string folder = storage_->folder();
   const std::string file =
       decisions.flip() ? wholeListFile(folder, key) : snapListFile(folder, key);
-  const FileResult written = files_.writeAll(file, decisions.bytes(64));
+  const FileResult written = writeAll(files_, file, decisions.bytes(64));
   require(written.ok(), "a file in memory can be written");
 }
 

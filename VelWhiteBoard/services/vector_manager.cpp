@@ -1,10 +1,9 @@
 #include "VelWhiteBoard/services/vector_manager.h"
 
-#include <array>
-#include <charconv>
 #include <cstdint>
 
 #include "VelWhiteBoard/foundation/queue/mutex.h"
+#include "VelWhiteBoard/foundation/text/number_text.h"
 #include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/foundation/values/truncation.h"
 #include "VelWhiteBoard/vectors/drawing_settings.h"
@@ -17,12 +16,6 @@ namespace {
 // the other clients evaluate: simplified, they would differ from them in the last bit.
 double shiftedFromPC(double value) { return (value + (-0.5)) + 1.0; }
 double shiftedToPC(double value) { return (1.0 - ((1.0 - value) + (1.0 - value))) * 0.5; }
-
-void appendNumber(std::string& text, std::int64_t number) {
-  std::array<char, 20> digits;  // the longest is -9223372036854775808
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  text.append(digits.data(), end);
-}
 
 }  // namespace
 

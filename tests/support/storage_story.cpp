@@ -8,6 +8,8 @@
 #include "VelWhiteBoard/foundation/files/file_system.h"
 #include "VelWhiteBoard/foundation/plist/property_list_reader.h"
 
+#include "tests/support/write_all.h"
+
 namespace VelWhiteBoard {
 namespace {
 
@@ -245,7 +247,7 @@ std::vector<std::string> Board::names() const {
 }
 
 void Board::plant(const std::string& name, const std::string& contents) {
-  const FileResult result = FileSystem::current().writeAll(at(name), contents);
+  const FileResult result = writeAll(FileSystem::current(), at(name), contents);
   if (!result) throw std::runtime_error(result.describe());
   planted_.emplace_back(name, contents);
 }

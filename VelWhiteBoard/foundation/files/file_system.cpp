@@ -91,10 +91,6 @@ FileResult FileSystem::createEmptyFile(const std::string& path) {
   return writeAtomically(path, [](const BlockConsumer&) { return true; });
 }
 
-FileResult FileSystem::writeAll(const std::string& path, std::string_view contents) {
-  return writeAtomically(path, [contents](const BlockConsumer& write) { return write(contents); });
-}
-
 ScopedFileSystem::ScopedFileSystem(FileSystem& replacement)
     : previous_(currentSlot().exchange(&replacement, std::memory_order_acq_rel)) {}
 

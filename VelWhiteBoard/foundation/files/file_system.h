@@ -189,8 +189,6 @@ class FileSystem {
   /// Leaves an empty regular file at `path`: a new one, or one that replaces the file there, see
   /// `writeAtomically`. A folder or a special file at `path` is a failure.
   FileResult createEmptyFile(const std::string& path);
-  /// `writeAtomically` with contents that lie in memory.
-  FileResult writeAll(const std::string& path, std::string_view contents);
 
  protected:
   FileSystem() = default;

@@ -137,7 +137,7 @@ bool isNumberInJSON(std::string_view text) {
 
 std::optional<Scalar> numberWithJSON(std::string_view text) {
   if (!isNumberInJSON(text)) return std::nullopt;
-  if (text.find_first_of(".eE") == std::string_view::npos) {
+  if (looksLikeInteger(text)) {
     if (auto number = integer(text)) return number;
   }
   if (const auto number = real(text)) return Scalar(*number);

@@ -1,10 +1,11 @@
 #include "VelWhiteBoard/foundation/values/path.h"
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <new>
 #include <vector>
+
+#include "VelWhiteBoard/foundation/values/same_number.h"
 
 namespace VelWhiteBoard {
 
@@ -22,10 +23,6 @@ constexpr std::size_t kChunkPositions = 1024;
 std::size_t numbersFor(std::size_t positions, std::size_t taken, std::size_t next) noexcept {
   constexpr std::size_t kOrdinary = 4;
   return std::max(taken + positions * std::min(next, kOrdinary), 2 * taken + next);
-}
-
-bool sameNumber(double left, double right) noexcept {
-  return left == right || (std::isnan(left) && std::isnan(right));
 }
 
 }  // namespace
