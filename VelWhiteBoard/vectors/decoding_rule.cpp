@@ -1,9 +1,9 @@
 // The rule that chooses the class of a vector from its dictionary.
 #include <array>
-#include <map>
 #include <string_view>
 #include <utility>
 
+#include "VelWhiteBoard/foundation/records/assignment.h"
 #include "VelWhiteBoard/foundation/records/dictionary_keys.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 #include "VelWhiteBoard/vectors/commands.h"
@@ -36,26 +36,14 @@ constexpr auto kClassOfType = std::to_array<NamedClass>({
     {VelWBVectorStrOffset, &VelWbVecOffset::ownClass},
 });
 
-using PropertiesByName = std::map<std::string_view, const Property*>;
-
-/// The properties of all vectors, one of each name.
-PropertiesByName allProperties() {
-  PropertiesByName properties;
-  const auto addAll = [&properties](const RecordClass& each) {
-    for (const Property& property : each.properties) properties.emplace(property.name, &property);
-  };
-  for (const auto& [type, ownClass] : kClassOfType) addAll(ownClass());
-  addAll(VelWbVecCircle::ownClass());  // a diagram with two properties more; boxes are less
-  return properties;
-}
-
 }  // namespace
 
 const Property* propertyOfAnyVector(std::string_view name) {
-  // Never destroyed: operations that are queued when the process ends decode records.
-  static const auto& properties = *new PropertiesByName(allProperties());
-  const auto found = properties.find(name);
-  return found == properties.end() ? nullptr : found->second;
+  for (const auto& [type, ownClass] : kClassOfType) {
+    if (const Property* found = PropertyFinder(ownClass()).find(name)) return found;
+  }
+  // A diagram with two properties more; every other class has fewer than one of the table.
+  return PropertyFinder(VelWbVecCircle::ownClass()).find(name);
 }
 
 const RecordClass& vectorClassForDictionary(const DictionaryKeys& keys, const RecordClass& asked) {

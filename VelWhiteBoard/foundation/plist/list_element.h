@@ -29,10 +29,10 @@ ListElement listElementNamed(std::string_view name);
 /// Whether XML takes the text for white space.
 bool isBlank(std::string_view text);
 
-/// What an element's text spells. `scalar` is absent for dates, data and reals beyond the range of
-/// a double, which no property holds. `error` says what is malformed; empty when nothing is.
+/// What an element's text spells. `scalar` is null for dates, data and reals beyond the range of a
+/// double, which no property holds. `error` says what is malformed; empty when nothing is.
 struct ElementValue {
-  std::optional<Scalar> scalar;
+  Scalar scalar;
   std::string_view error;
 };
 

@@ -13,6 +13,7 @@
 #include "VelWhiteBoard/foundation/plist/list_element.h"
 #include "VelWhiteBoard/foundation/plist/record_draft.h"
 #include "VelWhiteBoard/foundation/plist/value_builder.h"
+#include "VelWhiteBoard/foundation/records/assignment.h"
 
 namespace VelWhiteBoard {
 
@@ -196,7 +197,7 @@ class PropertyListReader::Parser {
         draft_.clear();
         return Purpose::record;
       case Purpose::record:
-        return isDict ? purposeOfUnknown() : purposeOfArray();
+        return isDict ? Purpose::ignored : purposeOfArray();
       case Purpose::path:
         if (isDict) return Purpose::ignored;
         position_.clear();
@@ -229,12 +230,6 @@ class PropertyListReader::Parser {
       value_.beginRecords();
       return Purpose::free;
     }
-    return purposeOfUnknown();
-  }
-
-  /// For a container that no property takes: one under an unknown key, and every dictionary.
-  Purpose purposeOfUnknown() {
-    draft_.setNothing();
     return Purpose::ignored;
   }
 
@@ -268,11 +263,7 @@ class PropertyListReader::Parser {
   void endFree() {
     if (open_.back().purpose == Purpose::free) return value_.endContainer();
     Value value;
-    if (value_.take(value)) {
-      draft_.setValue(std::move(value));
-    } else {
-      draft_.setNothing();  // nested too deep
-    }
+    if (value_.take(value)) draft_.setValue(std::move(value));
   }
 
   // Texts.
@@ -294,8 +285,7 @@ class PropertyListReader::Parser {
     if (!error.empty()) return fail(error);
     switch (parent.purpose) {
       case Purpose::record:
-        if (element == ListElement::string) return draft_.setText(text_);
-        return scalar ? draft_.setScalar(*scalar) : draft_.setNothing();
+        return draft_.setValue(valueWithScalar(scalar));
       case Purpose::position:
         return addCoordinate(scalar);
       case Purpose::free:
@@ -311,9 +301,8 @@ class PropertyListReader::Parser {
     if (parent.purpose == Purpose::free) value_.setKey(text_);
   }
 
-  void addCoordinate(const std::optional<Scalar>& scalar) {
-    const auto number = scalar ? numberIn(*scalar) : std::nullopt;
-    if (number) {
+  void addCoordinate(const Scalar& scalar) {
+    if (const auto number = numberIn(scalar)) {
       position_.push_back(*number);
     } else {
       positionIsSound_ = false;

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,8 +26,8 @@ class ValueBuilder {
   void beginRecords() { beginUnits(kMemberOfRecord); }
   /// The key of the next element of the dictionary that is open.
   void setKey(std::string_view key) { key_ = key; }
-  /// Adds a scalar; an absent one stands for what JSON cannot express, and is left out.
-  void add(const std::optional<Scalar>& scalar);
+  /// Adds a scalar; null stands for what JSON cannot express, and is left out.
+  void add(const Scalar& scalar);
   void beginContainer(bool isDictionary);
   void endContainer();
   /// Gives the whole array to `value`; false when it was nested too deep. To be called once.
