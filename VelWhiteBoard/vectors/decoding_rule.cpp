@@ -18,8 +18,8 @@ namespace {
 
 using NamedClass = std::pair<std::string_view, const RecordClass& (*)()>;
 
-/// The class of each type name that has one of its own. Strokes first: they are by far the most.
-/// The names are distinct, so the order decides nothing else.
+/// The class of each type name that has its own. Strokes come first because they are the most
+/// frequent; otherwise the order has no effect, since the names are distinct.
 constexpr auto kClassOfType = std::to_array<NamedClass>({
     {VelWBVectorStrLine, &VelWbVecLine::ownClass},
     {VelWBVectorStrMarkerPen, &VelWbVecLine::ownClass},
@@ -42,7 +42,8 @@ const Property* propertyOfAnyVector(std::string_view name) {
   for (const auto& [type, ownClass] : kClassOfType) {
     if (const Property* found = PropertyFinder(ownClass()).find(name)) return found;
   }
-  // A diagram with two properties more; every other class has fewer than one of the table.
+  // A diagram with two more properties. Every other class has a subset of the properties of one
+  // above.
   return PropertyFinder(VelWbVecCircle::ownClass()).find(name);
 }
 
@@ -51,7 +52,7 @@ const RecordClass& vectorClassForDictionary(const DictionaryKeys& keys, const Re
     for (const auto& [name, ownClass] : kClassOfType) {
       if (*type == name) return ownClass();
     }
-    // Whether the key is there decides, not what it holds; likewise below.
+    // The presence of the key decides, not its value; likewise below.
     if (*type == VelWBVectorStrDiagram) {
       return keys.contains("radiusX") ? VelWbVecCircle::ownClass() : VelWbVecDiagram::ownClass();
     }

@@ -103,7 +103,7 @@ std::string_view withoutTrailingSeparators(std::string_view path) {
 
 std::string appendPathComponent(std::string_view base, std::string_view component) {
   std::string path(withoutTrailingSeparators(base));
-  // An absolute component stays one when there is nothing to append it to.
+  // An absolute component stays absolute when `base` is empty.
   if (path.empty() && component.starts_with(kSeparator)) path = kSeparator;
   while (!component.empty()) {
     const std::string_view part = component.substr(0, component.find(kSeparator));

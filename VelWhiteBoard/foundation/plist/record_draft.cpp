@@ -60,7 +60,7 @@ void RecordDraft::setPath(Path path) {
 
 std::optional<PropertyKind> RecordDraft::expectedKind() const {
   if (current_ == nullptr) return std::nullopt;
-  // The class may not be known before later keys are, but a name means the same to all of them.
+  // The class may depend on later keys, but a name has the same kind in all classes.
   const Property* property = propertyOfFamily(current_->key);
   return property == nullptr ? std::nullopt : std::optional(property->kind);
 }

@@ -29,15 +29,15 @@ class RecordDraft final : public DictionaryKeys {
   /// Starts the next member; its value is null until one is set. Beyond 64 members, keeps only
   /// those whose keys some class declares; this bounds time and memory for hostile input.
   void beginMember(std::string_view key);
-  /// The value of the member that was begun last. Takes it over, and leaves null in its place.
+  /// Sets the value of the member that was begun last; `value` becomes null.
   void setValue(Value&& value);
   void setPath(Path path);
 
-  /// The kind of property that the member begun last will be, whatever the keys are that follow;
-  /// absent when no class has a property of that name.
+  /// The kind of property of the member that was begun last, whatever keys follow; absent when no
+  /// class has a property of that name.
   std::optional<PropertyKind> expectedKind() const;
 
-  /// The record that all members make; takes their values.
+  /// Makes the record from all members, whose values it takes over.
   std::shared_ptr<Record> record();
 
   bool contains(std::string_view key) const override;

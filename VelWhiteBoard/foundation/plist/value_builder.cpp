@@ -48,7 +48,7 @@ void ValueBuilder::endContainer() {
   open_.pop_back();
 }
 
-/// Puts null in the place of the unit that is open and nested too deep.
+/// Replaces the open unit, which is nested too deep, by null.
 void ValueBuilder::dropUnit() {
   if (unit_ == kWhole) return;
   dismantle(*open_.back());

@@ -24,7 +24,7 @@ bool areSameNumbers(const Value& left, const Value& right) {
   if (left.is_number_float() || right.is_number_float()) {
     return sameNumber(left.get<double>(), right.get<double>());
   }
-  // The library compares a signed with an unsigned integer as signed ones, which makes -1 equal to
+  // The JSON library compares a signed and an unsigned integer as signed, which makes -1 equal to
   // the largest unsigned integer.
   if (left.is_number_unsigned() != right.is_number_unsigned()) {
     const Value& asSigned = left.is_number_unsigned() ? right : left;
