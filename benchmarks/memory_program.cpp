@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "benchmarks/counted_memory.h"
-#include "benchmarks/page_batches.h"
+#include "benchmarks/storage/page_batches.h"
 #include "benchmarks/written_board.h"
 
 namespace benchmarks {

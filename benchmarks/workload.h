@@ -1,6 +1,7 @@
 // What the benchmarks work on: made up from a formula, so that every run sees the same.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -15,6 +16,9 @@ namespace benchmarks {
 using namespace VelWhiteBoard;
 
 inline constexpr double kLessonStart = 1700000000.0;
+
+/// After this the next vector makes a save due, which comes more than 20 seconds after the last.
+inline constexpr std::chrono::seconds kBeyondSaveInterval{21};
 
 /// JSON text of a piece of one position.
 std::string lineText(const std::string& identifier, double x, double y, double time);

@@ -3,7 +3,7 @@ if(NOT PROJECT_IS_TOP_LEVEL)
   return()
 endif()
 
-# Without a build type nothing is optimised and no debug information is kept, which serves nobody.
+# Without a build type there is neither optimisation nor debug information, so choose one.
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
 endif()

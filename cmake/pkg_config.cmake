@@ -18,8 +18,8 @@ set(pc_requires "nlohmann_json >= 3.11")
 set(pc_cflags "-I\${includedir}")
 set(pc_libs "-L\${libdir} -lVelWhiteBoard")
 if(library_type STREQUAL "STATIC_LIBRARY")
-  # No program links without these, so they are not "private": those would be left out of
-  # `pkg-config --libs`, which then works for nobody.
+  # No program links without these, so they are not "private": those are left out of
+  # `pkg-config --libs`, and no client would link.
   string(APPEND pc_requires ", simdjson >= 3.0, expat >= 2.5")
   string(APPEND pc_cflags " -DVELWHITEBOARD_STATIC_DEFINE")
   string(APPEND pc_libs " -pthread")

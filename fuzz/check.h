@@ -25,26 +25,6 @@ inline std::string_view textOf(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
 
-/// Numbers that look random but follow from the input, so that an input does the same every time.
-class Dice {
- public:
-  explicit Dice(std::string_view seed) {
-    for (const char byte : seed) mix(static_cast<std::uint8_t>(byte));
-  }
-  /// Below `bound`, which is not 0.
-  std::size_t below(std::size_t bound) {
-    mix(1);
-    return static_cast<std::size_t>(state_ >> 20U) % bound;
-  }
-
- private:
-  void mix(std::uint64_t value) {
-    state_ = (state_ ^ value) * 0x9E3779B97F4A7C15U;
-    state_ ^= state_ >> 29U;
-  }
-  std::uint64_t state_ = 0x243F6A8885A308D3U;
-};
-
 /// Takes decisions from the input, byte by byte. An input that is used up answers 0 and nothing.
 class Decisions {
  public:

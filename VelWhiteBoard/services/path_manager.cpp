@@ -10,7 +10,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-// The platform numbers that callers ask by.
+// The directory codes, which are the platform's numbers.
 constexpr std::uint64_t kLibraryCode = 5;
 constexpr std::uint64_t kDocumentsCode = 9;
 constexpr std::uint64_t kCachesCode = 13;
@@ -29,8 +29,8 @@ std::vector<std::string> directoriesOfCode(std::uint64_t code) {
   }
 }
 
-// Makes a folder that only its user may enter, with all missing ones above it as usual. A folder
-// that exists stays as it is. Whether it worked shows when the folder is used.
+// Makes a folder that only its user may enter, and all missing folders above it with the usual
+// permissions. A folder that exists stays as it is. A failure shows when the folder is used.
 void makePrivateFolders(const std::string& path) {
   FileSystem& files = FileSystem::current();
   if (files.exists(path)) return;
@@ -39,7 +39,7 @@ void makePrivateFolders(const std::string& path) {
   static_cast<void>(files.makePrivateFolder(path));
 }
 
-// An empty suffix counts as one that no name has, though every string ends in it.
+// By convention no name has the empty suffix, although every string ends in it.
 bool passes(const std::string& name, const std::optional<std::string>& suffix) {
   return !suffix || (!suffix->empty() && name.ends_with(*suffix));
 }
@@ -204,7 +204,7 @@ std::optional<std::vector<std::string>> VWBPathManager::filesAtPath(
   if (!isFolderExist(folder)) return std::nullopt;
   std::vector<std::string> names;
   if (!FileSystem::current().list(folder, names)) return std::nullopt;
-  // The names first: they cost nothing, the status of a file does.
+  // The names first: comparing them is cheap, the status of a file is not.
   std::erase_if(names, [&](const std::string& name) {
     return !passes(name, hasSuffix) || !isFileExist(appendPathComponent(folder, name));
   });

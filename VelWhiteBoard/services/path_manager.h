@@ -1,5 +1,5 @@
 /// @file
-/// The standard directories of the user, and small file-system chores.
+/// The user's standard directories, and basic file-system operations.
 #pragma once
 
 #include <cstdint>
@@ -12,26 +12,27 @@
 
 namespace VelWhiteBoard {
 
-/// The user's standard directories, and small file-system chores.
+/// The user's standard directories, and basic file-system operations.
 ///
-/// One object for the process, made on first use and never destroyed. Paths are UTF-8 and taken
-/// byte for byte; a relative one belongs to the process's working directory. Symbolic links count
-/// as what they point to, a dangling one as nothing; what is removed or replaced is the link. An
-/// empty path and one that contains a NUL byte name nothing: tests answer false, creations fail, a
+/// One object for the process, made on first use and never destroyed. Paths are UTF-8 and used byte
+/// for byte; a relative one starts at the process's working directory. A symbolic link counts as
+/// its target, a dangling one as absent; removing or replacing affects the link itself. An empty
+/// path and one that contains a NUL byte name nothing: tests return false, creations fail, a
 /// removal has nothing to do.
 ///
-/// Failures are results only: false, or an absent string or list. Nothing is thrown or logged.
+/// Failures are reported only by the result: false, or an absent string or list. Nothing is thrown
+/// or logged.
 ///
-/// Directories are asked for by number, in two ways that must not be mixed up:
+/// Directories are chosen by number, in two ways that must not be confused:
 /// - by directory code (`searchPath`, and every `domain`): 9 the documents directory, 5 the library
 ///   directory, 13 the caches directory, any other number no directory;
 /// - by the argument of `directoryPath`: 0 documents, 1 library, 2 caches, any other number the
 ///   temporary directory.
 ///
-/// Where they lie: documents are what the desktop's "user-dirs.dirs" says (~/Documents when it does
-/// not), the library is $XDG_DATA_HOME (~/.local/share), caches are $XDG_CACHE_HOME (~/.cache), the
-/// temporary directory is $TMPDIR (/tmp). A value that is not an absolute path counts as not set.
-/// No directory path ends in a separator, and the directories need not exist.
+/// Locations: documents are what the desktop's "user-dirs.dirs" says (~/Documents by default), the
+/// library is $XDG_DATA_HOME (~/.local/share), caches are $XDG_CACHE_HOME (~/.cache), the temporary
+/// directory is $TMPDIR (/tmp). A value that is not an absolute path counts as not set. No
+/// directory path ends in a separator, and the directories need not exist.
 ///
 /// Every operation may be called from any thread, as long as no other thread changes the process's
 /// environment meanwhile.
@@ -43,7 +44,7 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   VWBPathManager(const VWBPathManager&) = delete;
   VWBPathManager& operator=(const VWBPathManager&) = delete;
 
-  /// Puts the object back to its initial state and answers it.
+  /// Resets the object to its initial state and returns it.
   VWBPathManager& init();
   /// Reads the four directories from the environment again and empties `rootFolder`.
   void initConfigure();
@@ -63,7 +64,8 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   /// The directory for temporary files as of the last `initConfigure`.
   std::string tempDirectory() const;
 
-  /// The last place of a directory as the environment tells it now; absent when there is none.
+  /// The last location of a directory according to the current environment; absent when there is
+  /// none.
   /// @param directory a directory code.
   std::optional<std::string> searchPath(std::uint64_t directory);
 
@@ -73,15 +75,15 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
 
   /// The path of a file in a folder under the caches directory; makes the folder.
   ///
-  /// The three parts are put together as plain strings, without separators between them, so
+  /// The three parts are joined as plain strings, without separators between them, so
   /// `relativePath` must begin and end with one as needed ("/boards/7/"). The caches directory is
   /// made when it is missing, for its user only (mode 0700); below it only the last folder is made.
-  /// The answer does not tell whether that worked. `rootFolder` is not used.
+  /// The result does not say whether that worked. `rootFolder` is not used.
   std::string storePathWithRelativePath(const std::string& relativePath,
                                         const std::string& fileName);
 
-  /// Makes a folder whose parent exists. True only when it was made: anything that exists at the
-  /// path already gives false.
+  /// Makes a folder whose parent exists. True only when it was made: false if anything exists at
+  /// the path.
   bool checkShouldCreateDirectoryWithPath(const std::string& path);
 
   /// Whether a folder lies at the documents directory followed by `suffix`.
@@ -104,23 +106,23 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
 
   /// Makes a folder under the documents directory, see below.
   std::optional<std::string> createFolderWithSuffix(const std::string& suffix);
-  /// Makes the folder directory / `rootFolder` / `suffix`, with all missing folders above it,
-  /// leaving out what is empty. Answers its path, also when it existed already; absent when there
-  /// is no such directory or the folder cannot be made.
+  /// Makes the folder directory / `rootFolder` / `suffix`, with all missing folders above it; empty
+  /// parts are left out. Returns its path, also when it existed already; absent when there is no
+  /// such directory or the folder cannot be made.
   /// @param domain a directory code.
   std::optional<std::string> createFolderWithSuffix(const std::string& suffix,
                                                     std::uint64_t domain);
   /// Makes a folder with all missing ones above it. True also when it existed already.
   bool createFolderWithPath(const std::string& path);
 
-  /// Puts a new, empty file at the path. It replaces a file that exists and takes its permissions
-  /// over; whoever has the old file open keeps its contents. False for a folder or a special file
-  /// at the path, and when the folder does not exist.
+  /// Puts a new, empty file at the path. It replaces an existing file and keeps its permissions; a
+  /// program that has the old file open still sees the old contents. False for a folder or a
+  /// special file at the path, and when the folder does not exist.
   bool createFile(const std::string& path);
 
   /// Removes what lies at the path, a folder with all its contents. Symbolic links are removed, not
-  /// followed. True when nothing is there in the first place. Of a folder that cannot be removed
-  /// whole, as much as possible goes.
+  /// followed. True when nothing is there in the first place. The first failure ends the removal of
+  /// a folder; what was removed before is gone.
   bool removeFolderOrFile(const std::string& path);
 
   /// The names, not the paths, of everything in a folder that is not a folder itself, one level
@@ -128,8 +130,8 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   /// capitals before small letters, "10.plist" before "2.plist". Absent when there is no such
   /// folder or it cannot be read.
   std::optional<std::vector<std::string>> filesAtPath(const std::string& folder);
-  /// The same, only with the names that end in `hasSuffix`, upper and lower case distinguished. An
-  /// absent suffix lets every name pass, an empty one no name.
+  /// The same, only with the names that end in `hasSuffix`, upper and lower case distinguished.
+  /// With an absent suffix every name passes, with an empty one no name.
   std::optional<std::vector<std::string>> filesAtPath(const std::string& folder,
                                                       const std::optional<std::string>& hasSuffix);
 

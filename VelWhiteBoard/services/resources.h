@@ -56,7 +56,7 @@ class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoard
   double filesize = 0;
   /// A second size, in the sender's unit, kept for the client.
   std::uint64_t size = 0;
-  /// Number of pages as the sender states it; `getTotalPage()` does not look at it.
+  /// Number of pages as the sender states it; `getTotalPage()` does not read it.
   std::uint64_t totalPage = 0;
   /// Width and height of a page, in the sender's unit.
   std::int64_t width = 0;
@@ -64,13 +64,13 @@ class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoard
 
   static const RecordClass& ownClass();
 
-  /// The display title. Without one the default "白板", which is answered only, never stored.
+  /// The display title. Without one the default "白板", which is returned but never stored.
   std::string title() const;
-  /// Sets the title; an absent one brings the default back, an empty title is a title.
+  /// Sets the title. An absent one restores the default; an empty one is a title.
   void setTitle(std::optional<std::string> title);
 
-  /// 2 for a slide deck, 1 for a PDF document, 0 for images and everything unknown: told by whether
-  /// the extension of `fileUrl`, in lower case, contains "ppt" or else "pdf".
+  /// 2 for a slide deck, 1 for a PDF document, 0 for images and everything unknown: decided by
+  /// whether the extension of `fileUrl`, in lower case, contains "ppt" or else "pdf".
   std::uint64_t getResourceType() const;
 
   /// Number of elements of `images`.

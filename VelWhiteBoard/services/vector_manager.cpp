@@ -1,10 +1,9 @@
 #include "VelWhiteBoard/services/vector_manager.h"
 
-#include <array>
-#include <charconv>
 #include <cstdint>
 
 #include "VelWhiteBoard/foundation/queue/mutex.h"
+#include "VelWhiteBoard/foundation/text/number_text.h"
 #include "VelWhiteBoard/foundation/values/clock.h"
 #include "VelWhiteBoard/foundation/values/truncation.h"
 #include "VelWhiteBoard/vectors/drawing_settings.h"
@@ -13,16 +12,10 @@
 namespace VelWhiteBoard {
 namespace {
 
-// The desktop client's coordinates end at the board's middle. The two formulas are the ones that
-// the other clients evaluate: simplified, they would differ from them in the last bit.
+// The desktop client's coordinates are shifted by one half. The other clients evaluate the same two
+// formulas: simplified ones would differ in the last bit.
 double shiftedFromPC(double value) { return (value + (-0.5)) + 1.0; }
 double shiftedToPC(double value) { return (1.0 - ((1.0 - value) + (1.0 - value))) * 0.5; }
-
-void appendNumber(std::string& text, std::int64_t number) {
-  std::array<char, 20> digits;  // the longest is -9223372036854775808
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-  text.append(digits.data(), end);
-}
 
 }  // namespace
 
@@ -75,8 +68,8 @@ std::string VelWbVectorManager::genID() {
 
 double VelWbVectorManager::genTs() {
   if (!isRunning_) return serverTs_ - localTs_;
-  // Read before the semaphore is taken: no operation holds a lock of one manager while it asks
-  // another one.
+  // Read before the semaphore is taken: no operation holds a lock of one manager while it calls
+  // another manager.
   const bool readsMediaClock = DrawingSettings::shared().version() == 1;
   const SemaphoreHold hold(semaphore());
   const double server = serverTs_;

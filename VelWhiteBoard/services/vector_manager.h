@@ -1,5 +1,5 @@
 /// @file
-/// The lesson's clock, and the stamps that every vector carries.
+/// The lesson's clock, and the identifiers and timestamps of vectors.
 #pragma once
 
 #include <atomic>
@@ -22,10 +22,10 @@ class VelWbVecPoint;
 /// `userID`.
 ///
 /// Threads: everything may be called from any thread. `setCourseCreateTs` and, while the clock
-/// runs, `genTs` wait for `semaphore` without limit; nothing else does, so whoever holds it may
-/// still call the rest. An operation that does not wait reads `createTs`, `serverTs` and `localTs`
-/// each as a whole, but may find one of them from before a synchronisation and another from after
-/// it.
+/// runs, `genTs` wait for `semaphore` without limit; nothing else does, so the holder of the
+/// semaphore may still call the rest. An operation that does not wait reads `createTs`, `serverTs`
+/// and `localTs` atomically one by one, so it may see one of them from before a synchronisation and
+/// another from after it.
 class VELWHITEBOARD_EXPORT VelWbVectorManager {
  public:
   /// The one object.
@@ -36,11 +36,11 @@ class VELWHITEBOARD_EXPORT VelWbVectorManager {
   VelWbVectorManager& operator=(const VelWbVectorManager&) = delete;
   VelWbVectorManager& operator=(VelWbVectorManager&&) = delete;
 
-  /// Puts the object back to its initial state and answers it: not running, all times 0, no
-  /// `userID`, a new `semaphore`.
+  /// Resets the object to its initial state and returns it: not running, all times 0, no `userID`,
+  /// a new `semaphore`.
   VelWbVectorManager& init();
 
-  /// Takes over a synchronisation with the server, under `semaphore`. Any value is stored.
+  /// Stores a synchronisation with the server, under `semaphore`. Any value is accepted.
   /// @param createTs when the lesson was created, seconds since 1970-01-01.
   /// @param ServerTs the server's time, seconds.
   /// @param localTs the reading at which `ServerTs` arrived, taken from the clock that `genTs`
@@ -59,17 +59,16 @@ class VELWHITEBOARD_EXPORT VelWbVectorManager {
   std::string genID();
 
   /// A timestamp in seconds on the server's clock. While the clock runs: `serverTs` and the time
-  /// that has passed since `localTs`, read under `semaphore`. While it stands: `serverTs` -
-  /// `localTs`, whatever the time, without the semaphore. Times that are not finite are computed
-  /// with like any other.
+  /// that has passed since `localTs`, read under `semaphore`. While it does not run: `serverTs` -
+  /// `localTs`, without the semaphore. Times that are not finite are treated like any other.
   double genTs();
 
   /// Moves a point from the desktop client's coordinates to the board's: adds one half to `x` and
   /// to `y`, in exactly the floating-point operations that all clients share. No other field
-  /// changes: the positions in `path`, and the size of a box, stay. NaN and the infinities stay
-  /// what they are. The point belongs to the caller; it is not kept.
+  /// changes: the positions in `path`, and the size of a box, stay. NaN and the infinities do not
+  /// change. The point belongs to the caller; no reference to it is kept.
   void coordinateSystemTransFromPC(VelWbVecPoint& point);
-  /// The reverse: takes one half off `x` and `y`, by its own shared formula.
+  /// The reverse: subtracts one half from `x` and `y`, by a shared formula of its own.
   void coordinateSystemTransToPC(VelWbVecPoint& point);
 
   /// Guards the three times during a synchronisation; count 1, not re-entrant. Never null.
@@ -108,7 +107,7 @@ class VELWHITEBOARD_EXPORT VelWbVectorManager {
   VelWbVectorManager();
   ~VelWbVectorManager();
 
-  // Atomic rather than guarded: the operations that take no semaphore read and write them, too.
+  // Atomic rather than guarded, because operations that take no semaphore also read and write them.
   std::atomic<double> createTs_{0.0};
   std::atomic<double> serverTs_{0.0};
   std::atomic<double> localTs_{0.0};

@@ -16,14 +16,14 @@ constexpr std::size_t kLengthWithAlpha = 9;  // #RRGGBBAA
 constexpr std::string_view kOpaque = "FF";
 
 // A character begins at every byte that does not continue one. Cutting only there never splits a
-// character, and the rule has an answer for bytes that are no UTF-8 as well.
+// character, and the rule also works for bytes that are not UTF-8.
 bool beginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
 
 std::size_t characterCount(std::string_view text) {
   return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), beginsCharacter));
 }
 
-/// The text up to, not including, the character at `position`; all of it when it is shorter.
+/// The string up to, not including, the character at `position`; all of it when it is shorter.
 std::string_view firstCharacters(std::string_view text, std::size_t position) {
   std::size_t seen = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -34,7 +34,7 @@ std::string_view firstCharacters(std::string_view text, std::size_t position) {
   return text;
 }
 
-// The standard functions for case obey the locale; colours must not.
+// The standard functions for case depend on the locale; colours must not.
 char upperCaseCharacter(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
@@ -44,8 +44,8 @@ std::string upperCase(std::string text) {
   return text;
 }
 
-/// The stored colour without anything behind its six digits. Every stored colour begins with "#":
-/// the palette's entries do, and the other setters see to it.
+/// The stored colour without anything after its six digits. Every stored colour begins with "#":
+/// the palette's entries do, and the other setters ensure it.
 std::string withoutAlpha(const std::string& stored) {
   return std::string(firstCharacters(stored, kDigitsWithHash));
 }
@@ -94,7 +94,7 @@ std::string VWBToolManager::markerColor() const {
 }
 
 void VWBToolManager::setTextColor(const std::optional<std::string>& textColor) {
-  if (!textColor) throw std::invalid_argument("a text colour cannot be none");
+  if (!textColor) throw std::invalid_argument("a text colour must be given");
   user_.textColor = normalised(*textColor);
 }
 
@@ -125,7 +125,7 @@ void VWBToolManager::setMarkerColorAlpha(double markerColorAlpha) {
 }
 
 bool VWBToolManager::isPaletteColor(const std::optional<std::string>& color) const {
-  // Comparing with none is false for every entry.
+  // An absent colour equals no entry.
   return std::find(colorArr().begin(), colorArr().end(), color) != colorArr().end();
 }
 

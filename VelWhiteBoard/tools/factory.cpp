@@ -65,8 +65,8 @@ std::shared_ptr<VelWbVecText> newText(std::optional<std::string> name,
   if (settings.version() == 1) text->fontName = "Arial";
   text->w = 0.2;
   text->h = 0.1;
-  // The present size, while strokes and diagrams take the base size: a text is laid out for the
-  // board on which it is typed.
+  // The current size, unlike strokes and diagrams, which take the base size: text is laid out for
+  // the board on which it is typed.
   text->ps = truncatedToSigned(settings.wbSize().width);
   return text;
 }
@@ -142,7 +142,7 @@ VectorPtr VWBToolManager::genVectorWithType(std::uint64_t type,
                                             const std::optional<std::string>& ID,
                                             const std::optional<std::string>& kind) {
   VectorPtr vector = unstampedVector(type, kind);
-  // The stamps are taken even when there is nothing to put them on.
+  // The stamps are taken even when no vector is made.
   auto& stamps = VelWbVectorManager::shareManager();
   const double ts = stamps.genTs();
   std::string ownID = ID ? *ID : stamps.genID();

@@ -11,7 +11,7 @@ namespace {
 
 using WidthTable = std::vector<double>;
 
-/// A negative index is a huge unsigned one, so one comparison refuses both sides.
+/// As an unsigned number a negative index is huge, so one comparison refuses both ends.
 bool isIndexInto(const WidthTable& table, std::int64_t index) {
   return static_cast<std::uint64_t>(index) < table.size();
 }
@@ -132,7 +132,7 @@ void VWBToolManager::setEraserWidthIndex(std::int64_t eraserWidthIndex) {
 double VWBToolManager::textFontSize() const { return user_.textFontSize; }
 
 void VWBToolManager::setTextFontSize(double textFontSize) {
-  // Written so that NaN fails it.
+  // Written such that NaN is refused.
   const bool isWithinLimits =
       textFontMinSize() <= textFontSize && textFontSize <= textFontMaxSize();
   if (isWithinLimits) user_.textFontSize = textFontSize;

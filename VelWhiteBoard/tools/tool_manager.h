@@ -22,22 +22,22 @@ using VectorPtr = std::shared_ptr<VelWbBaseVector>;
 /// The drawing side's current settings, the factory that makes new vectors from them, and the
 /// conversions between the view's points and the board's normalised coordinates.
 ///
-/// One object serves the whole process. It is made on first use and never destroyed, and every way
-/// to a `VWBToolManager` leads to it. Most operations exist twice: a class operation for callers,
-/// and an instance twin with a leading underscore that holds the logic.
+/// One object serves the whole process. It is made on first use and never destroyed; no second
+/// `VWBToolManager` can exist. Most operations exist twice: a class operation for callers, and an
+/// instance twin with a leading underscore that holds the logic.
 ///
 /// Threads: the first access may come from any thread, and `version()` may be read from any thread
-/// at any time. Every other operation and property takes no lock; callers keep all of them on one
+/// at any time. All other operations and properties take no lock; callers must use them on one
 /// thread. Asking a stroke or diagram for its `lineWidth` reads these settings too.
 ///
-/// An invalid setting is ignored without a report and the old value stays. Beside std::bad_alloc,
-/// these throw, and change nothing then:
+/// An invalid setting is ignored without a report and the old value stays. Apart from
+/// std::bad_alloc, these throw, and change nothing then:
 ///
 /// - the lookups `lineWidth`, `markerWidth`, `eraserWidth` and `colorStringWithIndex`, and their
 ///   twins: std::out_of_range when the index equals the length of the table;
 /// - the factory, for the types "line", "eraser", "markerPen" and "diagram": std::out_of_range when
 ///   the width index of that tool equals the length of its table;
-/// - `setTextColor`: std::invalid_argument when there is no colour.
+/// - `setTextColor`: std::invalid_argument when the colour is absent.
 ///
 /// Not meant as a base class.
 class VELWHITEBOARD_EXPORT VWBToolManager {
@@ -49,9 +49,9 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// The same object: an allocation never yields a second one.
   static VWBToolManager& allocWithZone();
 
-  /// Puts every property back to its initial value, `version` and the board sizes included.
+  /// Resets every property to its initial value, `version` and the board sizes included.
   VWBToolManager& init();
-  /// The receiver itself: there is nothing to copy it into.
+  /// The receiver itself: there is only one object.
   VWBToolManager& copy();
   /// The receiver itself.
   VWBToolManager& mutableCopy();
@@ -72,9 +72,16 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// The palette: seven colours of the form #RRGGBB in upper case. Lives as long as the process.
   const std::vector<std::string>& colorArr() const;
 
-  /// The width tables of pen (and diagrams), marker and eraser, in points of the base board size.
-  /// A table is replaced whole and never edited: a reference taken before `setVersion` stays
-  /// valid and keeps showing the old table.
+  /// The width tables, in points of the base board size:
+  ///
+  /// | table | at `version` 1 | at any other |
+  /// |---|---|---|
+  /// | pen and diagrams | 2, 4, 6, 8, 10 | 2, 4, 7 |
+  /// | marker | 16, 30, 44, 58, 72 | 8, 14, 20 |
+  /// | eraser | 20 | 20 |
+  ///
+  /// The tables live as long as the process and never change: a reference that was taken before
+  /// `setVersion` stays valid and refers to the old table.
   const std::vector<double>& lineWidthArr() const;
   const std::vector<double>& markerWidthArr() const;
   const std::vector<double>& eraserWidthArr() const;
@@ -88,12 +95,12 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// and the media clock for timestamps; every other value selects the other behaviour.
   /// Initially 0. This getter alone is safe from any thread.
   std::uint64_t version() const;
-  /// Stores the version and replaces the line and marker width tables. The width indexes stay as
-  /// they are, even where the new table is too short for them; the lookups cope with that.
+  /// Stores the version and selects the pen and marker width tables. The width indexes stay as they
+  /// are, even if the new table is too short for them; then the lookups give entry 0 or throw.
   void setVersion(std::uint64_t version);
 
-  /// The board's present size in view points. Used by every conversion that takes no size, and by
-  /// the `ps` of a new text. Initially {400, 225}; any value is stored.
+  /// The board's current size in view points. Used by every conversion that takes no size, and by
+  /// the `ps` of new text. Initially {400, 225}; any value is stored.
   Size wbSize() const;
   void setWbSize(Size wbSize);
 
@@ -129,7 +136,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   double textFontSize() const;
   void setTextFontSize(double textFontSize);
 
-  /// Counters that are only kept for the host: never checked, not even against one another. Each
+  /// Counters that are only stored for the host: never checked, not even against each other. Each
   /// starts at 1.
   std::uint64_t currentPage() const;
   void setCurrentPage(std::uint64_t currentPage);
@@ -141,9 +148,9 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   // ---- Width lookups (settings.cpp) --------------------------------------------------------
 
   /// The entry of the width table, as a single-precision number widened to double. A negative index
-  /// and one above the table's length read entry 0.
-  /// @throws std::out_of_range when the index equals the table's length. Hosts know this behaviour
-  /// of the lookup, so it is kept. An index above the length does not throw.
+  /// and one above the table's length give entry 0.
+  /// @throws std::out_of_range when the index equals the table's length. Hosts rely on this
+  /// behaviour. An index above the length does not throw.
   static double lineWidth(std::int64_t index);
   static double markerWidth(std::int64_t index);
   static double eraserWidth(std::int64_t index);
@@ -154,39 +161,39 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
 
   // ---- Limits (settings.cpp) ---------------------------------------------------------------
 
-  /// The height in points that a text of this font size needs at least: 23 at size 20, and 1.2 more
-  /// for each point of font size.
+  /// The minimum height in points of text of this font size: 23 at size 20, and 1.2 more for each
+  /// point of font size.
   static double textLimitHeight(double fontSize);
-  /// 10, in view points. What it limits is the client's business; nothing in the library reads it.
+  /// 10, in view points. For the client's use; the library does not read it.
   static double imageLimitSize();
 
   // ---- Colours (colours.cpp) ---------------------------------------------------------------
   //
-  // A colour is stored in six digits and handed out in eight: #RRGGBB and its alpha. Vectors carry
-  // the handed-out form. A character is a Unicode code point: no colour string is ever cut inside
-  // one, so valid UTF-8 stays valid, and bytes that are not UTF-8 pass through unharmed. Only the
-  // ASCII letters change case.
+  // A colour is stored with six digits and returned with eight: #RRGGBB and its alpha. Vectors hold
+  // the returned form. A character is a Unicode code point: no colour string is cut inside one, so
+  // valid UTF-8 stays valid, and bytes that are not UTF-8 do not change. Only the ASCII letters
+  // change case.
 
-  /// The opaque colours as handed out: the stored colour cut to its six digits, then "FF", all in
-  /// upper case. Initially the first palette entry, so #FF3467FF.
+  /// The opaque colours in the returned form: the first six digits of the stored colour, then "FF",
+  /// all in upper case. Initially the first palette entry, so #FF3467FF.
   std::string textColor() const;
   std::string lineColor() const;
   std::string diagramColor() const;
-  /// As above; none when there is no background, as initially.
+  /// The same for the background; absent when there is no background, as initially.
   std::optional<std::string> textBgColor() const;
-  /// The marker's colour as handed out: the stored colour in its stored case, then the alpha in two
-  /// lower-case digits. Initially #FF34675e.
+  /// The marker's colour in the returned form: the stored colour in its stored case, then the alpha
+  /// in two lower-case digits. Initially #FF34675e.
   std::string markerColor() const;
 
-  /// Takes any colour: "#" is put in front where it is missing, an opaque alpha is cut off, and the
-  /// rest is stored in upper case.
+  /// Accepts any colour: a missing "#" is added, an opaque alpha is removed, and the rest is stored
+  /// in upper case.
   /// @throws std::invalid_argument when it is absent; the stored colour stays.
   void setTextColor(const std::optional<std::string>& textColor);
   /// As `setTextColor`, but an absent colour clears the background.
   void setTextBgColor(const std::optional<std::string>& textBgColor);
 
-  /// Take only a string that equals a palette entry, and ignore everything else: lower case, none
-  /// and the eight-digit form that the getters hand out.
+  /// Accept only a string that equals a palette entry and ignore everything else: lower case, an
+  /// absent colour, and the eight-digit form that the getters return.
   void setLineColor(const std::optional<std::string>& lineColor);
   void setDiagramColor(const std::optional<std::string>& diagramColor);
   void setMarkerColor(const std::optional<std::string>& markerColor);
@@ -203,22 +210,22 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// Instance twin of `colorStringWithIndex`.
   std::string _colorStringWithIndex(std::int64_t index) const;
 
-  /// The index of the first palette entry with which the colour begins; "#" may be missing in front
-  /// and alpha digits may follow, but the case must be the palette's. 0 when nothing matches, which
-  /// a caller cannot tell from the first entry.
+  /// The index of the first palette entry with which the colour begins. The leading "#" may be
+  /// missing and alpha digits may follow, but the case must be the palette's. 0 when no entry
+  /// matches, as for the first entry.
   static std::int64_t indexOfColor(const std::string& color);
   /// Instance twin of `indexOfColor`.
   std::int64_t _indexOfColor(const std::string& color) const;
 
   // ---- Vector factory (factory.cpp) --------------------------------------------------------
   //
-  // Each call gives a new vector that belongs to the caller, stamped by the vector manager with a
-  // timestamp and, where the caller gives no ID, an ID (an empty ID is kept as it is). It carries
-  // the settings of this moment; colours are in their handed-out form. A type or tool that makes
-  // nothing gives a null pointer, and still takes a timestamp and an ID from the vector manager.
-  // For "line", "eraser", "markerPen" and "diagram" they throw std::out_of_range when the tool's
-  // width index equals the length of its table, which a change of `version` can bring about (and,
-  // for the marker, its setter); then no timestamp and no ID has been taken.
+  // Each call returns a new vector that belongs to the caller, stamped by the vector manager with a
+  // timestamp and, unless the caller gives one, an ID (an empty ID is kept). It has the current
+  // settings; colours are in the returned form. A type or tool that makes no vector gives a null
+  // pointer, and still takes a timestamp and an ID from the vector manager. For "line", "eraser",
+  // "markerPen" and "diagram" they throw std::out_of_range when the tool's width index equals the
+  // length of its table, which a change of `version` can cause (and, for the marker, its setter);
+  // then no timestamp and no ID has been taken.
 
   /// The vector that a tool starts; `tool_defines.h` has a name for each number:
   ///
@@ -243,9 +250,10 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// The vector of a type code, `VelWBVectorTypeCursor` to `VelWBVectorTypeOffset`.
   static VectorPtr genVectorWithType(std::uint64_t type);
   static VectorPtr genVectorWithType(std::uint64_t type, const std::optional<std::string>& ID);
-  /// The form on which all the others rest.
+  /// All other forms call this one.
   /// @param kind the shape of a diagram (type 15), not read for any other type: "circle" and
-  /// "ellipse" make a `VelWbVecCircle`, everything else, none included, a `VelWbVecDiagram`.
+  /// "ellipse" make a `VelWbVecCircle`, everything else, an absent kind included, a
+  /// `VelWbVecDiagram`.
   VectorPtr genVectorWithType(std::uint64_t type, const std::optional<std::string>& ID,
                               const std::optional<std::string>& kind);
   /// A diagram of the kind, with a generated ID.
@@ -261,9 +269,9 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   //
   // What is written into a vector, and what `convertPointToScale` returns, is cut to five decimals
   // toward zero. The formulas are evaluated in double precision exactly as they stand, so that all
-  // clients agree to the last bit. A board size that is zero, negative or not finite gives values
-  // without meaning, never a fault; a value that the cut cannot hold saturates near 9.2e13, and
-  // NaN becomes 0.
+  // clients agree to the last bit. A board size that is zero, negative or not finite gives
+  // meaningless values but no error. Values too large to cut are limited to about 9.2e13, and NaN
+  // becomes 0.
 
   /// Writes the view point into the vector's `x` and `y`. At `version` 1 a box gets the y of its
   /// far edge, so its `h` must be set before.
@@ -282,7 +290,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   void _convertSize(Size size, VelWbVecSquare& toVector, Size wbSize) const;
 
   /// The view point at which the vector lies. At `version` 1 a box gives its near edge: its `h` is
-  /// taken off again.
+  /// subtracted.
   static Point convertVectorToPoint(const VelWbVecPoint& vector);
   static Point convertVectorToPoint(const VelWbVecPoint& vector, Size wbSize);
   /// Instance twin of `convertVectorToPoint`.
@@ -294,8 +302,8 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// Instance twin of `convertPointScaleToPoint`.
   Point _convertPointScaleToPoint(Point point, Size wbSize) const;
 
-  /// The normalised position of a view point: what `convertPoint` writes into a vector that is no
-  /// box.
+  /// The normalised position of a view point: what `convertPoint` writes into a vector that is not
+  /// a box.
   static Point convertPointToScale(Point point);
   static Point convertPointToScale(Point point, Size wbSize);
   /// Instance twin of `convertPointToScale`.
@@ -336,7 +344,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   VectorPtr unstampedVector(std::uint64_t type, const std::optional<std::string>& kind) const;
 
   UserSettings user_;
-  /// What only `init` restores, beside the settings that vectors look at themselves.
+  /// Only `init` restores this, like the settings in `DrawingSettings`.
   double markerColorAlpha_ = kMarkerColorAlpha;
 };
 

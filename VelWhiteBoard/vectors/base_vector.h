@@ -25,17 +25,18 @@ using VectorPtr = std::shared_ptr<VelWbBaseVector>;
 using VectorList = std::vector<VectorPtr>;
 
 /// The class that the decoding rule chooses for a dictionary when `asked` was asked for: the type
-/// name decides; where it leaves the class open, the shape does (a key "w" makes a box, a key "x" a
+/// name decides; an unknown or missing type name leaves it to the keys ("w" makes a box, "x" a
 /// positioned record); otherwise it is `asked`.
 VELWHITEBOARD_EXPORT const RecordClass& vectorClassForDictionary(const DictionaryKeys& keys,
                                                                  const RecordClass& asked);
-/// The same for a dictionary at hand.
+/// The same for a `Dictionary`.
 VELWHITEBOARD_EXPORT const RecordClass& vectorClassForDictionary(const Dictionary& dictionary,
                                                                  const RecordClass& asked);
-/// The property of that name that vectors have, of whichever class; null when none has.
+/// The property of that name, of any vector class that has one; null when no class has.
 VELWHITEBOARD_EXPORT const Property* propertyOfAnyVector(std::string_view name);
 
-/// What each vector class gets by being declared as `class Self : public VectorOf<Self, Base>`.
+/// Provides the common operations to a class declared as `class Self : public VectorOf<Self,
+/// Base>`.
 template <class Self, class Base>
 class VectorOf : public RecordOf<Self, Base> {
  public:
@@ -58,7 +59,7 @@ class VectorOf : public RecordOf<Self, Base> {
   }
 
   /// The field-by-field copy, of the class of this very object. Unlike `copyWithZone()` it leaves
-  /// some fields at their defaults on purpose; each class says which.
+  /// some fields at their defaults; each class says which.
   std::shared_ptr<Self> mutableCopyWithZone() const {
     return std::static_pointer_cast<Self>(this->makeMutableCopy());
   }
@@ -70,10 +71,11 @@ class VectorOf : public RecordOf<Self, Base> {
 /// storage may change it. Callers read it on the thread that saves, or while they hold the
 /// storage's `semphore`, or they copy it before they save it.
 ///
-/// Clients do not derive classes from it: what is generic works for the library's own classes.
+/// Clients do not derive classes from it: generic operations support the library's own classes
+/// only.
 class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Record> {
  public:
-  /// Asking the model mapping for any vector class answers a pointer to this class.
+  /// The model mapping returns a pointer to this class for every vector class.
   using ModelRoot = VelWbBaseVector;
 
   /// The type name, see `VelWbVectorDefines`; absent or unknown names are allowed.

@@ -14,7 +14,7 @@ namespace {
 constexpr double kPositionNotGiven = -10.0;
 
 // Merging copies every string first, then runs the rule of the base, and only then changes fields
-// of its own, which can no longer throw: an edit is made whole or not at all.
+// of its own, which cannot throw. So an edit is made whole or not at all.
 
 using Text = std::optional<std::string>;
 

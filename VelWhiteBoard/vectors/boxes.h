@@ -1,5 +1,5 @@
 /// @file
-/// Objects placed on the board in a rectangle: boxes, files and images, media, texts.
+/// Objects that occupy a rectangle of the board: boxes, files and images, media, text.
 #pragma once
 
 #include <cstdint>
@@ -53,9 +53,9 @@ class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVec
  public:
   /// Where the content is; in an update empty: not given.
   std::optional<std::string> url;
-  /// Rotation of the box, in the sender's unit. Merging never changes it, on purpose.
+  /// Rotation of the box, in the sender's unit. Merging never changes it.
   double rotation = 0;
-  /// Marks an object that may not be deleted. Merging always takes the update's.
+  /// Marks an object that may not be deleted. Merging always takes the update's value.
   bool undeletable = false;
 
   static const RecordClass& ownClass();
@@ -76,7 +76,7 @@ class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVec
 };
 
 /// A media item on the board: type "media". Its times and `duration` are in the sender's unit, and
-/// `status` is the sender's word; nothing here reads them.
+/// `status` is defined by the sender; the library reads none of them.
 class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbVecFile> {
  public:
   /// Identifier of the owner; in an update below 1: not given.

@@ -30,7 +30,7 @@ class VELWHITEBOARD_EXPORT VelWbVecRemove : public VectorOf<VelWbVecRemove, VelW
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// Empties the current page: type "clear". The fields travel along; the storage does not consult
+/// Empties the current page: type "clear". The fields are for clients; the storage does not read
 /// them.
 class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbBaseVector> {
  public:
@@ -52,16 +52,16 @@ class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbB
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// Shows another page: type "switchPage". Also how a board names its pages.
+/// Shows another page: type "switchPage". Storages also use it to identify pages.
 ///
-/// Give it its `type`: a record without one is decoded by its keys, so that it comes back from a
-/// file or dictionary as a box, not as a page.
+/// Set its `type`: a record without one is decoded by its keys, so it would come back from a file
+/// or dictionary as a box.
 class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
     : public VectorOf<VelWbVecSwitchPage, VelWbBaseVector> {
  public:
   /// The board that is shown.
   std::int64_t WBID = 0;
-  /// The resource (document) that is shown on it. Takes no part in the page key.
+  /// The resource (document) that is shown on it. Not part of the page key.
   std::int64_t resource = 0;
   /// Address of the page's content, its image or document.
   std::optional<std::string> url;
@@ -77,8 +77,8 @@ class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
 
   static const RecordClass& ownClass();
 
-  /// The page key: `WBID` and `curPage` in decimal, joined by an underscore, such as "12_3". Files
-  /// and caches of a page are named by it.
+  /// The page key: `WBID` and `curPage` in decimal, joined by an underscore, such as "12_3". The
+  /// names of a page's files, and the caches, use it.
   std::string pageInfo() const;
 
   /// The page that a page key names: the exact inverse of `pageInfo()`. The new record has the type
@@ -129,8 +129,8 @@ class VELWHITEBOARD_EXPORT VelWbVecOffset : public VectorOf<VelWbVecOffset, VelW
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
-/// A camera capture: type "camera". Arises only by decoding; the factory makes a new vector of that
-/// type as a `VelWbVecFile`.
+/// A camera capture: type "camera". Made only by decoding; for this type the factory makes a
+/// `VelWbVecFile`.
 class VELWHITEBOARD_EXPORT VelWbCaptureInfo : public VectorOf<VelWbCaptureInfo, VelWbVecSquare> {
  public:
   /// Whether the capture comes from the back camera.

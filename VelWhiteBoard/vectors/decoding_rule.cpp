@@ -1,9 +1,9 @@
 // The rule that chooses the class of a vector from its dictionary.
 #include <array>
-#include <map>
 #include <string_view>
 #include <utility>
 
+#include "VelWhiteBoard/foundation/records/assignment.h"
 #include "VelWhiteBoard/foundation/records/dictionary_keys.h"
 #include "VelWhiteBoard/vectors/boxes.h"
 #include "VelWhiteBoard/vectors/commands.h"
@@ -18,8 +18,8 @@ namespace {
 
 using NamedClass = std::pair<std::string_view, const RecordClass& (*)()>;
 
-/// The class of each type name that has one of its own. Strokes first: they are by far the most.
-/// The names are distinct, so the order decides nothing else.
+/// The class of each type name that has its own. Strokes come first because they are the most
+/// frequent; otherwise the order has no effect, since the names are distinct.
 constexpr auto kClassOfType = std::to_array<NamedClass>({
     {VelWBVectorStrLine, &VelWbVecLine::ownClass},
     {VelWBVectorStrMarkerPen, &VelWbVecLine::ownClass},
@@ -36,26 +36,15 @@ constexpr auto kClassOfType = std::to_array<NamedClass>({
     {VelWBVectorStrOffset, &VelWbVecOffset::ownClass},
 });
 
-using PropertiesByName = std::map<std::string_view, const Property*>;
-
-/// The properties of all vectors, one of each name.
-PropertiesByName allProperties() {
-  PropertiesByName properties;
-  const auto addAll = [&properties](const RecordClass& each) {
-    for (const Property& property : each.properties) properties.emplace(property.name, &property);
-  };
-  for (const auto& [type, ownClass] : kClassOfType) addAll(ownClass());
-  addAll(VelWbVecCircle::ownClass());  // a diagram with two properties more; boxes are less
-  return properties;
-}
-
 }  // namespace
 
 const Property* propertyOfAnyVector(std::string_view name) {
-  // Never destroyed: operations that are queued when the process ends decode records.
-  static const auto& properties = *new PropertiesByName(allProperties());
-  const auto found = properties.find(name);
-  return found == properties.end() ? nullptr : found->second;
+  for (const auto& [type, ownClass] : kClassOfType) {
+    if (const Property* found = PropertyFinder(ownClass()).find(name)) return found;
+  }
+  // A diagram with two more properties. Every other class has a subset of the properties of one
+  // above.
+  return PropertyFinder(VelWbVecCircle::ownClass()).find(name);
 }
 
 const RecordClass& vectorClassForDictionary(const DictionaryKeys& keys, const RecordClass& asked) {
@@ -63,7 +52,7 @@ const RecordClass& vectorClassForDictionary(const DictionaryKeys& keys, const Re
     for (const auto& [name, ownClass] : kClassOfType) {
       if (*type == name) return ownClass();
     }
-    // Whether the key is there decides, not what it holds; likewise below.
+    // The presence of the key decides, not its value; likewise below.
     if (*type == VelWBVectorStrDiagram) {
       return keys.contains("radiusX") ? VelWbVecCircle::ownClass() : VelWbVecDiagram::ownClass();
     }

@@ -34,7 +34,7 @@ void VelWbVecDiagram::merge(const VelWbBaseVector& update) {
   if (!isSameStroke(update)) return;
   const auto* diagram = recordCast<const VelWbVecDiagram>(update);
   if (diagram == nullptr) return VelWbVecSquare::merge(update);
-  // Copied first: once a field has changed, nothing may throw any more.
+  // Copied first: nothing may throw once a field has changed.
   std::optional<std::string> newColor;
   if (diagram->color && !diagram->color->empty()) newColor = diagram->color;
   ArrayOwner newPoints;
@@ -44,7 +44,7 @@ void VelWbVecDiagram::merge(const VelWbBaseVector& update) {
   if (diagram->pixel >= 1) pixel = diagram->pixel;
   if (diagram->ps >= 1) ps = diagram->ps;
   if (newPoints.hasArray()) newPoints.swap(points);
-  // Looser than the rule for boxes, on purpose: a shape may be drawn flat.
+  // Unlike for boxes a side of 0 is allowed: a shape may be flat.
   if (diagram->w >= 0.0 && diagram->h >= 0.0) {
     w = diagram->w;
     h = diagram->h;

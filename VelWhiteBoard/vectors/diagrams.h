@@ -16,7 +16,7 @@ namespace VelWhiteBoard {
 /// Clients do not derive classes from it or from the class below.
 class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, VelWbVecSquare> {
  public:
-  /// The shape, one of the `VelWBVectorStrKind` names. Merging never changes it, on purpose.
+  /// The shape, one of the `VelWBVectorStrKind` names. Merging never changes it.
   std::optional<std::string> kind;
   /// The shape's defining points, in a form that the clients agree on; kept as they came. In an
   /// update absent or without elements: not given.
@@ -37,8 +37,8 @@ class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, Ve
 
   static const RecordClass& ownClass();
 
-  /// As for any box; then a diagram also hands over what it carries, its `ps` included. Its size is
-  /// then taken when both sides are 0 or more, which lets a zero through that the box rule ignores.
+  /// As for any box. If the update is a diagram, its other fields are taken too, `ps` included, and
+  /// its size when both sides are 0 or more, although boxes ignore a side of 0.
   /// @throws std::bad_alloc with nothing changed.
   void merge(const VelWbBaseVector& update) override;
 
@@ -67,7 +67,7 @@ class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, Ve
 /// a dictionary with the key "radiusX" becomes one whatever its `kind`.
 class VELWHITEBOARD_EXPORT VelWbVecCircle : public VectorOf<VelWbVecCircle, VelWbVecDiagram> {
  public:
-  /// The radii, in the sender's unit; in an update negative: not given, each for itself.
+  /// The radii, in the sender's unit; each on its own: in an update negative: not given.
   double radiusX = 0;
   double radiusY = 0;
 

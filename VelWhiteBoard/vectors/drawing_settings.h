@@ -10,14 +10,13 @@
 
 namespace VelWhiteBoard {
 
-/// The part of the drawing settings that vectors look at. The tool manager is what clients set them
-/// through.
+/// The part of the drawing settings that vectors read. Clients set them through the tool manager.
 ///
 /// One object serves the whole process. It is never destroyed: threads that outlive main() may
 /// still ask for widths.
 ///
-/// Threads: `version()` may be read from any thread at any time; everything else is kept on the
-/// thread of the tool manager.
+/// Threads: `version()` may be read from any thread at any time; everything else is used on the
+/// tool manager's thread only.
 class DrawingSettings {
  public:
   using WidthTable = std::vector<double>;
@@ -46,7 +45,7 @@ class DrawingSettings {
 
   const WidthTable* lineWidths_ = nullptr;
   const WidthTable* markerWidths_ = nullptr;
-  // The vector manager reads it for its timestamps, from whichever thread asks for one.
+  // The vector manager reads it for timestamps, on any thread.
   std::atomic<std::uint64_t> version_{0};
 };
 

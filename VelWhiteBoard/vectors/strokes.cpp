@@ -22,8 +22,8 @@ constexpr double kNoTime = -1.0;
 
 bool hasTime(Path::Position position) { return position.size() > kTimeElement; }
 
-/// Adds the positions of `update` to `path` that are newer than `threshold`. `update` must not have
-/// this very path.
+/// Adds the positions of `update` that are newer than `threshold` to `path`. `path` must not be the
+/// update's own path.
 void addNewer(Path& path, double threshold, const VelWbVecPoint& update) {
   if (!update.path) {
     if (update.ts > threshold) path.push_back({update.x, update.y, update.ts});
@@ -38,13 +38,12 @@ void addNewer(Path& path, double threshold, const VelWbVecPoint& update) {
     const double time = position[kTimeElement];
     if (!(time > threshold)) continue;
     path.push_back(position);
-    // A time of 0 or less says nothing; positions without a time may still follow.
+    // A time of 0 or less does not raise the threshold; positions without a time may still follow.
     if (time > 0.0) threshold = time;
   }
 }
 
-/// Folds the positions of `update` into the path of `stroke`: all of them, or, when it throws,
-/// none.
+/// Folds the positions of `update` into the path of `stroke`. When it throws, nothing has changed.
 void foldPositions(VelWbVecPoint& stroke, const VelWbVecPoint& update) {
   if (!stroke.path) {
     Path seeded;
@@ -60,7 +59,7 @@ void foldPositions(VelWbVecPoint& stroke, const VelWbVecPoint& update) {
     addNewer(*stroke.path, threshold, update);
     return;
   }
-  // A copy takes all of them: it costs little, and the update may be the stroke itself.
+  // They are added to a copy of the path: it is cheap, and the update may be the stroke itself.
   Path grown = *stroke.path;
   addNewer(grown, threshold, update);
   *stroke.path = std::move(grown);

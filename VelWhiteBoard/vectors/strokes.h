@@ -12,11 +12,12 @@
 
 namespace VelWhiteBoard {
 
-/// A record with a position that may grow into a path. Also the base of every box.
+/// A record with a position and, optionally, a path. Also the base of every box.
 ///
 /// Coordinates are normalised: the origin is the board's centre, and -0.5 to +0.5 spans its width
-/// and its height. y grows as the view's y does, downward or upward: the client decides. Positions
-/// outside the board are ordinary. A vector takes any number, NaN and the infinities included.
+/// and its height. y grows in the direction of the view's y, downward or upward, as the client
+/// decides. Positions outside the board are allowed. A vector takes any number, NaN and the
+/// infinities included.
 ///
 /// Clients do not derive classes from it.
 class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbBaseVector> {
@@ -38,12 +39,12 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
 
   /// Folds a later piece of the same stroke into this one.
   ///
-  /// Which positions are taken is decided by a threshold: the time of the newest stored position,
-  /// or -1 when that one has no time or there is none. A vector without a path first starts one
-  /// with its own position, and its `ts` is the threshold. A position with a time is taken when the
-  /// time is above the threshold; a time above 0 then becomes the threshold. A position without a
-  /// time is taken while the threshold is below 0. A position of fewer than two numbers is dropped.
-  /// So a piece whose positions all have times above 0 adds nothing when it arrives a second time.
+  /// A threshold decides which positions are taken: the time of the newest stored position, or -1
+  /// when that one has no time or there is none. A vector without a path first starts one with its
+  /// own position, and its `ts` is the threshold. A position with a time is taken when the time is
+  /// above the threshold; a time above 0 then becomes the threshold. A position without a time is
+  /// taken while the threshold is below 0. A position of fewer than two numbers is dropped. So a
+  /// piece whose positions all have times above 0 adds nothing when it arrives a second time.
   /// Positions without a time, or at a time of 0 or less, may be added again.
   ///
   /// `ts`, `end`, `x` and `y` follow the piece, whether positions were taken or not. Cost is
@@ -68,7 +69,7 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
   }
 
  protected:
-  /// What `append` does here; answers whether `update` belongs to this stroke.
+  /// The implementation of `append`; returns whether `update` belongs to this stroke.
   bool appendPositions(const VelWbBaseVector& update);
 
   std::shared_ptr<Record> makeMutableCopy() const override;
@@ -98,17 +99,17 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
 
   static const RecordClass& ownClass();
 
-  /// As for any positioned record; then a line also hands over its `pixel`, `ps` and `widthIndex`
-  /// where given, and its `offset` always, so a piece without one clears an earlier one. `color`
-  /// never changes.
+  /// As for any positioned record. If the update is a line, its `pixel`, `ps` and `widthIndex` are
+  /// taken where given, and its `offset` always, so a piece without an offset clears an earlier
+  /// one. `color` never changes.
   void append(const VelWbBaseVector& update) override;
 
   /// The width in view points on the board as it is now, the tool manager's `wbSize`. To be called
   /// on the thread that uses the tool manager.
   double lineWidth() const;
-  /// The width in view points on a board of the given size, in view points; only its width counts,
-  /// and any value is computed with. When `pixel` or `ps` is not given, the tool manager's table
-  /// for the type decides instead, so this, too, is to be called on the tool manager's thread.
+  /// The width in view points on a board of the given size, in view points; only its width counts.
+  /// Any value is accepted. When `pixel` or `ps` is not given, the tool manager's table for the
+  /// type decides instead, so this, too, is to be called on the tool manager's thread.
   double lineWidthWith(Size size) const;
 
   template <class Visitor>

@@ -33,7 +33,7 @@ std::optional<std::string> VelWbVectorDefines::vectorType(std::uint64_t code) {
 }
 
 std::string VelWbVectorDefines::diagramKind(std::int64_t kind) {
-  // Compared as unsigned: a negative code lies above the table too.
+  // Compared as unsigned, so that a negative code is beyond the table too.
   const auto code = static_cast<std::uint64_t>(kind);
   return std::string(code < kKindNames.size() ? kKindNames[code] : VelWBVectorStrKindCircle);
 }

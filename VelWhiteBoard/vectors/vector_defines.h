@@ -65,7 +65,7 @@ inline constexpr std::string_view VelWBVectorStrKindRectangle = "rectangle";
 inline constexpr std::string_view VelWBVectorStrKindCircle = "circle";
 inline constexpr std::string_view VelWBVectorStrKindEllipse = "ellipse";
 inline constexpr std::string_view VelWBVectorStrKindTriangle = "triangle";
-/// The same text as `VelWBVectorStrLine`; a diagram of this kind still has the type "diagram".
+/// The same string as `VelWBVectorStrLine`; a diagram of this kind still has the type "diagram".
 inline constexpr std::string_view VelWBVectorStrKindLine = "line";
 inline constexpr std::string_view VelWBVectorStrKindArrowLine = "arrowLine";
 inline constexpr std::string_view VelWBVectorStrKindRhombus = "rhombus";
@@ -97,30 +97,30 @@ std::optional<std::string> owned(Name name) {
 
 }  // namespace vector_names
 
-/// Look-ups among the names; all may be called from any thread. A name is given as a string, as one
-/// of the constants or as a C string; an absent name and a null pointer equal none.
+/// Look-ups of names. All may be called from any thread. A name is given as a string, as one of the
+/// constants or as a C string; an absent name and a null pointer equal no name.
 class VELWHITEBOARD_EXPORT VelWbVectorDefines {
  public:
   VelWbVectorDefines() = delete;
 
-  /// The type name of a type code, 1 "cursor" to 17 "offset"; none for every other number.
+  /// The type name of a code, 1 "cursor" to 17 "offset"; absent for every other code.
   static std::optional<std::string> vectorType(std::uint64_t code);
   /// The kind name of a code, 0 "rectangle" to 6 "rhombus"; "circle" for every other code.
   static std::string diagramKind(std::int64_t kind);
 
-  /// Whether the text is "line".
+  /// Whether `type` is "line".
   static bool isLine(const std::optional<std::string>& type);
   template <vector_names::Unowned Name>
   static constexpr bool isLine(Name type) noexcept {
     return vector_names::given(type) == VelWBVectorStrLine;
   }
-  /// Whether the text is "markerPen".
+  /// Whether `type` is "markerPen".
   static bool isMarkerPen(const std::optional<std::string>& type);
   template <vector_names::Unowned Name>
   static constexpr bool isMarkerPen(Name type) noexcept {
     return vector_names::given(type) == VelWBVectorStrMarkerPen;
   }
-  /// Whether the text is "eraser".
+  /// Whether `type` is "eraser".
   static bool isEraser(const std::optional<std::string>& type);
   template <vector_names::Unowned Name>
   static constexpr bool isEraser(Name type) noexcept {

@@ -132,7 +132,7 @@ BoardFiles inspectBoard(const fs::path& directory) {
   for (const auto& [key, page] : paths.pages) board.pages.emplace(key, inspectPage(page));
   board.strangers = std::move(paths.strangers);
   board.pageList.mayUseTemporaries = board.pageList.current.exists || board.hasKnownPages();
-  // A new board is empty; of any other folder nobody should hear that it is a board in good order.
+  // A new board is empty; any other folder must not be reported as a board in good order.
   if (board.isEmpty() && fs::canonical(board.folder).filename() != kBoardName) {
     throw NoBoard(directory.string() +
                   ": there is no board, neither a folder \"whiteBoard\" nor a file of one");

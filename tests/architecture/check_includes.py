@@ -99,7 +99,7 @@ def violations(root, public):
     for file in files:
         name = file.relative_to(root).as_posix()
         if name != UMBRELLA and room_of(name) not in ROOMS:
-            yield f"{name}: stands in none of the rooms {', '.join(ROOMS)}"
+            yield f"{name}: is in no room; the rooms are: {', '.join(ROOMS)}"
             continue
         for line, quote, target in includes_of(file):
             wrong = None

@@ -7,7 +7,6 @@
 #include <iterator>
 #include <map>
 #include <memory>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -20,6 +19,7 @@
 #include "inspection.h"
 #include "recovery.h"
 #include "report.h"
+#include "tests/support/dice.h"
 #include "tests/support/temporary_folder.h"
 
 namespace board_check {
@@ -27,16 +27,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace VelWhiteBoard;
-
-class Dice {
- public:
-  explicit Dice(std::uint64_t seed) : engine_(seed) {}
-  int below(int limit) { return static_cast<int>(engine_() % static_cast<std::uint64_t>(limit)); }
-  bool oneIn(int chances) { return below(chances) == 0; }
-
- private:
-  std::mt19937_64 engine_;  // the same numbers on every platform
-};
 
 /// A lesson in which vectors are saved and appended, late and twice, over several sessions.
 class Lesson {

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "benchmarks/stepped_clock.h"
 #include "benchmarks/workload.h"
+#include "tests/support/hand_clock.h"
 
 using benchmarks::Folder;
 using VelWhiteBoard::VectorList;
@@ -29,7 +29,7 @@ extern "C" {
 }  // extern "C"
 
 int main() {
-  const benchmarks::SteppedClock clock;  // stands still, so that no save falls due
+  const VelWhiteBoard::HandClock clock;  // stands still, so that no save falls due
   const VelWhiteBoard::ScopedClock scope(clock);
   const Folder folder;
   const auto storage = benchmarks::recordingStorage(folder);

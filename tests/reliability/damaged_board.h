@@ -16,6 +16,7 @@
 #include "tests/support/faulty_calls.h"
 #include "tests/support/storage_story.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 
@@ -57,7 +58,7 @@ class DamagedBoard {
     return read ? std::string(bytes.view()) : "(" + read.describe() + ")";
   }
   void put(const std::string& name, const std::string& text) {
-    const FileResult written = disk_.writeAll(at(name), text);
+    const FileResult written = writeAll(disk_, at(name), text);
     ASSERT_TRUE(written) << written.describe();
   }
   Names setAside() const { return namesIn(boardFolder(parent_.path()), ".damaged"); }

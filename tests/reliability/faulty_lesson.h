@@ -85,7 +85,7 @@ class Lesson {
 
 /// The board as it was the day before.
 void playTheFirstDay(const std::string& parent);
-/// The day on which things go wrong: every road on which the storage comes to its files.
+/// The day on which things go wrong: every way in which the storage uses its files.
 void playTheSecondDay(Lesson& lesson);
 
 struct Trouble {

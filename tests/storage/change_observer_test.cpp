@@ -28,9 +28,13 @@ using ::testing::IsEmpty;
 using Kind = EntryChange::Kind;
 
 std::string tell(const EntryChange& change) {
-  static const std::map<Kind, std::string> kNames = {
-      {Kind::kAdded, "added"},   {Kind::kExtended, "extended"}, {Kind::kEdited, "edited"},
-      {Kind::kRaised, "raised"}, {Kind::kRemoved, "removed"},   {Kind::kCleared, "cleared"}};
+  static const std::map<Kind, std::string> kNames = {{Kind::kAdded, "added"},
+                                                     {Kind::kExtended, "extended"},
+                                                     {Kind::kEdited, "edited"},
+                                                     {Kind::kRaised, "raised"},
+                                                     {Kind::kRemoved, "removed"},
+                                                     {Kind::kCleared, "cleared"},
+                                                     {Kind::kRemovedTop, "removed from the top:"}};
   std::string told = kNames.at(change.kind);
   if (change.entry) told += ' ' + change.entry->ID.value_or("none");
   if (change.kind == Kind::kExtended) told += " from " + std::to_string(change.firstNew);
@@ -99,10 +103,12 @@ TEST_F(AnObserverOfChanges, IsToldThatAStrokeLooksDifferentWhenItsWidthHasChange
 
 TEST_F(AnObserverOfChanges, IsToldThatAStrokeLooksDifferentWhenItHasBeenMoved) {
   board.save(line("a", 1, 2, 3));
-  const auto move = line("a", 4, 5, 6);
-  move->offset = Array{Value(1), Value(2)};
-  board.save(move);
-  EXPECT_THAT(told(), ElementsAre("added a", "edited a"));
+  for (const int distance : {1, 2}) {
+    const auto move = line("a", 4, 5, 6);
+    move->offset = Array{Value(distance), Value(2)};
+    board.save(move);
+  }
+  EXPECT_THAT(told(), ElementsAre("added a", "edited a", "edited a"));
 }
 
 TEST_F(AnObserverOfChanges, IsToldThatTheTopBoxIsEditedWhereItLies) {
@@ -132,7 +138,8 @@ TEST_F(AnObserverOfChanges, IsToldThatAClearTakesAllEntries) {
 
 TEST_F(AnObserverOfChanges, IsToldThatACursorGoesWhenAnotherVectorComes) {
   board.save(cursor("c"), cursor("d"), text("t", "one"));
-  EXPECT_THAT(told(), ElementsAre("added c", "removed c", "added d", "removed d", "added t"));
+  EXPECT_THAT(told(), ElementsAre("added c", "removed from the top: c", "added d",
+                                  "removed from the top: d", "added t"));
 }
 
 TEST_F(AnObserverOfChanges, IsToldThatAMagnifierReplacesTheOneBefore) {
@@ -281,6 +288,7 @@ TEST_F(AnObserverOfChanges, CanPutTheReportsOfSeveralThreadsInOrder) {
 class Mirror {
  public:
   void take(const ChangeReport& report, const VWBVectorStorage& storage) {
+    if (report.page.empty()) return;  // no page has been shown yet
     if (report.kind == ChangeReport::Kind::kReloaded) {
       pages_.clear();
       return;
@@ -301,6 +309,8 @@ class Mirror {
     const auto drawn = drawn_.find(entry);
     return drawn != drawn_.end() && drawn->second == positionsOf(*entry);
   }
+
+  std::string describe(const VectorPtr& entry) { return ::testing::PrintToString(drawn_[entry]); }
 
  private:
   static std::vector<std::vector<double>> positionsOf(const VelWbBaseVector& entry) {
@@ -325,8 +335,9 @@ class Mirror {
       case Kind::kExtended: {
         const auto positions = positionsOf(*change.entry);
         auto& drawn = drawn_[change.entry];
-        ASSERT_EQ(drawn.size(), change.firstNew);
-        ASSERT_LE(change.firstNew, positions.size());
+        // Positions of a later change of the same report may have been drawn.
+        ASSERT_GE(drawn.size(), change.firstNew);
+        ASSERT_LE(drawn.size(), positions.size());
         drawn.insert(drawn.end(), positions.begin() + static_cast<std::ptrdiff_t>(drawn.size()),
                      positions.end());
         return;
@@ -344,6 +355,10 @@ class Mirror {
       case Kind::kRemoved:
         ASSERT_NE(first, list.end());
         list.erase(first);
+        return;
+      case Kind::kRemovedTop:
+        ASSERT_EQ(list.back(), change.entry);
+        list.pop_back();
         return;
       case Kind::kCleared:
         list.clear();
@@ -391,10 +406,13 @@ TEST_P(ReportsOfARandomLesson, AreEnoughToDrawEveryPageFrom) {
     }
     board.clock().advance(std::chrono::milliseconds(20));
     for (const auto& [key, list] : mirror.pages()) {
-      if (key.empty()) continue;
-      EXPECT_EQ(list, board->snapWithPage(*VelWbVecSwitchPage::pageFromInfo(key)))
-          << "page " << key << " in step " << step;
-      for (const VectorPtr& entry : list) EXPECT_TRUE(mirror.isDrawn(entry)) << tell(*entry);
+      EXPECT_TRUE(list == board.snapVectors(key))
+          << "page " << key << " in step " << step << " is "
+          << ::testing::PrintToString(board.snap(key)) << ", drawn is "
+          << ::testing::PrintToString(tell(list));
+      for (const VectorPtr& entry : list)
+        EXPECT_TRUE(mirror.isDrawn(entry))
+            << modelToJSONString(*entry) << " is drawn as " << mirror.describe(entry);
       compared += list.size();
     }
   }

@@ -111,7 +111,7 @@ void useQueues(const Board& board, Dice& dice) {
 // What one thread saves: vectors with identifiers of its own, in order.
 class Client {
  public:
-  explicit Client(int number) : number_(number), dice_(number) {}
+  explicit Client(int number) : number_(number), dice_(static_cast<std::uint64_t>(number)) {}
 
   void act(Board& board) {
     switch (dice_.below(12)) {
@@ -275,7 +275,7 @@ TEST(StorageThreads, MayClearReloadAndSetPropertiesBesideEverythingElse) {
   Queues queues;
   together(kThreads, [&](int number) {
     Client client(number);
-    Dice dice(number + 100);
+    Dice dice(static_cast<std::uint64_t>(number) + 100);
     for (int i = 0; i < 150; ++i) {
       client.act(board);
       disturb(board, dice, queues);

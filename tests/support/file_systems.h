@@ -12,6 +12,7 @@
 
 #include "tests/support/memory_file_system.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 
@@ -39,7 +40,7 @@ class FileSystems : public ::testing::TestWithParam<Implementation> {
   FileSystem& files() { return *files_; }
   std::string at(const std::string& name) const { return root_ + "/" + name; }
   void put(const std::string& name, std::string_view contents) {
-    const FileResult result = files().writeAll(at(name), contents);
+    const FileResult result = writeAll(files(), at(name), contents);
     ASSERT_TRUE(result) << result.describe();
   }
   std::string contents(const std::string& name) {

@@ -8,6 +8,8 @@
 #include "VelWhiteBoard/foundation/files/file_system.h"
 #include "VelWhiteBoard/foundation/plist/property_list_reader.h"
 
+#include "tests/support/write_all.h"
+
 namespace VelWhiteBoard {
 namespace {
 
@@ -167,16 +169,6 @@ RecordList recordsOfFile(const RecordClass& asked, const std::string& file) {
   return records;
 }
 
-std::chrono::system_clock::time_point HandClock::wallTime() const {
-  return std::chrono::system_clock::time_point(std::chrono::milliseconds(now_));
-}
-
-std::int64_t HandClock::milliseconds(std::chrono::system_clock::time_point date) {
-  return std::chrono::duration_cast<std::chrono::milliseconds>(date.time_since_epoch()).count();
-}
-
-double HandClock::mediaTime() const { return static_cast<double>(now_) / 1000.0; }
-
 QueueHold::QueueHold(const std::shared_ptr<OperationQueue>& queue)
     : gate_(std::make_shared<Gate>()) {
   queue->addOperationWithBlock([gate = gate_] { gate->pass(); });
@@ -245,7 +237,7 @@ std::vector<std::string> Board::names() const {
 }
 
 void Board::plant(const std::string& name, const std::string& contents) {
-  const FileResult result = FileSystem::current().writeAll(at(name), contents);
+  const FileResult result = writeAll(FileSystem::current(), at(name), contents);
   if (!result) throw std::runtime_error(result.describe());
   planted_.emplace_back(name, contents);
 }

@@ -15,6 +15,7 @@
 #include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/gate.h"
+#include "tests/support/hand_clock.h"
 #include "tests/support/strict_reader.h"
 #include "tests/support/temporary_folder.h"
 
@@ -60,20 +61,7 @@ Tale tell(const std::vector<std::shared_ptr<VelWbVecSwitchPage>>& pages);
 /// unreadable.
 RecordList recordsOfFile(const RecordClass& asked, const std::string& file);
 
-// ---- Time and the queue.
-
-/// Clocks that move when a test moves them.
-class HandClock final : public ClockSource {
- public:
-  std::chrono::system_clock::time_point wallTime() const override;
-  double mediaTime() const override;
-  void advance(std::chrono::milliseconds time) { now_ += time.count(); }
-  std::int64_t milliseconds() const { return now_; }
-  static std::int64_t milliseconds(std::chrono::system_clock::time_point date);
-
- private:
-  std::atomic<std::int64_t> now_{1'700'000'000'000};  // milliseconds since 1970
-};
+// ---- The queue.
 
 /// Keeps a queue from running anything that is added from now on, until it is let go.
 class QueueHold {

@@ -23,7 +23,7 @@ namespace {
 
 Dictionary dictionaryOf(const char* json) { return Value::parse(json).get<Dictionary>(); }
 
-/// The class of the record that a dictionary decodes to when a `T` is asked for, on both roads.
+/// The class of the record that a dictionary decodes to when a `T` is asked for, in both forms.
 template <class T>
 std::string decodedClass(const char* json) {
   const Dictionary dictionary = dictionaryOf(json);

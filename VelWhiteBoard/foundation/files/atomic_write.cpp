@@ -8,7 +8,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-// Some file systems cannot sync a folder, and a folder may be closed to reading.
+// Some file systems cannot sync a folder, and some folders may not be read.
 bool cannotSyncFolder(int negatedError) {
   return negatedError == -EINVAL || negatedError == -EOPNOTSUPP || negatedError == -EACCES;
 }
@@ -40,7 +40,7 @@ bool AtomicWrite::append(std::string_view bytes) {
   while (!bytes.empty()) {
     const std::int64_t taken = uninterrupted(
         [&] { return calls_.write(temporary_.handle(), bytes.data(), bytes.size()); });
-    // Nothing taken and no reason given: trying for ever would hang the save queue.
+    // No bytes taken and no error: retrying without end would hang the save queue.
     if (taken == 0) return fail(FileStep::kWrite, -EIO);
     if (taken < 0) return fail(FileStep::kWrite, static_cast<int>(taken));
     bytes.remove_prefix(static_cast<std::size_t>(taken));
@@ -48,8 +48,8 @@ bool AtomicWrite::append(std::string_view bytes) {
   return true;
 }
 
-// A failure here is no failure of the write: the contents are what matters, and some volumes know
-// no permissions.
+// A failure here does not fail the write: the contents matter more, and some volumes have no
+// permissions.
 void AtomicWrite::keepPermissions() {
   FileInfo old;
   const int result = uninterrupted([&] { return calls_.status(path_, false, old); });

@@ -1,5 +1,5 @@
 /// @file
-/// How a file is replaced on the disk.
+/// The atomic replacement of a file on disk.
 #pragma once
 
 #include <string>
@@ -13,8 +13,8 @@ namespace VelWhiteBoard {
 
 /// One atomic replacement of one file: `begin`, `append` as often as needed, `commit`.
 ///
-/// The first failure stays in `result()` and makes every later call do nothing. Dropping the object
-/// before a successful commit removes the temporary and leaves the target as it was.
+/// The first failure stays in `result()`, and every later call then does nothing. Destroying the
+/// object before a successful commit removes the temporary and leaves the target as it was.
 class AtomicWrite {
  public:
   AtomicWrite(SystemCalls& calls, const std::string& path);
@@ -22,7 +22,7 @@ class AtomicWrite {
   AtomicWrite& operator=(const AtomicWrite&) = delete;
 
   bool begin();
-  /// Writes the bytes at once: the caller gathers small pieces.
+  /// Writes the bytes without buffering: the caller collects small pieces.
   bool append(std::string_view bytes);
   bool commit();
   const FileResult& result() const { return result_; }

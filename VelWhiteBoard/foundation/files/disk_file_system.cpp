@@ -15,16 +15,16 @@
 namespace VelWhiteBoard {
 namespace {
 
-// Of new folders: the rights of all, less those that the user does not grant, or the user's only.
+// Permissions of new folders: for all users, less what the umask takes away, or for the user only.
 constexpr std::uint32_t kUsualPermissions = 0777;
 constexpr std::uint32_t kPrivatePermissions = 0700;
 
-// A NUL byte would silently cut the path for the system: another file than the one asked for.
+// The system would end the path at a NUL byte and use another file than the one asked for.
 bool namesSomething(const std::string& path) {
   return !path.empty() && path.find('\0') == std::string::npos;
 }
 
-// The root and "." and ".." stay: emptying them would be half a deed, and a bad one.
+// The root, "." and ".." cannot be removed, and must not be emptied.
 bool isRemovable(std::string_view path) {
   const std::string_view last = path.substr(path.find_last_of('/') + 1);
   return !last.empty() && last != "." && last != "..";
@@ -34,7 +34,7 @@ FileResult namesNothing(FileStep step, const std::string& path) {
   return FileResult::failure(step, ENOENT, path);
 }
 
-// Opening has succeeded on whatever lies there; only a regular file can be read and written.
+// Opening succeeds for other kinds of files too, but only a regular file can be read and written.
 int requireRegularFile(SystemCalls& calls, int handle, FileInfo& info) {
   const int result = uninterrupted([&] { return calls.statusOfHandle(handle, info); });
   if (result < 0) return result;
@@ -54,10 +54,10 @@ FileResult openRegularFile(SystemCalls& calls, const std::string& path, OpenHand
   return FileResult::failure(FileStep::kOpen, -result, path);
 }
 
-// A buffer that a file of about a known size is read into.
+// A buffer for a file whose size is known approximately.
 class ReadBuffer {
  public:
-  // One byte more than the file, so that the read that meets its end needs no larger buffer.
+  // One byte more than the file, so that the read that finds its end needs no larger buffer.
   ReadBuffer(SystemCalls& calls, std::uint64_t fileSize) : calls_(calls) {
     if (fileSize >= std::numeric_limits<std::size_t>::max()) throw std::bad_alloc();
     enlarge(static_cast<std::size_t>(fileSize) + 1);
@@ -93,7 +93,7 @@ class ReadBuffer {
   std::size_t size_ = 0;
 };
 
-// The system or the volume has no renaming that refuses to replace.
+// The system or the volume cannot rename without replacing.
 bool cannotRenameToNew(int negatedError) {
   return negatedError == -EINVAL || negatedError == -ENOSYS || negatedError == -EOPNOTSUPP;
 }
@@ -173,7 +173,7 @@ FileResult DiskFileSystem::writeAtomically(const std::string& path,
   AtomicWrite write(calls_, path);
   if (!write.begin()) return write.result();
   const bool produced = produce([&write](std::string_view block) { return write.append(block); });
-  // A producer may overlook that a write failed; what it answers then counts for nothing.
+  // A producer may overlook that a write failed; its result is then ignored.
   if (!write.result().ok()) return write.result();
   if (!produced) return FileResult::failure(FileStep::kProduce, 0, path);
   write.commit();
@@ -220,8 +220,8 @@ FileResult DiskFileSystem::makeFolderWith(const std::string& path, std::uint32_t
   return FileResult::success();
 }
 
-// Which error an existing folder gives differs (a read-only volume says so first), so any error is
-// forgiven when a folder turns out to be there.
+// The error for an existing folder varies (a read-only volume reports that first), so every error
+// is ignored if a folder exists.
 int DiskFileSystem::makeUnlessFolder(const std::string& path) {
   const int result = uninterrupted([&] { return calls_.makeFolder(path, kUsualPermissions); });
   if (result >= 0 || result == -ENOENT) return result;
@@ -232,7 +232,7 @@ int DiskFileSystem::makeUnlessFolder(const std::string& path) {
 
 FileResult DiskFileSystem::makeFolders(const std::string& path) {
   if (!namesSomething(path)) return namesNothing(FileStep::kMakeFolder, path);
-  // Upwards until something can be made or is there, then down again. Mostly one call suffices.
+  // Goes up until a folder exists or can be made, then down again. Usually one call suffices.
   std::vector<std::size_t> missing;
   std::size_t end = withoutTrailingSeparators(path).size();
   int result = 0;

@@ -1,3 +1,5 @@
+/// @file
+/// The implementation of the file system on disk.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +15,8 @@ namespace VelWhiteBoard {
 
 /// The file system on the disk.
 ///
-/// Holds no state beside the calls it stands on, which must outlive it; so any number of threads
-/// may use one, and two instances may work in the same folder.
+/// Its only state is a reference to the system calls, which must outlive it. So any number of
+/// threads may use one, and two instances may work in the same folder.
 class DiskFileSystem final : public FileSystem {
  public:
   explicit DiskFileSystem(SystemCalls& calls) : calls_(calls) {}

@@ -9,8 +9,7 @@
 
 namespace VelWhiteBoard {
 
-/// The contents of a file, in one buffer that nothing has filled before. Movable, not copyable; one
-/// that was moved from is empty.
+/// The contents of a file, in one buffer. Movable, not copyable; a moved-from object is empty.
 class FileBytes {
  public:
   FileBytes() = default;

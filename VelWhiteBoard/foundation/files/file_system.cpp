@@ -46,10 +46,6 @@ FileResult FileSystem::createEmptyFile(const std::string& path) {
   return writeAtomically(path, [](const BlockConsumer&) { return true; });
 }
 
-FileResult FileSystem::writeAll(const std::string& path, std::string_view contents) {
-  return writeAtomically(path, [contents](const BlockConsumer& write) { return write(contents); });
-}
-
 ScopedFileSystem::ScopedFileSystem(FileSystem& replacement)
     : previous_(currentSlot().exchange(&replacement, std::memory_order_acq_rel)) {}
 
@@ -62,7 +58,7 @@ std::string_view withoutTrailingSeparators(std::string_view path) {
 
 std::string appendPathComponent(std::string_view base, std::string_view component) {
   std::string path(withoutTrailingSeparators(base));
-  // An absolute component stays one when there is nothing to append it to.
+  // An absolute component stays absolute when `base` is empty.
   if (path.empty() && component.starts_with(kSeparator)) path = kSeparator;
   while (!component.empty()) {
     const std::string_view part = component.substr(0, component.find(kSeparator));

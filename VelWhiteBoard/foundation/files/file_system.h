@@ -1,3 +1,5 @@
+/// @file
+/// The interface to files.
 #pragma once
 
 #include <cstddef>
@@ -31,38 +33,38 @@ struct FileStatus {
 
 /// Makes the contents of a file by calling its argument piece by piece. Pieces may have any size,
 /// but each is written by itself: small ones should be gathered into blocks of `kFileBlockSize`.
-/// False means that the contents could not be made: then nothing is replaced.
+/// Returning false means that the contents could not be made; nothing is replaced then.
 using ContentProducer = std::function<bool(const BlockConsumer& write)>;
 
 /// What `FileSystem::writeAtomically` appends to the target's name for its temporary. All writers
-/// of a target use this name: what a crash leaves behind is used again by the next write instead of
-/// piling up. Only when the name cannot be had, "-1" or a higher number is added. None of these
-/// names ends in ".plist", so a leftover is never taken for a page.
+/// of a target use this name, so the next write reuses what a crash left behind. Only when the name
+/// is not available, "-1" or a higher number is added. None of these names ends in ".plist", so a
+/// leftover is never taken for a page.
 inline constexpr std::string_view kTemporarySuffix = ".tmp";
 
-/// A regular file that has been opened for reading. It stays what it was, even when the path gets
-/// another file or none meanwhile.
+/// A regular file that has been opened for reading. It stays the same file even if the path is
+/// replaced or removed meanwhile.
 class OpenedFile {
  public:
   virtual ~OpenedFile() = default;
   OpenedFile(const OpenedFile&) = delete;
   OpenedFile& operator=(const OpenedFile&) = delete;
 
-  /// Hands the contents to `consume`, in order, in blocks of at most `kFileBlockSize` bytes; an
-  /// empty file gives no block. A consumer that stops early makes this no failure. To be called
-  /// once.
+  /// Passes the contents to `consume`, in order, in blocks of at most `kFileBlockSize` bytes; an
+  /// empty file gives no block. A consumer that stops early does not make this a failure. To be
+  /// called once.
   virtual FileResult read(const BlockConsumer& consume) = 0;
 
  protected:
   OpenedFile() = default;
 };
 
-/// The one way in which the library reaches files.
+/// The library's only access to files.
 ///
-/// Narrow on purpose, so that a test can put a memory of its own or a failing disk behind it. Paths
-/// are UTF-8 and used as they are, byte for byte; a path that is empty or contains a NUL byte names
-/// nothing and fails like a missing file. Every operation may be called from any thread, and none
-/// throws anything but std::bad_alloc and what a given callback throws.
+/// Kept small so that tests can substitute files in memory or a failing disk. Paths are UTF-8 and
+/// used as they are, byte for byte; a path that is empty or contains a NUL byte names nothing and
+/// fails like a missing file. Every operation may be called from any thread, and throws only
+/// std::bad_alloc and what a given callback throws.
 class FileSystem {
  public:
   virtual ~FileSystem() = default;
@@ -72,13 +74,13 @@ class FileSystem {
   /// The file system that the library uses now: the disk, unless a ScopedFileSystem is in force.
   static FileSystem& current();
 
-  /// Tells what lies at `path`. Nothing there is a success with `kAbsent`; a failure (no permission
-  /// to look, a name too long) leaves `status` at `kAbsent`.
+  /// Reports what lies at `path`. If nothing is there, it succeeds with `kAbsent`; a failure (no
+  /// permission, a name too long) leaves `status` at `kAbsent`.
   virtual FileResult status(const std::string& path, FileStatus& status) = 0;
 
   /// Opens a regular file for reading, now or later; `file` is null after a failure. Anything but a
-  /// regular file fails at `kOpen`, without ever waiting for it. What stands behind this file
-  /// system must outlive `file`.
+  /// regular file fails at `kOpen`, without ever waiting for it. The file system must outlive
+  /// `file`.
   virtual FileResult open(const std::string& path, std::unique_ptr<OpenedFile>& file) = 0;
 
   /// Reads the whole of a regular file into one buffer; the file is closed again before this
@@ -86,7 +88,7 @@ class FileSystem {
   /// memory does not suffice. Anything but a regular file fails at `kOpen`.
   virtual FileResult readBytes(const std::string& path, FileBytes& bytes) = 0;
 
-  /// Replaces the file at `path`, or creates it, such that at every instant, a crash included, the
+  /// Replaces the file at `path`, or creates it. At every instant, even if the process crashes, the
   /// path holds either the whole old contents or the whole new ones.
   ///
   /// The new contents go into `path` + `kTemporarySuffix` in the same folder, are synced, renamed
@@ -96,8 +98,8 @@ class FileSystem {
   /// same target itself.
   ///
   /// Writers of the same target, in this process or another, take turns. One that has waited for a
-  /// second goes ahead with a temporary of its own; then the contents that are renamed last stay,
-  /// even when they are the older ones.
+  /// second goes on with a temporary of its own; then the contents that are renamed last stay, even
+  /// if they are the older ones.
   virtual FileResult writeAtomically(const std::string& path, const ContentProducer& produce) = 0;
 
   /// Removes a file, or a folder with all that it contains; symbolic links are removed, never
@@ -123,8 +125,8 @@ class FileSystem {
 
   /// Removes from a folder the temporaries that writes of `writeAtomically` left when their process
   /// was killed: those of targets whose name ends in `targetSuffix`. One that a writer uses now, in
-  /// this process or another, stays, and so does everything that is not a file. Costs one listing
-  /// of the folder when there is none. Reports the first failure.
+  /// this process or another, stays, and so does everything that is not a file. Takes one listing
+  /// of the folder when there are none. Reports the first failure.
   virtual FileResult removeUnusedTemporaries(const std::string& folder,
                                              std::string_view targetSuffix) = 0;
 
@@ -134,28 +136,26 @@ class FileSystem {
   /// Moves whatever lies at `from` within one volume, a symbolic link as itself, and replaces
   /// nothing: anything that exists at `to`, a dangling link included, is a failure with EEXIST.
   ///
-  /// Of several callers with the same `to`, in any process, one succeeds. Only on a volume that
-  /// cannot rename so (some network and user-space file systems) this is two steps, a look and a
-  /// plain rename; what is put at `to` between the two is replaced.
+  /// Of several callers with the same `to`, in any process, one succeeds. On a volume without such
+  /// a call (some network and user-space file systems) this takes two steps, a check and a plain
+  /// rename; what is put at `to` between the two is replaced.
   virtual FileResult renameToNew(const std::string& from, const std::string& to) = 0;
 
-  /// The kind of what lies at `path`; `kAbsent` when it cannot be told.
+  /// The kind of what lies at `path`; `kAbsent` when it cannot be determined.
   FileKind kind(const std::string& path);
   /// True when anything exists at `path`.
   bool exists(const std::string& path) { return kind(path) != FileKind::kAbsent; }
-  /// Opens a regular file and hands its contents to `consume`, see OpenedFile.
+  /// Opens a regular file and passes its contents to `consume`, see OpenedFile.
   FileResult read(const std::string& path, const BlockConsumer& consume);
   /// Leaves an empty regular file at `path`: a new one, or one that replaces the file there, see
   /// `writeAtomically`. A folder or a special file at `path` is a failure.
   FileResult createEmptyFile(const std::string& path);
-  /// `writeAtomically` with contents that lie in memory.
-  FileResult writeAll(const std::string& path, std::string_view contents);
 
  protected:
   FileSystem() = default;
 };
 
-/// Puts another file system behind FileSystem::current() as long as it lives.
+/// Replaces FileSystem::current() as long as it lives.
 ///
 /// Meant for tests. The replacement is process-wide; scopes must end in the reverse order of their
 /// beginning, and work queued on other threads must be finished before its scope ends.
@@ -170,9 +170,9 @@ class ScopedFileSystem {
   FileSystem* previous_;
 };
 
-/// `base` with `component` appended as a path component: one separator stands between the two and
-/// none at the end, whatever separators the two have there, and doubled separators within
-/// `component` become one. An empty side adds nothing. What stands within `base` is kept.
+/// `base` with `component` appended as a path component: exactly one separator between the two and
+/// no separator at the end, whatever separators the two have there. Doubled separators within
+/// `component` become one; those within `base` are kept. An empty side adds nothing.
 std::string appendPathComponent(std::string_view base, std::string_view component);
 
 /// `path` without the separators at its end; a path of separators only is "/".

@@ -1,3 +1,5 @@
+/// @file
+/// Handles of open files, closed automatically.
 #pragma once
 
 #include <cerrno>
@@ -7,8 +9,8 @@
 
 namespace VelWhiteBoard {
 
-/// Makes a system call until it was not interrupted by a signal. A client's timers and profilers
-/// send signals all the time; none of them may cost a page.
+/// Repeats a system call until no signal interrupts it. A client's timers and profilers send
+/// signals all the time, and no signal may make a save fail.
 template <class Call>
 auto uninterrupted(const Call& call) {
   for (;;) {
@@ -17,8 +19,8 @@ auto uninterrupted(const Call& call) {
   }
 }
 
-/// Owns an open handle and closes it once. Built from the answer of an opening call: a negative one
-/// is the error, kept for `error()`.
+/// Owns an open handle and closes it once. Made from the result of an opening call; a negative
+/// result is the error, kept for `error()`.
 class OpenHandle {
  public:
   explicit OpenHandle(SystemCalls& calls, int answer = -EBADF) : calls_(&calls), answer_(answer) {}
@@ -40,8 +42,8 @@ class OpenHandle {
   int get() const { return answer_; }
   int error() const { return answer_ < 0 ? -answer_ : 0; }
 
-  /// Not repeated when interrupted: the handle is gone by then, and its number may be another
-  /// thread's already. The answer is of no use: what had to be safe was synced before.
+  /// Not repeated when interrupted: the handle is closed by then, and another thread may already
+  /// have its number. The result is ignored: what had to be safe was synced before.
   void close() {
     if (isOpen()) calls_->close(std::exchange(answer_, -EBADF));
   }

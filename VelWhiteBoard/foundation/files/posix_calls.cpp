@@ -1,4 +1,4 @@
-// Page files are small, but a board folder may hold any file: 64-bit offsets on every platform.
+// 64-bit offsets on every platform: page files are small, but a board folder may hold any file.
 #define _FILE_OFFSET_BITS 64
 
 #include <cerrno>
@@ -21,15 +21,15 @@ namespace {
 
 static_assert(sizeof(off_t) == 8, "files beyond 2 GB must open");
 
-// The rights of all, from which the process's umask takes away what the user does not grant.
+// Permissions for all users; the process's umask takes away what the user does not grant.
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissionBits = 0777;
 
 int negatedError(int result) { return result < 0 ? -errno : result; }
 
 int openFlags(OpenMode mode) {
-  // O_NONBLOCK and O_NOCTTY: the caller looks at what it got before using it, and a pipe or a
-  // terminal under a page's name must neither hang nor adopt the process until then.
+  // O_NONBLOCK and O_NOCTTY: a pipe or a terminal under a page's name must neither block the
+  // process nor become its controlling terminal before the caller has checked what it opened.
   constexpr int kAlways = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
   switch (mode) {
     case OpenMode::kRead:
@@ -89,7 +89,7 @@ class PosixCalls final : public SystemCalls {
 
   void expectFilling(char* memory, std::size_t size) override {
 #ifdef MADV_HUGEPAGE
-    // From the first whole page on. What the system answers makes no difference: it is a hint.
+    // From the first whole page on. The result is ignored, since this is a hint.
     const auto pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
     void* start = memory;
     if (std::align(pageSize, pageSize, start, size)) ::madvise(start, size, MADV_HUGEPAGE);
@@ -152,7 +152,7 @@ class PosixCalls final : public SystemCalls {
   }
 
   int list(int handle, std::vector<std::string>& names) override {
-    // The stream takes a handle of its own, so that closing it leaves the caller's open.
+    // The stream gets its own handle, so that closing it leaves the caller's open.
     const int own = ::fcntl(handle, F_DUPFD_CLOEXEC, 0);
     if (own < 0) return -errno;
     std::unique_ptr<DIR, int (*)(DIR*)> stream(::fdopendir(own), ::closedir);

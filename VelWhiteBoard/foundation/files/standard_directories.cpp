@@ -11,10 +11,10 @@ constexpr std::string_view kDocumentsKey = "XDG_DOCUMENTS_DIR";
 constexpr std::string_view kHomeReference = "$HOME";
 constexpr std::string_view kBlanks = " \t\r";
 
-// The desktop writes ten lines. Whatever else lies under that name is not read to its end.
+// The desktop writes ten lines. A larger file is not read to its end.
 constexpr std::size_t kLargestUserDirectoriesFile = 1024 * 1024;
 
-// An absolute path in its plain form; nothing for anything else.
+// An absolute path in normal form; absent for any other string.
 std::optional<std::string> absolute(const std::optional<std::string>& path) {
   if (!path || !path->starts_with('/')) return std::nullopt;
   return std::string(withoutTrailingSeparators(*path));
@@ -45,7 +45,7 @@ bool skip(std::string_view& text, std::string_view expected) {
   return true;
 }
 
-// The contents of a shell's double quotes, backslashes resolved; nothing when they never close.
+// The contents of a shell's double quotes, escapes resolved; absent when they are not closed.
 std::optional<std::string> quoted(std::string_view text) {
   std::string value;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -56,9 +56,8 @@ std::optional<std::string> quoted(std::string_view text) {
   return std::nullopt;
 }
 
-// The path in one line `XDG_DOCUMENTS_DIR="$HOME/Documents"`; nothing for any other line. The file
-// looks like a shell script but nothing in it is ever run: a value is absolute or begins with
-// $HOME.
+// The path in one line `XDG_DOCUMENTS_DIR="$HOME/Documents"`; absent for any other line. The file
+// looks like a shell script but is never executed: a value is absolute or begins with $HOME.
 std::optional<std::string> documentsInLine(std::string_view line,
                                            const std::optional<std::string>& home) {
   skipBlanks(line);

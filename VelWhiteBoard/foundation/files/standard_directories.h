@@ -1,3 +1,5 @@
+/// @file
+/// Finds the standard directories of the user.
 #pragma once
 
 #include <optional>
@@ -6,11 +8,11 @@
 
 namespace VelWhiteBoard {
 
-/// The user's directories that have a place of their own.
+/// The user's standard directories.
 enum class StandardDirectory {
   kDocuments,  ///< what the user keeps: the desktop's documents folder
   kLibrary,    ///< what programs keep for the user
-  kCaches,     ///< what programs can make again
+  kCaches,     ///< what programs can recreate
 };
 
 /// What the standard directories depend on outside the file system.
@@ -33,19 +35,19 @@ class UserEnvironment {
 };
 
 /// The places of a standard directory of the user, as absolute paths without a separator at the
-/// end. The directories need not exist. Here the list has one entry, or none when neither the
-/// environment nor the account tells a home directory.
+/// end. The directories need not exist. The list has one entry, or is empty when neither the
+/// environment nor the account names a home directory.
 ///
 /// - documents: the entry XDG_DOCUMENTS_DIR of the desktop's "user-dirs.dirs", which lies in
 ///   $XDG_CONFIG_HOME or ~/.config and is read through FileSystem::current(); else ~/Documents;
 /// - library: $XDG_DATA_HOME, else ~/.local/share;
 /// - caches: $XDG_CACHE_HOME, else ~/.cache.
 ///
-/// As the XDG base directory rules want it, an empty or relative value counts as not set. The home
+/// By the XDG base directory rules, an empty or relative value counts as not set. The home
 /// directory is $HOME, or the account's when that is not an absolute path.
 ///
-/// Asked anew with every call. May be called from any thread as long as no other one changes the
-/// environment.
+/// Reads the environment at every call. May be called from any thread as long as no other thread
+/// changes the environment.
 std::vector<std::string> standardDirectories(
     StandardDirectory directory, const UserEnvironment& environment = UserEnvironment::process());
 

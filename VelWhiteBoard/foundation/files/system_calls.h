@@ -1,3 +1,5 @@
+/// @file
+/// The system calls behind the file system.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +11,7 @@
 
 namespace VelWhiteBoard {
 
-/// What the system tells about one file.
+/// The system's information about one file.
 struct FileInfo {
   FileKind kind = FileKind::kAbsent;
   std::uint64_t size = 0;
@@ -19,7 +21,7 @@ struct FileInfo {
   std::uint32_t permissions = 0;  ///< the nine read, write and execute bits
 };
 
-/// What a file is opened for. None of these ever waits: a pipe without a writer opens at once.
+/// What a file is opened for. None of these modes blocks: a pipe without a writer opens at once.
 enum class OpenMode {
   kRead,          ///< for reading
   kTemporary,     ///< for reading and writing, made when missing, never through a symbolic link
@@ -30,10 +32,9 @@ enum class OpenMode {
 
 /// The calls that the disk implementation of FileSystem makes, one function each.
 ///
-/// This is the only way to the platform, so that a test can let any single call fail. A call
-/// answers 0 or a positive result, or the negated `errno` value; it makes no second attempt of its
-/// own, so -EINTR is an answer like any other. Paths contain no NUL byte. All may be called from
-/// any thread.
+/// All access to the platform goes through here, so that a test can make any single call fail. A
+/// call returns 0 or a positive result, or the negated `errno` value. It does not retry, so it may
+/// return -EINTR. Paths contain no NUL byte. All may be called from any thread.
 class SystemCalls {
  public:
   virtual ~SystemCalls() = default;
@@ -43,19 +44,19 @@ class SystemCalls {
   /// The real calls.
   static SystemCalls& posix();
 
-  /// Answers a handle.
+  /// Returns a handle.
   virtual int open(const std::string& path, OpenMode mode) = 0;
   virtual int close(int handle) = 0;
 
   virtual int status(const std::string& path, bool followLinks, FileInfo& info) = 0;
   virtual int statusOfHandle(int handle, FileInfo& info) = 0;
 
-  /// Answers the number of bytes; 0 is the end of the file.
+  /// Returns the number of bytes; 0 is the end of the file.
   virtual std::int64_t read(int handle, char* bytes, std::size_t size) = 0;
-  /// A hint: all of this memory, which nothing has touched yet, is about to be filled. With it the
-  /// system may hand the memory out in large pages, where every small page costs a fault.
+  /// A hint: all of this memory, still untouched, is about to be filled. The system may then use
+  /// large pages, which saves page faults.
   virtual void expectFilling(char* memory, std::size_t size) = 0;
-  /// Answers the number of bytes taken, which may be fewer than given.
+  /// Returns the number of bytes taken, which may be fewer than given.
   virtual std::int64_t write(int handle, const char* bytes, std::size_t size) = 0;
   /// Makes the file empty.
   virtual int truncate(int handle) = 0;
@@ -65,8 +66,8 @@ class SystemCalls {
   /// Waits until the folder's entries are on the disk.
   virtual int syncFolder(const std::string& path) = 0;
 
-  /// Takes the lock of this file; -EWOULDBLOCK while it is held through another opening of the
-  /// file, in this process or another. Never waits.
+  /// Takes the lock of this file; -EWOULDBLOCK while it is held through another handle of the file,
+  /// in this process or another. Never waits.
   virtual int tryLock(int handle) = 0;
   virtual int unlock(int handle) = 0;
 

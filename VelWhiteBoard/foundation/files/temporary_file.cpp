@@ -11,19 +11,19 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Longer than a page takes to be written, except on a disk that hardly works.
+// Longer than writing a page takes, except on a failing disk.
 constexpr std::chrono::seconds kLongestWait{1};
 constexpr std::chrono::microseconds kFirstPause{100};
 constexpr std::chrono::milliseconds kLongestPause{10};
 
 // Every lost turn means that another writer has finished, so a writer hardly ever loses twice. The
-// bound is for a file system whose file identities cannot be trusted: there it ends the search.
+// limit ends the search on a file system whose file identities cannot be trusted.
 constexpr int kMaxTurns = 1000;
 
 constexpr char kNumberSeparator = '-';
-// Own names are as many as writers that gave up waiting, and leftovers of some that crashed.
+// There is one such name for each writer that gave up waiting, and for each leftover of a crash.
 constexpr int kMaxOwnNames = 1000;
-// Under a name of its own a writer loses only to a cleaner that runs at that moment.
+// With a name of its own a writer loses only to a cleaner that runs at that moment.
 constexpr int kMaxLostOwnNames = 3;
 
 // Errors which mean that a foreign object has the temporary's name: a symbolic link, a pipe or
@@ -41,8 +41,8 @@ bool isForeignObject(int error) {
   }
 }
 
-// 0: `path` leads to the file with this identity. Positive: to another file or to none. Negative:
-// an error.
+// 0: `path` leads to the file with this identity. Positive: to another file, or to no file.
+// Negative: an error.
 int leadsElsewhere(SystemCalls& calls, const std::string& path, const FileInfo& identity) {
   FileInfo named;
   const int result = uninterrupted([&] { return calls.status(path, false, named); });
@@ -66,7 +66,7 @@ TemporaryFile::~TemporaryFile() { release(); }
 void TemporaryFile::release() {
   if (ownsName_) removeFile(calls_, path_);
   ownsName_ = false;
-  // Unlocked by hand, because a forked child may hold the same open file, and with it the lock.
+  // Unlocked explicitly, because a forked child may share the open file, and with it the lock.
   if (locked_) calls_.unlock(file_.get());
   locked_ = false;
   file_.close();
@@ -122,7 +122,7 @@ TemporaryFile::Try TemporaryFile::tryName(OpenMode mode, Deadline deadline) {
   }
   int result = uninterrupted([&] { return calls_.statusOfHandle(file_.get(), identity_); });
   if (result < 0) return afterBlindLook(result);
-  // A second name would mean that emptying the temporary empties another program's file.
+  // If the file has a second name, emptying it would empty another program's file.
   if (identity_.kind != FileKind::kFile || identity_.links > 1) return Try::kTakenByOther;
   if (isHeldUntil(deadline)) return Try::kHeld;
   result = leadsElsewhere(calls_, path_, identity_);
@@ -132,8 +132,8 @@ TemporaryFile::Try TemporaryFile::tryName(OpenMode mode, Deadline deadline) {
 }
 
 // Takes the lock; true when another writer still holds it at the deadline. Some network and
-// user-space file systems have no locks. Then only the turns of several writers of one file are
-// lost; the replacement itself stays atomic.
+// user-space file systems have no locks. Then writers of one file do not take turns; the
+// replacement itself stays atomic.
 bool TemporaryFile::isHeldUntil(Deadline deadline) {
   std::chrono::microseconds pause = kFirstPause;
   for (;;) {
@@ -147,8 +147,8 @@ bool TemporaryFile::isHeldUntil(Deadline deadline) {
   }
 }
 
-// The status of the file could not be read. The file may be a new one of our making: ours to remove
-// if a second look, while no other writer can use it, says that the name leads to it.
+// The status of the file could not be read. This writer may just have created it. It removes it if
+// a second check, made while no other writer can use the file, shows that the name leads to it.
 TemporaryFile::Try TemporaryFile::afterBlindLook(int negatedError) {
   if (!locked_) locked_ = uninterrupted([&] { return calls_.tryLock(file_.get()); }) >= 0;
   const int result = uninterrupted([&] { return calls_.statusOfHandle(file_.get(), identity_); });
@@ -157,8 +157,8 @@ TemporaryFile::Try TemporaryFile::afterBlindLook(int negatedError) {
 }
 
 FileResult TemporaryFile::renameOverTarget() {
-  // Checked once more, for volumes without locks and people who tidy up folders: another file under
-  // our name must not become the target.
+  // Checked once more, since volumes may lack locks and users may delete files: another file under
+  // this name must not become the target.
   int result = leadsElsewhere(calls_, path_, identity_);
   if (result < 0) return FileResult::failure(FileStep::kStatus, -result, path_);
   if (result > 0) {

@@ -1,5 +1,5 @@
 /// @file
-/// The temporaries of atomic writes: who uses which, and what is left of them.
+/// The temporary files of atomic writes: opening, locking and cleaning up.
 #pragma once
 
 #include <chrono>
@@ -41,12 +41,12 @@ class TemporaryFile {
 
  private:
   using Deadline = std::chrono::steady_clock::time_point;
-  /// What a try to take a name came to.
+  /// The outcome of a try to take a name.
   enum class Try {
     kTaken,         ///< the file under the name is ours
-    kTakenByOther,  ///< the name leads to something that is not for this writer
+    kTakenByOther,  ///< the name leads to something that this writer must not use
     kHeld,          ///< another writer held the lock until the deadline
-    kLost,          ///< another writer or a cleaner was faster; worth another try
+    kLost,          ///< another writer or a cleaner was faster; try again
     kFailed,        ///< the reason is in `failure_`
   };
 
@@ -68,7 +68,7 @@ class TemporaryFile {
   bool ownsName_ = false;  // the name leads to our file, which is ours to remove
 };
 
-/// Whether `name` is one that a temporary of a target has whose name ends in `targetSuffix`.
+/// Whether `name` is the name of a temporary of a target whose name ends in `targetSuffix`.
 bool isTemporaryName(std::string_view name, std::string_view targetSuffix);
 
 /// Removes a temporary that no writer uses: a regular file whose lock is free. Anything else at

@@ -9,7 +9,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-// Accounts from a directory service can be long; this much no account needs.
+// Accounts from a directory service can be long; no account needs the upper limit.
 constexpr std::size_t kSmallestAccountBuffer = 1024;
 constexpr std::size_t kLargestAccountBuffer = 1024 * 1024;
 

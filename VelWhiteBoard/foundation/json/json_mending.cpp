@@ -12,8 +12,8 @@ namespace VelWhiteBoard {
 
 namespace {
 
-/// The code unit that an escape such as "\ud83d" at the beginning of `text` stands for; 0 unless it
-/// is a surrogate.
+/// The code unit of an escape such as "\ud83d" at the beginning of `text`; 0 unless it is a
+/// surrogate.
 unsigned surrogateAt(std::string_view text) {
   constexpr std::size_t kLength = 6;
   unsigned unit = 0;
@@ -22,9 +22,9 @@ unsigned surrogateAt(std::string_view text) {
   return result.ptr == text.data() + kLength && unit >= 0xD800 && unit <= 0xDFFF ? unit : 0;
 }
 
-/// What to put in the place of the escape at the beginning of `text`, and how much of it that is.
-/// Half a pair of surrogates, as is left of a string that was cut, is valid by JSON's grammar but
-/// stands for no character.
+/// The replacement for the escape at the beginning of `text`, and the length of what it replaces.
+/// Half a pair of surrogates, as in a truncated string, is valid by JSON's grammar but is not a
+/// character.
 std::pair<std::string_view, std::size_t> escapeAt(std::string_view text) {
   constexpr std::size_t kUnit = 6;
   const unsigned unit = surrogateAt(text);

@@ -22,11 +22,10 @@ namespace {
 
 namespace dom = simdjson::dom;
 
-/// A parser and a buffer with the padding that it asks for, kept for the next text of the same
-/// thread.
+/// A parser and its padded buffer, kept for the next text of the same thread.
 class TextParser {
  public:
-  /// The error that parsing ended with; `element` is the whole text when there is none.
+  /// Returns the parser's error. On success `element` is the whole text.
   /// @throws std::bad_alloc when memory runs out.
   simdjson::error_code parse(std::string_view text, dom::element& element) {
     if (buffer_.size() < text.size() + simdjson::SIMDJSON_PADDING) {
@@ -35,8 +34,7 @@ class TextParser {
     std::copy(text.begin(), text.end(), buffer_.begin());
     auto error = parser_.parse(buffer_.data(), text.size(), false).get(element);
     if (error == simdjson::DEPTH_ERROR) {
-      // The parser keeps its place in each open container: give it room for as many as there may
-      // be.
+      // The parser needs room for each open container: allow for as many as the text can hold.
       isUnusual_ = true;
       error = parser_.allocate(std::max(text.size(), parser_.capacity()), text.size());
       if (error == simdjson::SUCCESS) {
@@ -50,7 +48,7 @@ class TextParser {
     return error;
   }
 
-  /// Gives memory back that only an unusual text needed.
+  /// Releases memory that only an unusual text needed.
   void trim() noexcept {
     constexpr std::size_t kKept = std::size_t{1} << 20U;
     if (buffer_.size() <= kKept && !isUnusual_) return;
@@ -62,11 +60,11 @@ class TextParser {
  private:
   dom::parser parser_;
   std::vector<char> buffer_;
-  /// Whether the parser is not as a new one would be, apart from its capacity.
+  /// Whether the parser differs from a new one in more than its capacity.
   bool isUnusual_ = false;
 };
 
-/// What a thread keeps from text to text, so that most texts need no memory but their records'.
+/// What a thread keeps between texts, so that most texts need memory for their records only.
 struct ReadingMemory {
   TextParser parser;
   std::vector<double> numbers;
@@ -114,7 +112,7 @@ std::optional<Scalar> scalarWithElement(const dom::element& element) {
   }
 }
 
-/// Adds the position that `element` is; one that is not an array of numbers is dropped.
+/// Adds `element` to the path if it is a position, that is, an array of numbers.
 void addPosition(Path& path, const dom::element& element, std::vector<double>& numbers) {
   dom::array position;
   if (element.get_array().get(position) != simdjson::SUCCESS) return;
@@ -135,8 +133,8 @@ Path pathWithElements(const dom::array& positions) {
   return path;
 }
 
-/// Puts a free-form value into `place`; false when it is nested too deep. Built in place, so that
-/// nothing but the whole has to be destroyed when memory runs out.
+/// Puts a free-form value into `place`; false when it is nested too deep. Builds it in place, so
+/// that only the whole has to be destroyed when memory runs out.
 bool putElement(Value& place, const dom::element& element, std::size_t depth) {
   if (const auto scalar = scalarWithElement(element)) {
     place = valueWithScalar(*scalar);
@@ -178,7 +176,7 @@ RecordList recordsWithElements(const RecordClass& asked, const dom::array& eleme
   return records;
 }
 
-/// Puts a value into `field` if `Taken` says what it is; `field` stays as it is otherwise.
+/// Sets `field` if the value is of type `Taken`; otherwise leaves it as it is.
 template <class Taken, class Field>
 bool take(const dom::element& element, Field& field) {
   Taken value;
@@ -187,7 +185,7 @@ bool take(const dom::element& element, Field& field) {
   return true;
 }
 
-/// Puts a value into a property of just its kind, as nearly all are; false for any other value.
+/// Sets a property from a value of the matching type, the usual case; false for any other value.
 bool assignOwnKind(const Property& property, Record& record, const dom::element& element,
                    std::size_t depth) {
   switch (property.kind) {
@@ -232,7 +230,7 @@ bool assignOwnKind(const Property& property, Record& record, const dom::element&
 void assignElement(const Property& property, Record& record, const dom::element& element,
                    std::size_t depth) {
   if (assignOwnKind(property, record, element, depth)) return;
-  // No property takes a list or an object of another kind; like null, they put it back.
+  // A list or object that does not match sets the property to its default, like null.
   assign(property, record, scalarWithElement(element).value_or(Scalar()));
 }
 
@@ -250,7 +248,7 @@ std::shared_ptr<Record> recordWithObject(const RecordClass& asked, const dom::ob
   return record;
 }
 
-/// Trims a parser when the work with it is done, in whatever way it ends.
+/// Trims a parser when the scope ends, by return or exception.
 class TrimmedAtEnd {
  public:
   explicit TrimmedAtEnd(TextParser& parser) noexcept : parser_(parser) {}
@@ -262,8 +260,8 @@ class TrimmedAtEnd {
   TextParser& parser_;
 };
 
-/// Parses `text` and hands it to `use`. What is not a JSON text gives what `use` answers by
-/// default.
+/// Parses `text` and passes it to `use`. For invalid JSON, returns a default value of the result
+/// type of `use`.
 template <class Use>
 auto withParsedText(std::string_view text, const Use& use)
     -> decltype(use(std::declval<const dom::element&>())) {
@@ -274,7 +272,7 @@ auto withParsedText(std::string_view text, const Use& use)
   dom::element element;
   auto error = parser.parse(text, element);
   if (error != simdjson::SUCCESS) {
-    // Which error stands for what depends on the parser's version, so any is worth a look.
+    // The error codes depend on the parser's version, so mending is tried after any error.
     const std::string mended = mendedJSON(text);
     if (mended != text) error = parser.parse(mended, element);
   }

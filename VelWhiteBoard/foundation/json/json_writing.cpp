@@ -13,8 +13,8 @@ namespace VelWhiteBoard {
 
 namespace {
 
-// A real number inside free-form values keeps the sign of being one, `10.0`, so that the next
-// reader does not make an integer of it. Where a property says what it holds, `10` is enough.
+// Inside free-form values a whole real number is written with a fraction, `10.0`, so that readers
+// do not take it for an integer. The type of a property is known, so there `10` is enough.
 void appendFreeNumber(std::string& text, double number) {
   const std::size_t start = text.size();
   appendNumber(text, number);
@@ -39,7 +39,7 @@ void appendArray(std::string& text, const Array& array, std::size_t depth) {
   text += ']';
 }
 
-/// What JSON cannot say becomes null, and so does what is nested too deep.
+/// What JSON cannot express becomes null, and so does what is nested too deep.
 void appendFreeValue(std::string& text, const Value& value, std::size_t depth) {
   if (value.is_structured() && depth > kMaximumValueDepth) {
     text += "null";
@@ -112,7 +112,7 @@ void appendField(std::string& text, const RecordList& field) {
 
 void appendJSON(const Record& record, std::string& text) {
   using namespace std::string_view_literals;
-  // Each member begins with a comma; the first one's turns into the brace.
+  // Each member begins with a comma; the first comma is replaced by the brace.
   const std::size_t start = text.size();
   for (const Property& property : record.recordClass().properties) {
     visitWrittenField(property, record, [&](const auto& field) {
@@ -128,7 +128,7 @@ void appendJSON(const Record& record, std::string& text) {
 }
 
 std::string modelToJSONString(const Record& record) {
-  constexpr std::size_t kUsualSize = 256;  // a piece of a stroke, without growing on the way
+  constexpr std::size_t kUsualSize = 256;  // enough for a piece of a stroke
   std::string text;
   text.reserve(kUsualSize);
   appendJSON(record, text);

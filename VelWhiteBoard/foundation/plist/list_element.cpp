@@ -19,7 +19,7 @@ std::string_view trimmed(std::string_view text) {
 
 ElementValue realWith(std::string_view text) {
   if (const auto number = realWithPropertyList(text)) return {Scalar(*number), {}};
-  return {std::nullopt, isRealInPropertyList(text) ? "" : "malformed real number"};
+  return {{}, isRealInPropertyList(text) ? "" : "malformed real number"};
 }
 
 }  // namespace
@@ -51,8 +51,8 @@ ElementValue valueOfElement(ListElement element, std::string_view text) {
     case ListElement::real:
       return realWith(trimmed(text));
     case ListElement::integer:
-      if (const auto number = integerWithPropertyList(trimmed(text))) return {number, {}};
-      return {std::nullopt, "malformed integer"};
+      if (const auto number = integerWithPropertyList(trimmed(text))) return {*number, {}};
+      return {{}, "malformed integer"};
     case ListElement::yes:
     case ListElement::no:
       return {Scalar(element == ListElement::yes),

@@ -1,5 +1,5 @@
 /// @file
-/// The elements of a property list, and the values they spell.
+/// The elements of a property list, and their values.
 #pragma once
 
 #include <optional>
@@ -26,13 +26,13 @@ enum class ListElement {
 
 ListElement listElementNamed(std::string_view name);
 
-/// Whether XML takes the text for white space.
+/// Whether `text` consists of XML white space only.
 bool isBlank(std::string_view text);
 
-/// What an element's text spells. `scalar` is absent for dates, data and reals beyond the range of
-/// a double, which no property holds. `error` says what is malformed; empty when nothing is.
+/// The value of an element's text. `scalar` is null for dates, data and reals beyond the range of a
+/// double, which no property can hold. `error` says what is malformed; it is empty when nothing is.
 struct ElementValue {
-  std::optional<Scalar> scalar;
+  Scalar scalar;
   std::string_view error;
 };
 

@@ -13,12 +13,13 @@
 #include "VelWhiteBoard/foundation/plist/list_element.h"
 #include "VelWhiteBoard/foundation/plist/record_draft.h"
 #include "VelWhiteBoard/foundation/plist/value_builder.h"
+#include "VelWhiteBoard/foundation/records/assignment.h"
 
 namespace VelWhiteBoard {
 
 namespace {
 
-/// What an open element is for.
+/// The role of an open element.
 enum class Purpose : std::uint8_t {
   document,  ///< the plist element
   list,      ///< the array of records
@@ -26,7 +27,7 @@ enum class Purpose : std::uint8_t {
   path,      ///< an array of positions
   position,  ///< an array of numbers in it
   free,      ///< a container of a free-form value
-  ignored,   ///< a container that nothing is made of
+  ignored,   ///< a container that is skipped
 };
 
 struct OpenContainer {
@@ -47,8 +48,8 @@ class PropertyListReader::Parser {
     XML_SetCharacterDataHandler(parser_, &onText);
     // With a document type, expat drops unknown entities and expands known ones; refuse both.
     XML_SetEntityDeclHandler(parser_, &onEntityDeclaration);
-    // Attributes with a default are added to every element: a short text could ask for any amount
-    // of work.
+    // Attributes with defaults would be added to every element, so that a short text could cause
+    // any amount of work.
     XML_SetAttlistDeclHandler(parser_, &onAttributeDeclaration);
     XML_SetSkippedEntityHandler(parser_, &onSkippedEntity);
   }
@@ -80,8 +81,8 @@ class PropertyListReader::Parser {
   }
 
  private:
-  /// Says why the parser has stopped. Memory that has run out is an exception, of this call and of
-  /// all that follow: it says nothing about the text.
+  /// Determines why the parser has stopped. Out of memory is not an error of the text: this call
+  /// and all later ones throw it.
   void conclude() {
     try {
       if (!thrown_ && result_.ok()) {
@@ -95,7 +96,7 @@ class PropertyListReader::Parser {
     if (thrown_) std::rethrow_exception(thrown_);
   }
 
-  // Handlers. No exception may pass through the C library: it is kept and thrown again behind it.
+  // Handlers. No exception may pass through the C library: it is kept and rethrown afterwards.
 
   template <class Handle>
   static void guarded(void* self, const Handle& handle) {
@@ -141,7 +142,8 @@ class PropertyListReader::Parser {
     reportHere(error);
     stop();
   }
-  /// To be called inside the handler that finds the error: once the parser stops, it moves on.
+  /// To be called inside the handler that finds the error, while the parser is still at its
+  /// position.
   void reportHere(std::string_view error) {
     result_.error = error;
     result_.line = XML_GetCurrentLineNumber(parser_);
@@ -185,7 +187,7 @@ class PropertyListReader::Parser {
     open_.push_back({purpose, isDict});
   }
 
-  /// What a container is for that opens inside `parent`; prepares for it.
+  /// The purpose of a container that opens inside `parent`. Also prepares for its content.
   Purpose purposeInside(const OpenContainer& parent, bool isDict) {
     switch (parent.purpose) {
       case Purpose::document:
@@ -196,7 +198,7 @@ class PropertyListReader::Parser {
         draft_.clear();
         return Purpose::record;
       case Purpose::record:
-        return isDict ? purposeOfUnknown() : purposeOfArray();
+        return isDict ? Purpose::ignored : purposeOfArray();
       case Purpose::path:
         if (isDict) return Purpose::ignored;
         position_.clear();
@@ -214,7 +216,7 @@ class PropertyListReader::Parser {
     return Purpose::ignored;  // not reached
   }
 
-  /// What an array is for that is a record's member.
+  /// The purpose of an array that is a member of a record.
   Purpose purposeOfArray() {
     const auto kind = draft_.expectedKind();
     if (kind == PropertyKind::path) {
@@ -229,12 +231,6 @@ class PropertyListReader::Parser {
       value_.beginRecords();
       return Purpose::free;
     }
-    return purposeOfUnknown();
-  }
-
-  /// For a container that no property takes: one under an unknown key, and every dictionary.
-  Purpose purposeOfUnknown() {
-    draft_.setNothing();
     return Purpose::ignored;
   }
 
@@ -268,11 +264,7 @@ class PropertyListReader::Parser {
   void endFree() {
     if (open_.back().purpose == Purpose::free) return value_.endContainer();
     Value value;
-    if (value_.take(value)) {
-      draft_.setValue(std::move(value));
-    } else {
-      draft_.setNothing();  // nested too deep
-    }
+    if (value_.take(value)) draft_.setValue(std::move(value));
   }
 
   // Texts.
@@ -294,8 +286,7 @@ class PropertyListReader::Parser {
     if (!error.empty()) return fail(error);
     switch (parent.purpose) {
       case Purpose::record:
-        if (element == ListElement::string) return draft_.setText(text_);
-        return scalar ? draft_.setScalar(*scalar) : draft_.setNothing();
+        return draft_.setValue(valueWithScalar(scalar));
       case Purpose::position:
         return addCoordinate(scalar);
       case Purpose::free:
@@ -311,9 +302,8 @@ class PropertyListReader::Parser {
     if (parent.purpose == Purpose::free) value_.setKey(text_);
   }
 
-  void addCoordinate(const std::optional<Scalar>& scalar) {
-    const auto number = scalar ? numberIn(*scalar) : std::nullopt;
-    if (number) {
+  void addCoordinate(const Scalar& scalar) {
+    if (const auto number = numberIn(scalar)) {
       position_.push_back(*number);
     } else {
       positionIsSound_ = false;

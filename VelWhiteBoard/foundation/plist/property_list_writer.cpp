@@ -20,7 +20,8 @@ constexpr std::string_view kHead =
     "<plist version=\"1.0\">\n";
 constexpr std::string_view kFoot = "</plist>\n";
 
-/// An element as it is written: each piece in one go, for most of a file is elements.
+/// An element as it is written. Its parts are appended at once, since most of a file consists of
+/// elements.
 struct Tag {
   std::string_view open;
   std::string_view close;
@@ -60,7 +61,7 @@ class ValueLines {
       for (const Property& property : record.recordClass().properties) {
         visitWrittenField(property, record, [&](const auto& field) {
           line("<key>");
-          text_ += property.name;  // a name of ours: nothing in it needs an escape
+          text_ += property.name;  // our own name: needs no escape
           text_ += "</key>\n";
           add(field);
         });
@@ -87,7 +88,7 @@ class ValueLines {
     text_ += tag.close;
   }
 
-  /// A container without content is one element, also when its content came to nothing.
+  /// A container without content becomes one empty element, also when all its content was left out.
   template <class AddContent>
   void container(const Tag& tag, const AddContent& addContent) {
     line(tag.open);
@@ -109,8 +110,8 @@ class ValueLines {
     });
   }
 
-  /// A free-form value. What a property list cannot say is left out: null, binary, numbers that are
-  /// not finite, and what is nested deeper than anything that was taken in.
+  /// A free-form value. What a property list cannot express is left out: null, binary, numbers that
+  /// are not finite, and what is nested too deep.
   void addFree(const Value& value, std::size_t depth) {
     if (value.is_structured() && depth > kMaximumValueDepth) return;
     switch (value.type()) {

@@ -13,11 +13,11 @@ namespace VelWhiteBoard {
 /// classic layout: tab-indented, keys in the order of their declaration.
 ///
 /// Records are formatted one by one into a small buffer, so a page of any size takes little memory.
-/// What property lists cannot carry is left out (nulls inside free-form arrays) or replaced (see
-/// `appendXMLText`); one awkward record never spoils the file.
+/// What property lists cannot express is left out (nulls inside free-form arrays) or replaced (see
+/// `appendXMLText`), so every record gives a valid file.
 class PropertyListWriter {
  public:
-  /// `write` takes the text in blocks; once it answers false, nothing more is produced.
+  /// `write` takes the text in blocks; once it returns false, nothing more is produced.
   explicit PropertyListWriter(const BlockConsumer& write);
 
   /// Adds a record. False when the consumer has failed.

@@ -1,11 +1,8 @@
 #include "VelWhiteBoard/foundation/plist/record_draft.h"
 
-#include <algorithm>
 #include <utility>
-#include <variant>
 
 #include "VelWhiteBoard/foundation/records/assignment.h"
-#include "VelWhiteBoard/foundation/values/safe_values.h"
 
 namespace VelWhiteBoard {
 
@@ -16,36 +13,34 @@ constexpr std::size_t kUsualMembers = 64;
 
 }  // namespace
 
-void RecordDraft::Member::dropValue() noexcept {
-  if (value) dismantle(*value);
-  value.reset();
-}
-
-void RecordDraft::clear() {
-  count_ = 0;
+void RecordDraft::clear() noexcept {
+  for (Member& member : members_) dismantle(member.value);
+  members_.clear();
   current_ = nullptr;
 }
 
 void RecordDraft::beginMember(std::string_view key) {
-  current_ = memberFor(key);
-  Member& member = last();
-  member.key = current_ == nullptr ? std::string_view() : key;
-  member.useful = true;
-  member.scalar = {};
-  member.path.reset();
-  member.dropValue();
-}
-
-RecordDraft::Member* RecordDraft::memberFor(std::string_view key) {
-  if (count_ >= kUsualMembers) {
-    if (propertyOfFamily(key) == nullptr) return nullptr;
+  current_ = nullptr;
+  if (members_.size() >= kUsualMembers) {
+    if (propertyOfFamily(key) == nullptr) return;
     // Of a key that occurs twice the last value counts, so that one is replaced.
-    for (std::size_t index = count_; index-- > 0;) {
-      if (members_[index].key == key) return &members_[index];
+    if (const std::size_t index = indexOf(key); index < members_.size()) {
+      current_ = &members_[index];
+      dismantle(current_->value);
+      current_->value = nullptr;
+      current_->path.reset();
+      return;
     }
   }
-  if (count_ == members_.size()) members_.emplace_back();
-  return &members_[count_++];
+  current_ = &members_.emplace_back();
+  current_->key = key;
+}
+
+std::size_t RecordDraft::indexOf(std::string_view key) const {
+  for (std::size_t index = members_.size(); index-- > 0;) {
+    if (members_[index].key == key) return index;
+  }
+  return members_.size();
 }
 
 const Property* RecordDraft::propertyOfFamily(std::string_view key) const {
@@ -55,82 +50,44 @@ const Property* RecordDraft::propertyOfFamily(std::string_view key) const {
   return PropertyFinder(asked_).find(key);
 }
 
-void RecordDraft::setScalar(const Scalar& scalar) {
-  Member& member = last();
-  member.scalar = scalar;
-  if (const auto* text = std::get_if<std::string_view>(&scalar)) member.text = *text;
+void RecordDraft::setValue(Value&& value) {
+  if (current_ != nullptr) current_->value.swap(value);
 }
 
-void RecordDraft::setText(std::string& text) {
-  Member& member = last();
-  member.scalar = std::string_view();  // the text itself is kept beside it
-  member.text.swap(text);
+void RecordDraft::setPath(Path path) {
+  if (current_ != nullptr) current_->path = std::move(path);
 }
-
-void RecordDraft::setPath(Path path) { last().path = std::move(path); }
-
-void RecordDraft::setValue(Value&& value) { last().value.emplace().swap(value); }
-
-void RecordDraft::setNothing() { last().useful = false; }
 
 std::optional<PropertyKind> RecordDraft::expectedKind() const {
   if (current_ == nullptr) return std::nullopt;
-  // The class may not be known before later keys are, but a name means the same to all of them.
+  // The class may depend on later keys, but a name has the same kind in all classes.
   const Property* property = propertyOfFamily(current_->key);
   return property == nullptr ? std::nullopt : std::optional(property->kind);
 }
 
-const RecordClass& RecordDraft::chosenClass() const {
-  return asked_.customClass == nullptr ? asked_ : asked_.customClass(*this, asked_);
-}
-
 std::shared_ptr<Record> RecordDraft::record() {
-  const RecordClass& chosen = chosenClass();
+  const RecordClass& chosen =
+      asked_.customClass == nullptr ? asked_ : asked_.customClass(*this, asked_);
   auto record = chosen.create();
   PropertyFinder finder(chosen);
-  for (std::size_t index = 0; index < count_; ++index) {
-    Member& member = members_[index];
+  for (Member& member : members_) {
     const Property* property = finder.find(member.key);
     if (property == nullptr) continue;
-    if (!member.useful) {
-      assign(*property, *record, Scalar());
-    } else if (member.path) {
-      // Keys that came later may have changed what this one means.
-      if (property->kind == PropertyKind::path) {
-        property->in<std::optional<Path>>(*record) = std::move(*member.path);
-      } else {
-        Value positions;
-        const DismantledAtEnd guard(positions);
-        putPath(positions, *member.path);
-        assign(*property, *record, std::move(positions));
-      }
-    } else if (member.value) {
-      assign(*property, *record, std::move(*member.value));
-    } else if (std::holds_alternative<std::string_view>(member.scalar)) {
-      assign(*property, *record, Scalar(std::string_view(member.text)));
+    if (member.path) {
+      property->in<std::optional<Path>>(*record) = std::move(*member.path);
     } else {
-      assign(*property, *record, member.scalar);
+      assign(*property, *record, std::move(member.value));
     }
   }
   return record;
 }
 
-bool RecordDraft::contains(std::string_view key) const {
-  const auto end = members_.begin() + static_cast<std::ptrdiff_t>(count_);
-  return std::any_of(members_.begin(), end,
-                     [key](const Member& member) { return member.key == key; });
-}
+bool RecordDraft::contains(std::string_view key) const { return indexOf(key) < members_.size(); }
 
 std::optional<std::string_view> RecordDraft::text(std::string_view key) const {
-  for (std::size_t index = count_; index-- > 0;) {
-    const Member& member = members_[index];
-    if (member.key != key) continue;
-    const bool isText = member.useful && !member.path && !member.value &&
-                        std::holds_alternative<std::string_view>(member.scalar);
-    if (isText) return member.text;
-    return std::nullopt;
-  }
-  return std::nullopt;
+  const std::size_t index = indexOf(key);
+  if (index == members_.size() || !members_[index].value.is_string()) return std::nullopt;
+  return members_[index].value.get_ref<const std::string&>();
 }
 
 }  // namespace VelWhiteBoard

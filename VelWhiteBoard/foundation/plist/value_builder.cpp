@@ -1,6 +1,7 @@
 #include "VelWhiteBoard/foundation/plist/value_builder.h"
 
 #include <utility>
+#include <variant>
 
 #include "VelWhiteBoard/foundation/records/assignment.h"
 
@@ -15,10 +16,10 @@ void ValueBuilder::beginUnits(std::size_t unit) {
   unit_ = unit;
 }
 
-void ValueBuilder::add(const std::optional<Scalar>& scalar) {
+void ValueBuilder::add(const Scalar& scalar) {
   if (tooDeep_) return;
-  if (scalar) {
-    place(valueWithScalar(*scalar));
+  if (!std::holds_alternative<std::monostate>(scalar)) {
+    place(valueWithScalar(scalar));
   } else if (open_.back()->is_object()) {
     // Of a key that occurs twice only the last value counts, even when it is left out.
     auto& members = open_.back()->get_ref<Dictionary&>();
@@ -47,7 +48,7 @@ void ValueBuilder::endContainer() {
   open_.pop_back();
 }
 
-/// Puts null in the place of the unit that is open and nested too deep.
+/// Replaces the open unit, which is nested too deep, by null.
 void ValueBuilder::dropUnit() {
   if (unit_ == kWhole) return;
   dismantle(*open_.back());

@@ -1,9 +1,8 @@
 /// @file
-/// A free-form value that arrives piece by piece.
+/// A free-form value that is built piece by piece.
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,29 +12,29 @@
 
 namespace VelWhiteBoard {
 
-/// Builds an array of free-form values. Nesting costs no stack.
+/// Builds an array of free-form values, without recursion.
 ///
-/// What is nested deeper than `kMaximumValueDepth` costs a whole unit: the array itself, or, where
-/// the array is a list of records, the one member of the one record in which it stands.
+/// A value that is nested deeper than `kMaximumValueDepth` is dropped with the whole unit that
+/// contains it: the array, or, if the array is a list of records, the member of one record.
 class ValueBuilder {
  public:
   ~ValueBuilder() { dismantle(top_); }
 
-  /// Starts a new array that is one unit; what was built before is gone.
+  /// Starts a new array that is one unit; discards what was built before.
   void begin() { beginUnits(kWhole); }
   /// Starts a new array of records, each member of which is a unit.
   void beginRecords() { beginUnits(kMemberOfRecord); }
   /// The key of the next element of the dictionary that is open.
   void setKey(std::string_view key) { key_ = key; }
-  /// Adds a scalar; an absent one stands for what JSON cannot express, and is left out.
-  void add(const std::optional<Scalar>& scalar);
+  /// Adds a scalar; null stands for what JSON cannot express, and is left out.
+  void add(const Scalar& scalar);
   void beginContainer(bool isDictionary);
   void endContainer();
-  /// Gives the whole array to `value`; false when it was nested too deep. To be called once.
+  /// Moves the whole array into `value`; false when it was nested too deep. To be called once.
   bool take(Value& value);
 
  private:
-  // At how many open containers a unit is open: the array; or list, record and member.
+  // The number of open containers at which a unit begins: the array; or list, record and member.
   static constexpr std::size_t kWhole = 1;
   static constexpr std::size_t kMemberOfRecord = 3;
 

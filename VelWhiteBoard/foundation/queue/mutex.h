@@ -1,5 +1,5 @@
 /// @file
-/// A lock whose discipline the compiler checks (Clang's -Wthread-safety).
+/// A mutex with thread-safety annotations, which Clang checks (-Wthread-safety).
 #pragma once
 
 #include <atomic>
@@ -8,7 +8,7 @@
 #include <mutex>
 #include <thread>
 
-// The attributes exist in Clang only; elsewhere they are nothing.
+// Only Clang has the attributes; elsewhere the macros are empty.
 #if defined(__clang__)
 #define VELWHITEBOARD_THREAD_ANNOTATION(attribute) __attribute__((attribute))
 #else
@@ -25,8 +25,7 @@
 
 namespace VelWhiteBoard {
 
-/// A plain mutex, held for moments only. So a thread that finds it held tries again for some
-/// microseconds before it goes to sleep: to be woken takes longer than nearly all holders need.
+/// A mutex for short sections: spins first, since waking costs more than the usual hold.
 class VELWHITEBOARD_THREAD_ANNOTATION(capability("mutex")) Mutex {
  public:
   void lock() VELWHITEBOARD_THREAD_ANNOTATION(acquire_capability()) {
@@ -40,8 +39,8 @@ class VELWHITEBOARD_THREAD_ANNOTATION(capability("mutex")) Mutex {
   }
   void unlock() VELWHITEBOARD_THREAD_ANNOTATION(release_capability()) { mutex_.unlock(); }
 
-  /// Lets threads that sleep until the mutex is free have it first. To be called without the mutex,
-  /// by a thread that is going to lock it again and again.
+  /// Yields until threads that sleep waiting for the mutex have had it. To be called without the
+  /// mutex, by a thread that locks it repeatedly.
   void giveWay() const {
     constexpr int kTries = 1000;
     std::this_thread::yield();
@@ -56,15 +55,15 @@ class VELWHITEBOARD_THREAD_ANNOTATION(capability("mutex")) Mutex {
   std::atomic<int> waiting_ = 0;
 };
 
-/// A condition that threads wait for under a `Mutex`. Unlike `std::condition_variable_any` it adds
-/// no lock and no allocation of its own.
+/// A condition variable for a `Mutex`. Unlike `std::condition_variable_any` it adds no lock and no
+/// allocation.
 class Condition {
  public:
-  /// Gives the mutex up while waiting. Wakes without cause at times: test the condition in a loop.
+  /// Releases the mutex while waiting. May wake spuriously: test the condition in a loop.
   void wait(Mutex& mutex) VELWHITEBOARD_REQUIRES(mutex) {
     std::unique_lock<std::mutex> lock(mutex.mutex_, std::adopt_lock);
     condition_.wait(lock);
-    lock.release();  // the caller holds the mutex again, and goes on to hold it
+    lock.release();  // the caller still holds the mutex
   }
   /// The same for at most this long.
   void waitFor(Mutex& mutex, std::chrono::milliseconds longest) VELWHITEBOARD_REQUIRES(mutex) {

@@ -1,5 +1,5 @@
 /// @file
-/// What stands behind `OperationQueue::Operation`.
+/// The implementation of `OperationQueue::Operation`.
 #pragma once
 
 #include <cstddef>

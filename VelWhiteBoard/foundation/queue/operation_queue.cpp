@@ -13,7 +13,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-/// Loses nothing that was added when the process ends.
+/// Runs what was added before the process ends.
 class DrainAtExit {
  public:
   explicit DrainAtExit(SharedThreads& threads) : threads_(threads) {}
@@ -46,7 +46,7 @@ OperationQueue::OperationQueue() : state_(std::make_shared<QueueState>(sharedThr
 
 OperationQueue::~OperationQueue() = default;
 
-// The following keep the state alive by themselves: the queue may be gone before the call returns.
+// Each of the following keeps the state alive: the queue may be destroyed before the call returns.
 
 void OperationQueue::addOperationWithBlock(std::function<void()> work) {
   const std::shared_ptr<QueueState> state = state_;

@@ -14,33 +14,33 @@ class QueueState;
 
 /// A queue of operations that run in the background in the order in which they were added.
 ///
-/// All queues share a few threads, started when first needed: as many as there are queues with work
-/// at one time, at most 8. An operation that hangs, on a dead disk for instance, thus holds up its
-/// own queue and one thread, not the others. An idle queue takes a few hundred bytes.
+/// All queues share a few threads, started when first needed: one for each queue that has work, at
+/// most 8. An operation that hangs, on a dead disk for instance, thus holds up its own queue and
+/// one thread, not the others. An idle queue takes a few hundred bytes.
 ///
-/// Dropping a queue cancels nothing: what was added runs to its end, and each operation must own
-/// what it works on. A queue may be dropped by one of its own operations.
+/// Destroying a queue cancels nothing: what was added still runs, and each operation must own what
+/// it works on. A queue may be destroyed by one of its own operations.
 ///
 /// When the process ends by returning from `main` or by `std::exit`, the end begins with the
-/// destructors of static objects. What was added before then, to whichever queue, runs before the
-/// process is gone, so an operation that never ends keeps the process. Nothing that other threads
-/// do does. From then on:
+/// destructors of static objects. What was added before then, to any queue, runs before the process
+/// is gone, so an operation that never ends keeps the process alive. Work of other threads does
+/// not. From then on:
 /// - What these operations add runs too, behind them, up to as many as there were and a thousand
-///   more; so an operation that adds itself again and again does not keep the process.
+///   more; so an operation that adds itself repeatedly does not keep the process alive.
 /// - What any other thread adds runs on that thread before the call returns, unless its queue has
-///   something to do. Then it runs behind that, by whichever thread, if the process is still there.
-/// - `removeOperation` takes back nothing that was added before.
+///   work. Then it runs behind that work, on any thread, if the process still exists.
+/// - `removeOperation` does not take back what was added before.
 /// - `waitUntilAllOperationsAreFinished` does not wait for what is added after the call.
 ///
 /// Operations that destructors of static objects add later run on the adding thread before the call
 /// returns. Objects of static storage made after the first queue are gone when the last operations
 /// run. `std::_Exit`, `std::quick_exit` and `abort` wait for nothing. Forking is not supported: a
-/// child must not use queues, and neither runs nor awaits what its parent added.
+/// child process must not use queues; it neither runs nor awaits what its parent added.
 ///
 /// Every member function may be called from any thread, from inside an operation too.
 class VELWHITEBOARD_EXPORT OperationQueue {
  public:
-  /// An operation that was made before it is added, so that adding it needs no memory.
+  /// An operation that is made before it is added, so that adding it needs no memory.
   class Operation;
   using OperationPtr = std::shared_ptr<Operation>;
 
@@ -64,9 +64,9 @@ class VELWHITEBOARD_EXPORT OperationQueue {
   ///
   /// An exception that leaves the operation is swallowed, and the queue goes on with the next. What
   /// the operation holds is released as soon as it has run, before it counts as finished. When the
-  /// system grants the process no background thread at all, the operation runs on the adding thread
-  /// before the call returns; one that an operation adds there runs behind it. So never add while
-  /// holding a lock that the operation takes.
+  /// system grants no background thread at all, the operation runs on the adding thread before the
+  /// call returns; an operation that it adds runs after it. So never add an operation while holding
+  /// a lock that it takes.
   void addOperation(const OperationPtr& operation) noexcept;
 
   /// Takes an operation back. True: it had not begun, and will not run; what it holds is released
@@ -79,8 +79,8 @@ class VELWHITEBOARD_EXPORT OperationQueue {
   /// not affected.
   void setMaxConcurrentOperationCount(int count);
 
-  /// Returns when the queue is empty and nothing of it runs; operations added meanwhile are waited
-  /// for, too. Inside an operation of this very queue it returns at once: waiting for itself would
+  /// Returns when the queue is empty and none of its operations runs; operations added meanwhile
+  /// are awaited, too. Inside an operation of this queue it returns at once, since waiting would
   /// never end.
   void waitUntilAllOperationsAreFinished();
 
@@ -92,8 +92,8 @@ class VELWHITEBOARD_EXPORT OperationQueue {
   /// operations of other queues take their time. False while the process ends.
   bool isWaitingForThread() const noexcept;
 
-  /// Called by an operation, on the thread that runs it: the work goes on, for instance because a
-  /// block was written. Costs next to nothing. Outside operations it has no effect.
+  /// Called by an operation, on the thread that runs it, to report that the work goes on, for
+  /// instance because a block was written. Very cheap. Has no effect outside operations.
   static void reportProgress() noexcept;
 
   /// Whether the calling thread is inside an operation of this queue.

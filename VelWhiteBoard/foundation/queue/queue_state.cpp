@@ -68,8 +68,8 @@ void QueueState::add(OperationPtr operation) noexcept {
   if (!self_) self_ = shared_from_this();
   threads_.settle(*this);
   if (helpers_ > 0) changed_.notifyAll();
-  // Inside an operation its thread works on when the operation has ended. Run at once, operations
-  // that add one another would pile up on the stack.
+  // Called inside an operation: the same thread runs this one after that operation has ended.
+  // Operations that add one another and ran at once would use up the stack.
   if (frame == nullptr && !threads_.runInBackground(added)) threads_.workHere(*this, added);
 }
 
@@ -105,7 +105,7 @@ void QueueState::runFirst() {
     try {
       operation->work();
     } catch (...) {
-      // There is no caller to hear of it, and the operations behind this one must run all the same.
+      // There is no caller to report it to, and the operations behind this one must still run.
     }
     operation->work = nullptr;
   }
@@ -133,9 +133,9 @@ void QueueState::waitUntilIdle() {
   const MutexHold hold(SharedThreads::mutex);
   const std::uint64_t number = threads_.lastNumber();
   while (!isWaitOver(number)) {
-    // A thread that waits inside an operation works on nothing else. If all of them waited for
-    // queues that none of them runs, they would never end; so each runs the queue that it
-    // waits for. At the end there may be no other thread that does.
+    // A thread that waits inside an operation runs nothing else. If every thread waited for a queue
+    // that no thread runs, all would wait without end, so each runs the queue that it waits for.
+    // While the process ends there may be no other thread to do so.
     const bool helps = isInsideAnother || threads_.isEnding();
     if (helps && canStart()) {
       runFirst();

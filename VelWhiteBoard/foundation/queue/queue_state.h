@@ -15,9 +15,9 @@
 
 namespace VelWhiteBoard {
 
-/// What stands behind an `OperationQueue`; see there for what its operations promise.
+/// The implementation of an `OperationQueue`; see there for the contract of its operations.
 ///
-/// Owned by its queue and, while it has operations, by itself; so it lives until the last of them
+/// Owned by its queue and, while it has operations, by itself, so it lives until the last of them
 /// has run. Make it with `std::make_shared`. The caller of a member function keeps it alive.
 class QueueState : public std::enable_shared_from_this<QueueState> {
  public:
@@ -40,10 +40,10 @@ class QueueState : public std::enable_shared_from_this<QueueState> {
   static void reportProgress() noexcept;
   bool isThisThreadInside() const noexcept;
 
-  /// Whether an operation waits that may run now.
+  /// Whether a waiting operation may start now.
   bool canStart() const VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
-  /// Runs the first operation on this thread, without the lock. The caller settles the queue
-  /// afterwards.
+  /// Runs the first operation on this thread and releases the lock meanwhile. The caller settles
+  /// the queue afterwards.
   void runFirst() VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
 
   /// For a thread that will never return to the operations it is inside of, because one of them
@@ -55,10 +55,10 @@ class QueueState : public std::enable_shared_from_this<QueueState> {
   class Frame;
 
   bool isIdle() const VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
-  /// Whether a thread that began to wait when `number` was the last operation has waited enough.
+  /// Whether a thread that began to wait when `number` was the last operation may stop waiting.
   bool isWaitOver(std::uint64_t number) const VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
   void wait(bool helps) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
-  /// The operation has run or was removed: tells those who wait for that.
+  /// To be called when the operation has run or was removed; wakes the threads that wait for it.
   void dismiss(Operation& operation) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
   void finish(Operation& operation) VELWHITEBOARD_REQUIRES(SharedThreads::mutex);
 
@@ -73,8 +73,9 @@ class QueueState : public std::enable_shared_from_this<QueueState> {
   std::size_t waiters_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;
   std::size_t helpers_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = 0;
 
-  // The queue's element of the lists of queues that have work, made with the queue so that entering
-  // them allocates nothing. `list_` is where it stands, `place_` when the queue has no work.
+  // The queue's node in the lists of queues that have work, made with the queue so that joining a
+  // list allocates nothing. `list_` is the list that holds the node; it is `place_` when the queue
+  // has no work.
   SharedThreads::Queues place_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex);
   SharedThreads::Queues* list_ VELWHITEBOARD_GUARDED_BY(SharedThreads::mutex) = &place_;
   const SharedThreads::Queues::iterator position_;

@@ -1,5 +1,5 @@
 /// @file
-/// The semaphore that guards shared state, and the safe way to wait on it.
+/// The semaphore that guards shared state, and how to wait for it safely.
 #pragma once
 
 #include <chrono>
@@ -13,13 +13,13 @@ namespace VelWhiteBoard {
 /// re-entrant.
 using Semaphore = std::counting_semaphore<>;
 
-/// Takes one from the semaphore, waiting as long as that takes. Use it instead of `acquire`.
+/// Decrements the semaphore, waiting without limit until it can. Use it instead of `acquire`.
 ///
 /// The `acquire` of GCC 12's library can miss its wake-up: it reads the value to sleep on before it
-/// tests whether it may go on, so a signal that arrives in between lets it sleep beside a free
-/// semaphore, for ever if no other signal follows. A wait with a limit wakes up and looks again,
-/// so the loop turns a missed wake-up from a hang into a millisecond. Without contention the first
-/// `try_acquire` succeeds and no clock is read.
+/// tests whether it may go on, so when a signal arrives in between it sleeps although the semaphore
+/// is free, without end if no other signal follows. A wait with a timeout wakes up and tests again,
+/// so the loop turns a missed wake-up from a hang into a delay of a millisecond. Without contention
+/// the first `try_acquire` succeeds and no clock is read.
 inline void waitOn(Semaphore& semaphore) {
   constexpr std::chrono::milliseconds kLongestSleep{1};
   if (semaphore.try_acquire()) return;

@@ -9,8 +9,8 @@
 namespace VelWhiteBoard {
 namespace {
 
-// How many operations that were added during the end it waits for, beyond the number that there
-// were before it: an operation may add itself again without end.
+// How many operations added during the end are awaited, beyond as many as were added before it. An
+// operation may add itself again without end.
 constexpr std::size_t kMostFollowUps = 1000;
 
 }  // namespace
@@ -21,7 +21,7 @@ constinit Mutex SharedThreads::mutex;
 
 SharedThreads::SharedThreads(std::size_t maxThreads, ThreadStarter startThread)
     : maxThreads_(maxThreads), startThread_(std::move(startThread)) {
-  workers_.reserve(maxThreads_);  // so that starting a thread moves none
+  workers_.reserve(maxThreads_);  // so that starting a thread moves no other
 }
 
 SharedThreads::~SharedThreads() { drain(); }
@@ -70,8 +70,8 @@ void SharedThreads::grow() {
     worker.thread = startThread_ ? startThread_(work) : std::thread(work);
     ++idle_;
   } catch (...) {
-    // The system grants no more threads. Those there are do the work, or the adding thread when
-    // there are none.
+    // The system grants no more threads. The existing ones do the work; without any, the adding
+    // thread does it.
     workers_.pop_back();
   }
 }

@@ -16,20 +16,20 @@ namespace VelWhiteBoard {
 
 class QueueState;
 
-/// The queues that have work, and the threads that do it: one operation a turn, then the next
+/// The queues that have work, and the threads that run it: one operation of a queue, then the next
 /// queue.
 ///
-/// A thread is started when an operation would have to wait for one and the bound allows:
-/// operations write files, any of which may hang on a dead disk, and nothing tells a thread that
-/// hangs from one that is busy. Threads stay until `drain`; a sleeping one costs little. The bound
+/// A thread is started when an operation would otherwise have to wait for one, up to the maximum:
+/// operations write files, any of which may hang on a dead disk, and a thread that hangs cannot be
+/// told from a busy one. Threads stay until `drain`; a sleeping one costs little. The maximum
 /// limits how many threads a dead disk can block.
 ///
-/// One lock guards the threads, the queues and the operations. It is held for moments only, never
-/// while an operation runs. Every member function may be called from any thread, operations too.
+/// One lock guards the threads, the queues and the operations. It is held briefly, never while an
+/// operation runs. Every member function may be called from any thread, inside operations too.
 ///
 /// The end begins with `drain`. It waits for the operations that were added before, and for a
 /// bounded number of those that these add: the *awaited* operations. All others are *late*. An idle
-/// thread runs late operations when no queue has an awaited one to start; the end waits for none of
+/// thread runs late operations when no queue has an awaited one to start; the end does not wait for
 /// them.
 class SharedThreads {
  public:
@@ -43,7 +43,7 @@ class SharedThreads {
   /// The one lock. A static member, so that the compiler can check who holds it.
   static Mutex mutex;
 
-  /// Outlives the queues, and late operations if there are any.
+  /// Must outlive the queues and any late operations.
   explicit SharedThreads(std::size_t maxThreads = kMaxThreads, ThreadStarter startThread = nullptr);
   ~SharedThreads();
   SharedThreads(const SharedThreads&) = delete;
@@ -52,12 +52,12 @@ class SharedThreads {
   // ---- For queues, which hold the lock
 
   /// An operation was added.
-  /// @param adder the operation that adds it; null when the thread is in none.
+  /// @param adder the operation that adds it; null when the thread is not inside an operation.
   void admit(Operation& operation, const Operation* adder) VELWHITEBOARD_REQUIRES(mutex);
   /// An admitted operation has run or was removed.
   void dismiss(const Operation& operation) VELWHITEBOARD_REQUIRES(mutex);
-  /// Brings the queue in or out of the lists of those that have work. To be called after each
-  /// change of what it may start.
+  /// Puts the queue into the lists of queues that have work, or takes it out. To be called after
+  /// each change of what it may start.
   void settle(QueueState& queue) VELWHITEBOARD_REQUIRES(mutex);
   /// The same after the queue has started an operation: its next one takes its turn behind the
   /// other queues.

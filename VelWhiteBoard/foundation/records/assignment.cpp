@@ -21,7 +21,7 @@ constexpr bool isNumber = std::is_same_v<T, std::int64_t> || std::is_same_v<T, s
                           std::is_same_v<T, double>;
 
 // One function per kind of property, each over all kinds of scalars. Each starts from the default,
-// so that what a key held before never counts.
+// so that an earlier value of the same key has no effect.
 
 void assignText(std::optional<std::string>& field, const Scalar& scalar) {
   field.reset();

@@ -13,8 +13,8 @@
 
 namespace VelWhiteBoard {
 
-/// Compares two names of properties. They are a few bytes long, so that a call to compare memory
-/// would cost more than the comparison.
+/// Compares two names of properties. They are so short that a call to `memcmp` would cost more than
+/// this loop.
 inline bool isSameName(std::string_view left, std::string_view right) {
   if (left.size() != right.size()) return false;
   for (std::size_t index = 0; index < left.size(); ++index) {
@@ -23,8 +23,8 @@ inline bool isSameName(std::string_view left, std::string_view right) {
   return true;
 }
 
-/// Finds the property of a name. Records list their keys in the order of the declaration nearly
-/// always, so the search starts where the last one ended.
+/// Finds properties by name. Keys nearly always come in the order of declaration, so each search
+/// starts where the last one ended.
 class PropertyFinder {
  public:
   explicit PropertyFinder(const RecordClass& recordClass) : properties_(recordClass.properties) {}
@@ -45,25 +45,27 @@ class PropertyFinder {
   std::size_t next_ = 0;
 };
 
-/// Puts a scalar into a property; one that the property cannot take puts it back to its default, as
-/// does null. Of a key that occurs twice only the last value counts, useful or not.
+/// Puts a scalar into a property. Null, and a scalar that the property cannot take, set it to its
+/// default. So of a key that occurs twice only the last value counts, even when the property cannot
+/// take it.
 void assign(const Property& property, Record& record, const Scalar& scalar);
 
-/// Puts any value into a property, likewise, and empties it. An array that a property of free-form
-/// values takes over must not be nested too deep.
+/// The same for any value, which is emptied. An array that a property of free-form values takes
+/// over must not be nested too deep.
 void assign(const Property& property, Record& record, Value&& value);
 
-/// Puts a value from outside into a property that is at its default. Free-form values that are
-/// nested too deep leave it there. Of a path, positions that are not arrays of numbers are dropped;
-/// of a list of records, elements that are not dictionaries, and each element is judged by itself.
+/// Puts a value from outside into a property that is at its default. A free-form value that is
+/// nested too deep changes nothing. In a path, positions that are not arrays of numbers are
+/// dropped; in a list of records, elements that are not dictionaries. Each element of such a list
+/// is checked separately.
 void assignFromOutside(const Property& property, Record& record, const Value& value);
 
-/// The path that an array of positions is; a position that is not an array of numbers is dropped.
+/// Converts an array of positions to a path; drops positions that are not arrays of numbers.
 Path pathWithArray(const Array& positions);
-/// Puts a path, as an array of positions, in the place of a null value.
+/// Replaces a null value by a path, as an array of positions.
 void putPath(Value& place, const Path& path);
 
-/// The value that says the same as a scalar.
+/// Converts a scalar to a value; a string is copied.
 Value valueWithScalar(const Scalar& scalar);
 /// A scalar that refers to `value`, which must not be an array, an object or binary.
 std::optional<Scalar> scalarWithValue(const Value& value);

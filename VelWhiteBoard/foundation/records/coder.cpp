@@ -10,17 +10,17 @@ namespace VelWhiteBoard {
 
 namespace {
 
-/// What CBOR calls the first three bits of an item.
+/// The first three bits of a CBOR item, its major type.
 enum class Major : std::uint8_t { natural, negative, bytes, text, array, map, tag, other };
-// The rest of the byte: a number below 24 stands for itself, otherwise it tells how many bytes hold
-// it.
+// The other five bits: a number below 24 is the argument itself; a higher one says how many bytes
+// follow with it.
 constexpr std::uint8_t kOneByte = 24;
 constexpr std::uint8_t kEightBytes = 27;
 
-// Walks an archive without building anything: that it is whole and nested no deeper than a value
-// may be. The reader that builds the values recurses on nesting, on texts in pieces and on tags, so
-// it may only see bytes that passed; pieces, tags and items of no stated length are never written
-// here.
+// Checks an archive without building anything: that it is complete and nested no deeper than a
+// value may be. The decoder recurses on nesting, on chunked strings and on tags, so it may only see
+// bytes that passed. Chunks, tags and items of indefinite length are refused: they are never
+// written here.
 class ArchiveCheck {
  public:
   explicit ArchiveCheck(std::string_view data) : rest_(data) {}
@@ -79,7 +79,7 @@ class ArchiveCheck {
   }
 
   std::string_view rest_;
-  /// Of each container that is open, outermost first, how many items are still to come.
+  /// For each open container, outermost first: how many items are still to come.
   std::vector<std::uint64_t> open_;
 };
 
@@ -92,7 +92,7 @@ Value parse(std::string_view data) {
   }
 }
 
-/// Adds the head of an item: what it is, and its length or value in as few bytes as it takes.
+/// Adds the head of an item: its major type, and its length or value in as few bytes as possible.
 void appendHead(std::string& bytes, Major major, std::uint64_t argument) {
   const auto kind = static_cast<unsigned>(major) << 5U;
   if (argument < kOneByte) {
@@ -109,7 +109,7 @@ void appendHead(std::string& bytes, Major major, std::uint64_t argument) {
   }
 }
 
-/// Replaces what no archive carries in `value`, which nests no deeper than a value may.
+/// Replaces in `value` what an archive cannot hold. `value` must not be nested too deep.
 void replaceBinary(Value& value) {
   if (value.is_binary() || value.is_discarded()) value = nullptr;
   if (!value.is_structured()) return;
@@ -126,7 +126,8 @@ Coder::Coder(std::string_view data) {
 
 Coder::~Coder() { dismantle(values_); }
 
-// The map by hand, its members by the library: as a whole they would have to be copied first.
+// Writes the map itself and its members through the library; to write the whole through it would
+// take a copy first.
 std::string Coder::data() const {
   std::string bytes;
   appendHead(bytes, Major::map, values_.size());

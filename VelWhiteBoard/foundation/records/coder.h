@@ -18,18 +18,17 @@ namespace VelWhiteBoard {
 ///     auto same = VelWbVecLine::initWithCoder(Coder(bytes));
 ///
 /// Unlike the dictionary form it keeps every number, NaN and the infinities included, and every
-/// byte of every string. It says nothing about the class of the record, which the caller has to
-/// know. The bytes are CBOR (RFC 8949), a map from property name to value.
+/// byte of every string. It does not hold the class of the record, which the caller must know. The
+/// bytes are CBOR (RFC 8949), a map from property name to value.
 ///
-/// What an archive does not carry becomes null, and everything beside it survives: binary values,
-/// wherever they stand in a value, and a value that nests arrays and objects deeper than 256
-/// levels, as a whole.
+/// What an archive cannot hold becomes null: each binary value, at any place in a value, and the
+/// whole of a value that nests arrays and objects deeper than 256 levels. Everything else is kept.
 ///
 /// One archive holds one record: encoding a second record into it leaves keys of the first that the
 /// second record's class does not declare.
 ///
-/// Memory: an operation that cannot get any throws `std::bad_alloc` and leaves the archive as it
-/// was; `Record::encodeWithCoder` may then have stored some of its properties.
+/// Memory: an operation that runs out of memory throws `std::bad_alloc` and leaves the archive as
+/// it was; `Record::encodeWithCoder` may then have stored some of its properties.
 ///
 /// Threads: one archive is used by one thread at a time.
 ///
@@ -38,8 +37,8 @@ class VELWHITEBOARD_EXPORT Coder {
  public:
   /// An empty archive.
   Coder() = default;
-  /// The archive that `data()` gave. Bytes that are not an archive, or that are damaged or cut
-  /// short anywhere, give an empty archive.
+  /// The archive from the bytes of `data()`. Bytes that are damaged, cut short or not an archive
+  /// give an empty one.
   explicit Coder(std::string_view data);
 
   Coder(const Coder& other) = default;
@@ -54,9 +53,10 @@ class VELWHITEBOARD_EXPORT Coder {
   /// Stores `value` under `key`, replacing what was there. `key` is any string, usually the name of
   /// a property.
   void encode(std::string_view key, Value value);
-  /// Takes away what is under `key`, if anything.
+  /// Removes what is under `key`, if anything.
   void remove(std::string_view key);
-  /// The value under `key`; null when there is none. Valid until the archive changes or ends.
+  /// The value under `key`; null when there is none. Valid until the archive changes or is
+  /// destroyed.
   const Value* decode(std::string_view key) const;
   /// Everything in the archive, by key. Valid as long as the archive.
   const Dictionary& values() const { return values_; }

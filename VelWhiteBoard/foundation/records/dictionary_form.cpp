@@ -33,8 +33,8 @@ RecordList recordsAt(const RecordClass& asked, const Array& array, std::size_t d
   return records;
 }
 
-/// Each value is measured by itself: what is nested too deep in one element of a list costs the
-/// others nothing.
+/// The depth of each value is checked separately: one element of a list that is nested too deep
+/// does not affect the others.
 void assignAt(const Property& property, Record& record, const Value& value, std::size_t depth) {
   if (const auto scalar = scalarWithValue(value)) return assign(property, record, *scalar);
   const auto* const array = value.get_ptr<const Array*>();
@@ -78,7 +78,7 @@ void put(Value& place, const Path& field) {
 
 void putElements(Value& place, const Array& field, std::size_t depth);
 
-/// A copy in which what JSON cannot say is null, as in the text.
+/// A copy in which what JSON cannot express is null, as in the text.
 void putFree(Value& place, const Value& value, std::size_t depth) {
   if (value.is_structured() && depth > kMaximumValueDepth) return;
   if (value.is_binary() || value.is_discarded()) return;

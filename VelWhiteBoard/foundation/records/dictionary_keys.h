@@ -1,5 +1,5 @@
 /// @file
-/// The keys of a dictionary at hand, for the rule that chooses a record's class.
+/// The keys of a `Dictionary`, for the rule that chooses a record's class.
 #pragma once
 
 #include <optional>

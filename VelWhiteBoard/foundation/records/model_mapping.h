@@ -8,26 +8,26 @@
 /// Strings are UTF-8: in both forms U+FFFD takes the place of bytes that are not. The record itself
 /// is not changed.
 ///
-/// Reading never fails on a value, it keeps the property's default instead. It is lenient where it
-/// can be without guessing: for a string property a number becomes its shortest decimal text; for a
-/// number property a string that is a JSON number becomes that number and a boolean 0 or 1; a
-/// boolean property takes a number (not 0 is true) and "true" or "false"; null is null, 0 or false.
-/// An integer property cuts a fraction off toward zero and stops at the ends of its range. A
-/// position of a path that is not an array of numbers is dropped. Keys that name no property are
-/// ignored. A property's value that nests arrays and objects deeper than 256 levels is ignored, and
-/// so is what is nested under an unknown key; in a list of records each element is judged by
-/// itself.
+/// Reading never fails because of a value; the property keeps its default instead. Values are
+/// converted where that takes no guessing: for a string property a number becomes its shortest
+/// decimal text; for a number property a string that is a JSON number becomes that number and a
+/// boolean 0 or 1; a boolean property takes a number (not 0 is true) and "true" or "false"; null is
+/// null, 0 or false. An integer property cuts a fraction off toward zero and stops at the ends of
+/// its range. A position of a path that is not an array of numbers is dropped. Keys that name no
+/// property are ignored. A property's value that nests arrays and objects deeper than 256 levels is
+/// ignored, and so is everything under an unknown key. In a list of records each element is checked
+/// separately.
 ///
 /// An integer in a JSON text that does not fit 64 bits, signed or unsigned, is read as the nearest
 /// real number; a number beyond the range of a double is read as null. A leading byte order mark is
 /// skipped. Half a pair of surrogates is read as U+FFFD.
 ///
-/// The class that is read back is chosen by the keys that are there. A number that was left out
-/// because JSON cannot carry it may thus change the class: a diagram whose `radiusX` is NaN comes
+/// The class that is read back is chosen by the keys that are present. So a number that was left
+/// out because JSON cannot express it may change the class: a diagram whose `radiusX` is NaN comes
 /// back as one without radii, a box of unknown type whose `w` is NaN as a point.
 ///
-/// Memory: what cannot get any throws std::bad_alloc; a text or dictionary is never taken for a
-/// damaged one on that account.
+/// Memory: an operation that runs out of memory throws std::bad_alloc; it never reports a text or
+/// dictionary as damaged for that reason.
 ///
 /// Threads: all functions may be called from any thread, on distinct records.
 #pragma once
@@ -44,7 +44,7 @@
 
 namespace VelWhiteBoard {
 
-/// A record from its dictionary form, of the class that the decoding rule of `asked` chooses.
+/// A record from its dictionary form. The decoding rule of `asked` chooses its class.
 VELWHITEBOARD_EXPORT std::shared_ptr<Record> recordWithDictionary(const RecordClass& asked,
                                                                   const Dictionary& dictionary);
 /// The same from the text of a JSON object; null when `text` is not one.
@@ -64,8 +64,8 @@ VELWHITEBOARD_EXPORT void appendJSON(const Record& record, std::string& text);
 
 namespace model_mapping {
 
-/// The class whose pointer answers when a `T` was asked for: another class of the family may have
-/// been chosen, so a family says its root by declaring `ModelRoot`.
+/// The class that the pointer returned for a `T` refers to. The rule may have chosen another class
+/// of the family, so a family names its root by declaring `ModelRoot`.
 template <class T>
 struct Root {
   using Type = T;
@@ -88,7 +88,8 @@ std::vector<std::shared_ptr<typename Root<T>::Type>> cast(const RecordList& reco
 
 }  // namespace model_mapping
 
-/// What asking for a `T` answers: `VectorPtr` for every vector class, otherwise `shared_ptr<T>`.
+/// The type that is returned for a `T`: `VectorPtr` for every vector class, otherwise
+/// `shared_ptr<T>`.
 template <class T>
 using ModelPointer = std::shared_ptr<typename model_mapping::Root<T>::Type>;
 

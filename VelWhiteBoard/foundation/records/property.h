@@ -1,5 +1,6 @@
 /// @file
-/// The properties of records: each is declared once, everything generic is derived from it.
+/// The properties of records. Each is declared once; all generic operations are derived from
+/// it.
 ///
 /// A record class lists its properties, its base's first:
 ///
@@ -45,7 +46,7 @@ enum class PropertyKind : std::uint8_t {
   records,          ///< `std::optional<std::vector<std::shared_ptr<T>>>`, T a record class
 };
 
-/// How generic code reaches a list of records, whose element type it does not know.
+/// How generic code accesses a list of records, whose element type it does not know.
 struct RecordListAccess {
   const RecordClass& (*elementClass)();
   std::optional<RecordList> (*get)(const Record& record);
@@ -72,7 +73,7 @@ struct Property {
   }
 };
 
-/// A property as a record class declares it: which member, under which name.
+/// A property as a record class declares it: a member and its name.
 template <auto Member>
 struct DeclaredProperty {
   std::string_view name;
@@ -84,7 +85,7 @@ constexpr DeclaredProperty<Member> property(std::string_view name) {
   return {name};
 }
 
-/// The kind of a member type; other types are no property types.
+/// The kind of a member type; other types cannot be properties.
 template <class Field>
 struct PropertyKindOf;
 template <>

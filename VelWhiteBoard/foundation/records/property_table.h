@@ -1,5 +1,5 @@
 /// @file
-/// Turns the properties that a record class declares into the table that generic code reads.
+/// Makes the table that generic code reads from the properties that a record class declares.
 #pragma once
 
 #include <array>
@@ -90,8 +90,8 @@ inline constexpr auto table = make<T>();
 
 }  // namespace property_table
 
-/// The class object of `T`; to be kept in one static object. The rule that chooses a class for a
-/// dictionary is the base's; a root names its own.
+/// The class object of `T`, to be kept in one static object. A class inherits its base's rule for
+/// choosing a class; `customClass` and `propertyOfFamily` are for roots.
 template <class T>
 constexpr RecordClass makeRecordClass(
     std::string_view name, const RecordClass* base,

@@ -11,9 +11,9 @@
 
 namespace VelWhiteBoard {
 
-/// Calls `function` with the field that `property` names in `record`, in its own type; a list of
-/// records comes as `std::optional<RecordList>`, whatever its elements are. Answers what the
-/// function answers.
+/// Calls `function` with the field of `record` that `property` describes, in its own type; a list
+/// of records comes as `std::optional<RecordList>`, whatever its elements are. Returns what the
+/// function returns.
 template <class Function>
 decltype(auto) visitField(const Property& property, const Record& record, Function&& function) {
   switch (property.kind) {
@@ -37,8 +37,8 @@ decltype(auto) visitField(const Property& property, const Record& record, Functi
   return function(property.list->get(record));
 }
 
-/// Calls `function` with the field when the dictionary form writes it: absent strings and arrays
-/// are left out, and so is a number that JSON cannot carry. The function sees what is inside the
+/// Calls `function` with the field if the dictionary form includes it: absent strings and arrays
+/// are left out, and so are numbers that are not finite. The function gets the content of an
 /// optional.
 template <class Function>
 void visitWrittenField(const Property& property, const Record& record, Function&& function) {

@@ -12,6 +12,7 @@
 #include "VelWhiteBoard/foundation/text/number_text.h"
 #include "VelWhiteBoard/foundation/text/text.h"
 #include "VelWhiteBoard/foundation/values/safe_values.h"
+#include "VelWhiteBoard/foundation/values/same_number.h"
 
 namespace VelWhiteBoard {
 
@@ -23,9 +24,7 @@ template <class Field>
 bool sameField(const Field& left, const Field& right) {
   return left == right;
 }
-bool sameField(double left, double right) {
-  return left == right || (left != left && right != right);
-}
+bool sameField(double left, double right) { return sameNumber(left, right); }
 bool sameField(const std::optional<Array>& left, const std::optional<Array>& right) {
   if (left.has_value() != right.has_value()) return false;
   return !left || std::equal(left->begin(), left->end(), right->begin(), right->end(), sameValue);

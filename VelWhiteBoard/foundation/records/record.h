@@ -1,5 +1,5 @@
 /// @file
-/// What every record can do: copies, equality, hash, description, archive.
+/// The common operations of records: copy, equality, hash, description, archive.
 #pragma once
 
 #include <concepts>
@@ -20,7 +20,7 @@ namespace VelWhiteBoard {
 
 class Coder;
 
-/// What the rule that chooses a record's class may ask of a dictionary.
+/// What the rule that chooses a record's class may ask about a dictionary.
 class DictionaryKeys {
  public:
   /// Whether the key is there, whatever its value, null included.
@@ -44,7 +44,7 @@ struct RecordClass {
   std::span<const Property> properties;
   /// A new record of this class in its initial state.
   std::shared_ptr<Record> (*create)();
-  /// Chooses the class for a dictionary when `asked` was asked for; null: always the one asked for.
+  /// Chooses the class for a dictionary when `asked` is requested; null: always the requested one.
   const RecordClass& (*customClass)(const DictionaryKeys& keys, const RecordClass& asked);
   /// Root classes only: looks `name` up in every class that the rule can choose; the property, or
   /// null. Null itself in other classes, and where there is no such rule.
@@ -67,7 +67,7 @@ struct RecordClass {
 ///
 /// A record is a plain object with public properties. It takes no lock: a record must not be
 /// changed while another thread uses it. Operations that change a record either have their whole
-/// effect or, when they throw std::bad_alloc, none.
+/// effect or, when they throw std::bad_alloc, no effect.
 ///
 /// Clients do not derive classes from it.
 class VELWHITEBOARD_EXPORT Record {
@@ -86,10 +86,10 @@ class VELWHITEBOARD_EXPORT Record {
   /// The exclusive-or of the hashes of all properties; equal records have equal hashes.
   std::uint64_t hash() const;
 
-  /// A readable listing of the class and all properties, for people; its form may change.
+  /// A listing of the class and all properties for human readers; its format may change.
   std::string description() const;
 
-  /// Puts every property into the archive, under its name; the name of an absent one is taken out.
+  /// Puts every property into the archive, under its name. The entry of an absent one is removed.
   void encodeWithCoder(Coder& coder) const;
 
   /// Moves every property of `from`, a record of exactly the same class, into this record. Needs no
@@ -115,11 +115,12 @@ class VELWHITEBOARD_EXPORT Record {
 VELWHITEBOARD_EXPORT std::map<std::string, const RecordClass*> containerClasses(
     const RecordClass& recordClass);
 
-/// Reads every property of the record back from the archive, by name. What the archive lacks stays
-/// as it is; a value that the property cannot take puts it back to its default.
+/// Reads every property of the record back from the archive, by name. A property that the archive
+/// lacks stays as it is; a value that the property cannot take sets it to its default.
 VELWHITEBOARD_EXPORT void decodeWithCoder(Record& record, const Coder& coder);
 
-/// What each record class gets by being declared as `class Self : public RecordOf<Self, Base>`.
+/// Provides the common operations to a class declared as `class Self : public RecordOf<Self,
+/// Base>`.
 ///
 /// `Self` provides `static const RecordClass& ownClass()` and `properties(visit)`.
 template <class Self, class Base>
@@ -127,7 +128,8 @@ class RecordOf : public Base {
  public:
   const RecordClass& recordClass() const override { return Self::ownClass(); }
 
-  /// A new record with the properties of the archive; what the archive lacks stays at its default.
+  /// A new record with the properties of the archive; a property that the archive lacks keeps its
+  /// default.
   static std::shared_ptr<Self> initWithCoder(const Coder& coder) {
     auto record = std::make_shared<Self>();
     decodeWithCoder(*record, coder);

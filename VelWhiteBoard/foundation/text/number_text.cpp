@@ -9,7 +9,7 @@ namespace VelWhiteBoard {
 
 namespace {
 
-/// Within these bounds plain digits are what people and strict readers expect.
+/// Between these bounds numbers are written as plain digits, as human and strict readers expect.
 constexpr double kSmallestPlain = 1e-4;
 constexpr double kPlainBelow = 1e16;
 
@@ -42,7 +42,7 @@ std::optional<Scalar> integer(std::string_view text) {
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
-/// Moves past digits; tells whether there was one.
+/// Skips digits; returns whether there was one.
 bool skipDigits(std::string_view& text) {
   std::size_t count = 0;
   while (count < text.size() && isDigit(text[count])) ++count;
@@ -58,8 +58,8 @@ bool skip(std::string_view& text, std::string_view anyOf) {
 
 /// Whether a number that no double can hold is too small for one, rather than too large.
 ///
-/// Told by the place of its first digit that is not 0: behind the point, once the exponent has
-/// moved it there. `text` is a number, so digits, one point and an exponent are all it has.
+/// Decided by the place of its first digit that is not 0: after the point, once the exponent is
+/// applied. `text` is a number, so it consists of digits, at most one point and an exponent.
 bool isTooSmall(std::string_view text) {
   constexpr std::int64_t kFarBeyond = 1'000'000'000'000'000;  // no text is long enough to reach it
   const std::size_t mark = text.find_first_of("eE");
@@ -82,8 +82,8 @@ bool isTooSmall(std::string_view text) {
   return place + exponent <= 0;
 }
 
-/// `from_chars` reports a number that is too small for a double like one that is too large; the
-/// former is 0, or the nearest to it, for everybody else.
+/// `from_chars` reports the same error for a number that is too small for a double as for one that
+/// is too large. One that is too small becomes 0, as in other readers.
 std::optional<double> real(std::string_view text) {
   double number = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -137,7 +137,7 @@ bool isNumberInJSON(std::string_view text) {
 
 std::optional<Scalar> numberWithJSON(std::string_view text) {
   if (!isNumberInJSON(text)) return std::nullopt;
-  if (text.find_first_of(".eE") == std::string_view::npos) {
+  if (looksLikeInteger(text)) {
     if (auto number = integer(text)) return number;
   }
   if (const auto number = real(text)) return Scalar(*number);
@@ -147,8 +147,7 @@ std::optional<Scalar> numberWithJSON(std::string_view text) {
 std::optional<Scalar> integerWithPropertyList(std::string_view text) {
   text = withoutPlus(text);
   if (auto number = integer(text)) return number;
-  // Too large for 64 bits: the nearest real number, so that the property that takes it stops at its
-  // end.
+  // Too large for 64 bits: the nearest real number, which an integer property limits to its range.
   std::string_view digits = text;
   skip(digits, "-");
   if (!skipDigits(digits) || !digits.empty()) return std::nullopt;

@@ -11,23 +11,22 @@
 
 namespace VelWhiteBoard {
 
-/// Adds the shortest text that reads back to exactly `number`, which must be finite: plain digits
-/// between 1e-4 and 1e16, scientific notation beyond; -0 is "-0.0", the only way that all readers
-/// keep its sign. Whole numbers have no fraction.
+/// Appends the shortest text that reads back to exactly `number`, which must be finite: plain
+/// digits between 1e-4 and 1e16, scientific notation beyond. -0 is "-0.0", the only form whose sign
+/// all readers keep. Other whole numbers have no fraction.
 void appendNumber(std::string& text, double number);
 void appendNumber(std::string& text, std::int64_t number);
 void appendNumber(std::string& text, std::uint64_t number);
 
-/// Whether `text`, a number that was written here, has neither fraction nor exponent, so that a
-/// JSON reader takes it for an integer.
+/// Whether `text`, which must be a number, has neither fraction nor exponent, so that a JSON reader
+/// takes it for an integer.
 bool looksLikeInteger(std::string_view text);
 
 /// Whether `text` as a whole is a number by the grammar of JSON, of whatever size.
 bool isNumberInJSON(std::string_view text);
 
-/// The number that `text` is as a whole, by the grammar of JSON: an integer where it is one and
-/// fits 64 bits, a real number otherwise. Absent when it is not a JSON number or beyond the range
-/// of a double.
+/// Parses the whole of `text` as a JSON number: to an integer if it is one and fits 64 bits,
+/// otherwise to a real number. Absent when it is not a JSON number or beyond the range of a double.
 std::optional<Scalar> numberWithJSON(std::string_view text);
 
 /// The same by the looser grammar of property lists: an integer may have a leading "+".

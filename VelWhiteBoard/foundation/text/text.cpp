@@ -17,13 +17,13 @@ constexpr std::uint8_t byteAt(std::string_view text, std::size_t index) {
 
 /// One step through a string that may not be UTF-8.
 struct Sequence {
-  /// Bytes to move on by: a whole character, or the longest start of one that is broken off.
+  /// Number of bytes to skip: a whole character, or the longest valid beginning of a truncated one.
   std::size_t length;
   bool valid;
 };
 
-/// What the first continuation byte may be after a given first byte; this is what rules out
-/// overlong forms, surrogates and characters beyond U+10FFFF.
+/// The range of the second byte after a given first byte. It excludes overlong forms, surrogates
+/// and characters beyond U+10FFFF.
 struct SecondByte {
   std::uint8_t lowest = 0x80;
   std::uint8_t highest = 0xBF;
@@ -59,7 +59,7 @@ Sequence nextSequence(std::string_view text) {
   return {wanted, true};
 }
 
-/// Per ASCII character: whether it goes into the text as it is.
+/// For each ASCII character: whether it needs no escape.
 using PlainTable = std::array<bool, 128>;
 
 constexpr PlainTable plainExcept(std::string_view exceptions) {
@@ -70,8 +70,8 @@ constexpr PlainTable plainExcept(std::string_view exceptions) {
   return table;
 }
 
-/// Copies `source`, handing what is not plain to `special`: ASCII characters that need an escape,
-/// and whole characters beyond ASCII. Broken UTF-8 is replaced.
+/// Copies `source`, and passes to `special` each ASCII character that needs an escape and each
+/// character beyond ASCII. Invalid UTF-8 is replaced.
 template <class Special>
 void appendEscaped(std::string& text, std::string_view source, const PlainTable& plain,
                    const Special& special) {
@@ -146,7 +146,7 @@ void appendXMLEscape(std::string& text, char character) {
       return;
     case '>':
       text += "&gt;";
-      return;  // so that "]]>" is no accident
+      return;  // so that "]]>" never occurs
     case '\t':
     case '\n':
       text += character;

@@ -5,13 +5,14 @@
 namespace VelWhiteBoard {
 namespace {
 
-// Null stands for the system's clocks, so that they are there before any static object is and cost
-// no virtual call.
+// Null means the system's clocks, which then work before any static object exists and cost no
+// virtual call.
 std::atomic<const ClockSource*> source{nullptr};
 
 double inSeconds(std::chrono::system_clock::time_point date) {
-  // Whole seconds and the rest are turned into doubles apart: as one count of nanoseconds the time
-  // would be rounded once more, which can move it across the hundredth that an identifier counts.
+  // Whole seconds and the rest are converted separately. As one count of nanoseconds the time would
+  // be rounded once more, which could move it to another hundredth of a second, the unit of
+  // identifiers.
   const auto sinceEpoch = date.time_since_epoch();
   const auto whole = std::chrono::duration_cast<std::chrono::seconds>(sinceEpoch);
   const std::chrono::duration<double> rest = sinceEpoch - whole;

@@ -1,5 +1,5 @@
 /// @file
-/// The two clocks: what time it is, and how much time has passed.
+/// The two clocks: the time of day, and elapsed time.
 #pragma once
 
 #include <chrono>
@@ -12,23 +12,23 @@ namespace VelWhiteBoard {
 /// Safe from any thread.
 VELWHITEBOARD_EXPORT double currentTime();
 
-/// The same moment in the clock's own resolution, for spans that are compared with exact limits.
-/// Safe from any thread.
+/// The wall clock in its own resolution, for comparing spans with exact limits. Safe from any
+/// thread.
 VELWHITEBOARD_EXPORT std::chrono::system_clock::time_point currentDate();
 
-/// The media clock: seconds that never run backwards and never jump, counted from a moment that is
-/// fixed for this process. Only differences mean anything. Safe from any thread.
+/// The media clock: seconds since a moment that is fixed for this process. It never runs backwards
+/// and never jumps; only differences are meaningful. Safe from any thread.
 VELWHITEBOARD_EXPORT double currentMediaTime();
 
-/// Where the two clocks read the time. Only tests and simulations derive from it: they let hours
-/// pass without waiting. Both functions may be called from any thread at once.
+/// The source of both clocks. Only tests and simulations derive from it, to let hours pass without
+/// waiting. Both functions may be called from any thread at once.
 class VELWHITEBOARD_EXPORT ClockSource {
  public:
   virtual ~ClockSource();
 
-  /// What `currentDate` answers, and `currentTime` in seconds.
+  /// The value of `currentDate`, and of `currentTime` in seconds.
   virtual std::chrono::system_clock::time_point wallTime() const = 0;
-  /// What `currentMediaTime` answers.
+  /// The value of `currentMediaTime`.
   virtual double mediaTime() const = 0;
 
  protected:
@@ -37,11 +37,12 @@ class VELWHITEBOARD_EXPORT ClockSource {
   ClockSource& operator=(const ClockSource&) = default;
 };
 
-/// Puts another source behind both clocks, for the whole process and for a scope; the end of the
-/// scope brings back the source from before. Scopes nest and must end in the reverse order.
+/// Replaces the source of both clocks in the whole process for a scope; the end of the scope
+/// restores the previous source. Scopes nest and must end in reverse order.
 ///
-/// Other threads may read the clocks meanwhile, and see either source while it changes. The source
-/// is not owned: it must outlive the scope and every reading that another thread began inside it.
+/// Other threads may read the clocks meanwhile; during the change they see either source. The
+/// source is not owned: it must outlive the scope and every reading that another thread began
+/// inside it.
 class VELWHITEBOARD_EXPORT ScopedClock {
  public:
   explicit ScopedClock(const ClockSource& source);

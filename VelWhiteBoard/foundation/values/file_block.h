@@ -1,5 +1,5 @@
 /// @file
-/// The pieces in which files are read and written.
+/// The blocks in which files are read and written.
 #pragma once
 
 #include <cstddef>
@@ -8,12 +8,12 @@
 
 namespace VelWhiteBoard {
 
-/// The largest piece that `FileSystem::read` hands over, and the size in which to write. Large
+/// The largest block that `FileSystem::read` passes on, and the recommended size for writing: large
 /// enough that the number of calls does not matter, small enough for any thread.
 inline constexpr std::size_t kFileBlockSize = 64 * 1024;
 
-/// Takes one piece of a file. On reading, false stops early. On writing, a false answer means that
-/// the write has failed already and that the rest need not be produced.
+/// Takes one block of a file. When reading, returning false stops early. When writing, false means
+/// that the write has failed and that the rest need not be produced.
 using BlockConsumer = std::function<bool(std::string_view block)>;
 
 }  // namespace VelWhiteBoard

@@ -16,8 +16,8 @@ struct Point {
   friend bool operator==(const Point&, const Point&) = default;
 };
 
-/// A width and a height, in the unit of the operation that takes or gives it. Nothing forbids a
-/// negative or zero size; what it means is said by the operation.
+/// A width and a height, in the unit of the operation that takes or gives it. A negative or zero
+/// size is allowed; the operation says what it means.
 struct Size {
   double width = 0;
   double height = 0;

@@ -1,10 +1,11 @@
 #include "VelWhiteBoard/foundation/values/path.h"
 
 #include <algorithm>
-#include <cmath>
 #include <memory>
 #include <new>
 #include <vector>
+
+#include "VelWhiteBoard/foundation/values/same_number.h"
 
 namespace VelWhiteBoard {
 
@@ -16,16 +17,12 @@ constexpr std::size_t kTriple = 3;
 /// that copying one never holds up a pen.
 constexpr std::size_t kChunkPositions = 1024;
 
-/// How many numbers a chunk of rows has room for that holds `taken` numbers and expects `positions`
-/// rows more, the next of `next` numbers. Rows are expected to be as long as the next one, within
-/// reason; a chunk never less than doubles, so that growing stays linear.
+/// The capacity, in numbers, for a chunk of rows that holds `taken` numbers and expects `positions`
+/// more rows, the next of `next` numbers. Assumes rows as long as the next one, up to a limit. A
+/// chunk at least doubles, so that growing takes linear time.
 std::size_t numbersFor(std::size_t positions, std::size_t taken, std::size_t next) noexcept {
   constexpr std::size_t kOrdinary = 4;
   return std::max(taken + positions * std::min(next, kOrdinary), 2 * taken + next);
-}
-
-bool sameNumber(double left, double right) noexcept {
-  return left == right || (std::isnan(left) && std::isnan(right));
 }
 
 }  // namespace
@@ -35,9 +32,9 @@ bool sameNumber(double left, double right) noexcept {
 // A chunk of triples holds nothing but their numbers. A chunk of rows, for positions of any length,
 // holds a table of where each row ends, and then the numbers of all rows.
 //
-// Several paths may share a chunk, each seeing the first positions of it. `used_` says how many
-// slots have been given away: a path that stands exactly there may claim the next slot, every other
-// one has to copy. Slots below a path's own size are never written again, so readers on other
+// Several paths may share a chunk, each seeing the first positions of it. `used_` is the number of
+// slots in use: a path that sees exactly that many positions may claim the next slot, every other
+// path has to copy. Slots below a path's own size are never written again, so readers on other
 // threads need no lock.
 //
 // Aligned so that the table or the numbers follow it directly.
@@ -63,7 +60,7 @@ class alignas(double) Path::Chunk {
   bool holdsRows() const noexcept { return holdsRows_; }
   /// Positions for which there is room.
   std::size_t capacity() const noexcept { return capacity_; }
-  /// Where the numbers of the position at `index` begin; where those of the one before it end.
+  /// Where the numbers of the position at `index` begin, and those of the one before it end.
   std::size_t startOf(std::size_t index) const noexcept {
     if (!holdsRows_) return index * kTriple;
     return index == 0 ? 0 : ends()[index - 1];
@@ -108,7 +105,8 @@ class alignas(double) Path::Chunk {
 
   void write(std::size_t index, Position position) noexcept {
     if (!holdsRows_) {
-      // One by one: they were often written a moment ago, and a wider read would wait for that.
+      // One by one: often they have just been written, and a wider load would wait for these
+      // stores.
       const double triple[kTriple] = {position[0], position[1], position[2]};
       std::copy_n(triple, kTriple, numbers() + index * kTriple);
       return;
@@ -206,7 +204,7 @@ Path::Position Path::operator[](std::size_t index) const noexcept {
   return lastChunkPosition(index % kChunkPositions);
 }
 
-/// The position at `index` of the newest chunk, or of what stands in for it.
+/// The position at `index` of the newest chunk, or `only_` when there is no chunk.
 Path::Position Path::lastChunkPosition(std::size_t index) const noexcept {
   return tail_ ? tail_->position(index) : Position(only_, kTriple);
 }
@@ -224,7 +222,7 @@ void Path::push_back(Position position) {
 }
 
 /// Adds a position that the tail cannot take. It may be a view into the tail, which therefore stays
-/// until the position has been copied. What can throw comes before anything changes.
+/// until the position has been copied. Everything that can throw comes before the first change.
 void Path::addElsewhere(std::size_t used, Position position) {
   if (used == 0 && !tail_ && position.size() == kTriple) {
     std::copy_n(position.data(), kTriple, only_);
@@ -238,7 +236,7 @@ void Path::addElsewhere(std::size_t used, Position position) {
 
 /// Makes the tail a full chunk and `first` the first position of a new tail.
 void Path::startChunk(Position first) {
-  // A new chunk starts small only for a path's first positions; a stroke this long goes on.
+  // Full size at once: only a path's first chunk starts small, since a stroke this long will go on.
   Shared<Chunk> fresh(
       first.size() == kTriple
           ? Chunk::makeTriples(kChunkPositions)

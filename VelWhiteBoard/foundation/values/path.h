@@ -13,19 +13,19 @@
 
 namespace VelWhiteBoard {
 
-/// The positions of a stroke, oldest first, as a value.
+/// The positions of a stroke, oldest first. A value type.
 ///
 /// A position is a short row of numbers: horizontal, vertical and usually the time of the position.
 /// Rows of three take 24 bytes each, and a single one needs no allocation. Rows of any other length
-/// are kept exactly, at 8 bytes a row more. The unit and the range of the numbers are the caller's
-/// business; NaN and the infinities are kept like any other number.
+/// are kept exactly and take 8 bytes more each. The caller decides on the unit and range of the
+/// numbers; NaN and the infinities are kept like any other number.
 ///
 /// Adding a position costs the same however long the path is, and so does copying a path: copies
-/// share the positions that they have in common, whatever the lengths of their rows. That is what
-/// lets a save take a stroke as it is at this instant while the pen goes on.
+/// share their common positions, whatever the lengths of their rows. So a save can keep the state
+/// of a stroke at one instant while the pen goes on.
 ///
-/// Memory: what cannot get any throws `std::bad_alloc` and leaves the path as it was. Copying,
-/// moving and swapping need none and never throw.
+/// Memory: an operation that runs out of memory throws `std::bad_alloc` and leaves the path as it
+/// was. Copying, moving and swapping need no memory and never throw.
 ///
 /// Threads: distinct paths may be used from distinct threads, copies of one path included. One path
 /// must not be changed while another thread uses it.
@@ -33,7 +33,8 @@ namespace VelWhiteBoard {
 /// Not meant as a base class.
 class VELWHITEBOARD_EXPORT Path {
  public:
-  /// One position: a view of its numbers. Valid until the path that gave it changes or ends.
+  /// One position: a view of its numbers. Valid until the path it belongs to changes or is
+  /// destroyed.
   using Position = std::span<const double>;
 
   class Iterator;
@@ -56,12 +57,12 @@ class VELWHITEBOARD_EXPORT Path {
   /// The newest position; the path must not be empty.
   Position back() const noexcept { return (*this)[size_ - 1]; }
 
-  /// Adds a position at the end. `position` may be a view into this very path.
+  /// Adds a position at the end. `position` may be a view into this path.
   void push_back(Position position);
   void push_back(std::initializer_list<double> position) {
     push_back(Position(position.begin(), position.size()));
   }
-  /// Makes room for a first run of `positions`, so that they are added without growing.
+  /// Allocates room for the first `positions` positions of an empty path.
   void reserve(std::size_t positions);
 
   inline Iterator begin() const noexcept;
@@ -110,14 +111,14 @@ class VELWHITEBOARD_EXPORT Path {
   void startChunk(Position first);
   Shared<Chunk> largerTail(std::size_t used, std::size_t numbersOfNext) const;
 
-  /// Whether the path is one triple that stands in `only_`. Pieces of a stroke are, nearly all.
+  /// Whether the path is one triple, stored in `only_`. Nearly all pieces of a stroke are.
   bool isInline() const noexcept { return size_ == 1 && !tail_; }
 
   std::size_t size_ = 0;
   double only_[3] = {};
   /// The newest positions, up to the length of a full chunk.
   Shared<Chunk> tail_;
-  /// The full chunks before them; null while there is none.
+  /// The full chunks before them; null when there are none.
   Shared<FullChunks> full_;
 };
 

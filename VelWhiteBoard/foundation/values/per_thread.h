@@ -1,5 +1,5 @@
 /// @file
-/// An object for each thread that can be used to the very end of the process.
+/// An object for each thread, usable until the process ends.
 #pragma once
 
 #include <utility>

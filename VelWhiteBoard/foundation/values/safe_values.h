@@ -2,8 +2,8 @@
 /// Free-form values that are copied and destroyed safely while memory runs out.
 ///
 /// The destructor of a value that nests arrays or objects asks for memory, and ends the process
-/// when there is none. So values are built in a place that is dismantled with the whole, and
-/// nothing is destroyed on the way.
+/// when there is none. So values are built inside an object that is dismantled as a whole, and no
+/// part is destroyed before.
 #pragma once
 
 #include <optional>
@@ -13,7 +13,7 @@
 
 namespace VelWhiteBoard {
 
-/// Dismantles a value when its scope ends, in whatever way it ends.
+/// Dismantles a value when the scope ends, by return or exception.
 class DismantledAtEnd {
  public:
   explicit DismantledAtEnd(Value& value) noexcept : value_(value) {}
@@ -28,7 +28,7 @@ class DismantledAtEnd {
 /// Copies the elements of `source` to the end of `copy`.
 inline void copyElements(const Array& source, Array& copy);
 
-/// Puts a copy of `source` in the place of a null value.
+/// Replaces a null value by a copy of `source`.
 inline void copyInto(Value& place, const Value& source) {
   if (const auto* const array = source.get_ptr<const Array*>()) {
     place = Array();
@@ -49,8 +49,8 @@ inline void copyElements(const Array& source, Array& copy) {
   for (const Value& element : source) copyInto(copy.emplace_back(), element);
 }
 
-/// Holds an array, or none, on its way into a record. Neither its destructor nor a copy that fails
-/// half way asks for memory.
+/// Holds an optional array that is on its way into a record. Neither the destructor nor a copy that
+/// fails half-way needs memory.
 class ArrayOwner {
  public:
   ArrayOwner() noexcept = default;

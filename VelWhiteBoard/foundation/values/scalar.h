@@ -1,5 +1,5 @@
 /// @file
-/// A value other than an array or object, on its way into a property.
+/// A value other than an array or object, before it is put into a property.
 #pragma once
 
 #include <cstdint>

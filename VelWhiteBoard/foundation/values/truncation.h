@@ -1,5 +1,5 @@
 /// @file
-/// Real numbers to integers, defined for every input.
+/// Conversion of real numbers to integers, defined for every input.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace VelWhiteBoard {
 
-/// `number` without its fraction, cut toward zero; beyond the range the nearest end of it; NaN
-/// gives 0.
+/// Truncates `number` toward zero. Beyond the range of the result it gives the nearest end of the
+/// range; NaN gives 0.
 constexpr std::int64_t truncatedToSigned(double number) noexcept {
   constexpr double kEnd = 9223372036854775808.0;  // 2^63, the first double beyond the range
   if (number != number) return 0;

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "VelWhiteBoard/foundation/values/same_number.h"
+
 namespace VelWhiteBoard {
 
 namespace {
@@ -18,13 +20,11 @@ void mix(std::size_t& hash, std::size_t element) {
   hash = (hash ^ element) * kOddMultiplier;
 }
 
-bool sameNumber(const Value& left, const Value& right) {
+bool areSameNumbers(const Value& left, const Value& right) {
   if (left.is_number_float() || right.is_number_float()) {
-    const auto first = left.get<double>();
-    const auto second = right.get<double>();
-    return first == second || (std::isnan(first) && std::isnan(second));
+    return sameNumber(left.get<double>(), right.get<double>());
   }
-  // The library compares a signed with an unsigned integer as signed ones, which makes -1 equal to
+  // The JSON library compares a signed and an unsigned integer as signed, which makes -1 equal to
   // the largest unsigned integer.
   if (left.is_number_unsigned() != right.is_number_unsigned()) {
     const Value& asSigned = left.is_number_unsigned() ? right : left;
@@ -48,7 +48,7 @@ void dismantleAt(Value& value, std::size_t depth) noexcept {
 }  // namespace
 
 bool sameValue(const Value& left, const Value& right) {
-  if (left.is_number() && right.is_number()) return sameNumber(left, right);
+  if (left.is_number() && right.is_number()) return areSameNumbers(left, right);
   if (left.type() != right.type()) return false;
   if (left.is_array())
     return std::equal(left.begin(), left.end(), right.begin(), right.end(), sameValue);

@@ -1,5 +1,5 @@
 /// @file
-/// Dynamic values: what a JSON document can say, as C++ clients already know it.
+/// Dynamic values: everything that JSON can express, in a type that C++ clients know.
 #pragma once
 
 #include <cstddef>
@@ -38,27 +38,27 @@ static_assert(sizeof(Value) == sizeof(value_layout::KindAndContent),
               "VelWhiteBoard needs nlohmann::json without additional members: compile client and "
               "library without JSON_DIAGNOSTICS and JSON_DIAGNOSTIC_POSITIONS");
 
-/// How deep arrays and objects may be nested in a value that the library takes over.
+/// The maximum nesting of arrays and objects in a value that the library stores.
 ///
-/// Records come from other machines. The bound keeps every walk over a value shallow enough for any
-/// thread's stack, and it is far above what a drawing program needs. The scalars inside the
-/// innermost container do not count as a level.
+/// Records come from other machines. The limit keeps recursion over a value within any thread's
+/// stack, and is far above what a drawing program needs. The scalars inside the innermost container
+/// do not count as a level.
 inline constexpr std::size_t kMaximumValueDepth = 256;
 
-/// Whether two values say the same: numbers by their value, whatever their kind; 0 equals -0, and a
-/// NaN equals a NaN.
+/// Whether two values are equal. Numbers are compared by value, whatever their type; 0 equals -0,
+/// and a NaN equals a NaN.
 VELWHITEBOARD_EXPORT bool sameValue(const Value& left, const Value& right);
-/// A hash of `value`; values that say the same have the same hash.
+/// A hash of `value`; equal values have equal hashes.
 VELWHITEBOARD_EXPORT std::size_t hashOfValue(const Value& value);
 /// A hash of a number as `sameValue` compares it.
 VELWHITEBOARD_EXPORT std::size_t hashOfNumber(double number);
 
-/// Empties a value without asking for memory: an array or object loses its elements, anything else
-/// stays as it is.
+/// Empties a value without allocating memory: an array or object loses its elements, any other
+/// value stays as it is.
 ///
-/// The destructor of a value that nests arrays or objects asks for memory, and ends the process
-/// when there is none. After this it needs none. What is nested deeper than `kMaximumValueDepth` is
-/// left to the destructor.
+/// The destructor of a value that nests arrays or objects allocates memory, and terminates the
+/// process when that fails. After this call it needs no memory. What is nested deeper than
+/// `kMaximumValueDepth` is left to the destructor.
 VELWHITEBOARD_EXPORT void dismantle(Value& value) noexcept;
 /// The same for what an array holds.
 VELWHITEBOARD_EXPORT void dismantle(Array& array) noexcept;

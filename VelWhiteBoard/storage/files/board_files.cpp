@@ -27,7 +27,7 @@ ReadList<T> readRecords(const FeedAll& feedAll) {
   });
   const PropertyListResult parsed = reader.finish();
   read.found = stateAfterReading(given);
-  if (given.ok() && !parsed.ok()) read.found = FileState::kNotRead;
+  if (given.ok() && !parsed.ok()) read.found = FileState::kUnknown;
   if (read.found != FileState::kReadWhole) read.list.clear();
   return read;
 }
@@ -62,7 +62,7 @@ FileState stateAfterReading(const FileResult& result) {
   if (result.ok()) return FileState::kReadWhole;
   // Whatever else the reason is, there may be a file, and a good one.
   const bool isMissing = result.error == ENOENT || result.error == ENOTDIR;
-  return isMissing ? FileState::kAbsent : FileState::kNotRead;
+  return isMissing ? FileState::kAbsent : FileState::kUnknown;
 }
 
 ReadList<VelWbBaseVector> readVectors(const std::string& path) {

@@ -52,7 +52,7 @@ void ProtectedFile::hasBeenRemoved() noexcept {
 
 bool ProtectedFile::mayReplace() const {
   const MutexHold hold(mutex_);
-  return state_ != FileState::kUnknown && state_ != FileState::kNotRead;
+  return state_ != FileState::kUnknown;
 }
 
 void ProtectedFile::note(FileState state) noexcept {

@@ -24,10 +24,9 @@ inline constexpr std::string_view kDamagedSuffix = ".damaged";
 
 /// What stands in a file, as far as a storage knows.
 enum class FileState {
-  kUnknown,    ///< the storage has not looked
+  kUnknown,    ///< the storage has not read it, or could not: it is damaged, or was not given
   kAbsent,     ///< there was none, or it has been removed
   kReadWhole,  ///< the storage has read all of it
-  kNotRead,    ///< it is damaged, or the system would not give it
   kWritten,    ///< the storage has written it
 };
 

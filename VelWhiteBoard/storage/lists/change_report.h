@@ -16,16 +16,18 @@ namespace VelWhiteBoard {
 /// order to a copy of the list has the list.
 struct EntryChange {
   enum class Kind {
-    kAdded,     ///< `entry` is new and lies on top
-    kExtended,  ///< `entry`, a stroke, has grown: the positions of its `path` from `firstNew` on
-    kEdited,    ///< `entry` looks different and lies where it lay
-    kRaised,    ///< `entry` may look different; its last occurrence has moved to the top
-    kRemoved,   ///< the first occurrence of `entry` is gone
-    kCleared,   ///< all entries are gone; `entry` is null
+    kAdded,       ///< `entry` is new and lies on top
+    kExtended,    ///< `entry`, a stroke, has grown: the positions of its `path` from `firstNew` on
+    kEdited,      ///< `entry` looks different and lies where it lay
+    kRaised,      ///< `entry` may look different; its last occurrence has moved to the top
+    kRemoved,     ///< the first occurrence of `entry` is gone
+    kRemovedTop,  ///< `entry`, which lay on top, is gone: its type is one that never stays
+    kCleared,     ///< all entries are gone; `entry` is null
   };
 
   Kind kind = Kind::kCleared;
-  /// The storage's own record, which later vectors change.
+  /// The storage's own record. It is as it is now, which later changes of the same report may have
+  /// brought about, or vectors that other threads save meanwhile.
   VectorPtr entry;
   /// For `kExtended` an index into `path`, otherwise 0. The new piece of the stroke begins at the
   /// position before it, if there is one.

@@ -61,7 +61,10 @@ EntryChange EntryChanges::append(const VelWbBaseVector& vector, const VectorPtr&
     return {};
   }
   const auto* line = recordCast<const VelWbVecLine>(stroke);
-  const std::optional<Look> before = line == nullptr ? std::nullopt : std::optional(lookOf(*line));
+  const auto* piece = recordCast<const VelWbVecLine>(vector);
+  const bool moves = piece != nullptr && piece->offset.has_value();
+  const std::optional<Look> before =
+      line == nullptr || moves ? std::nullopt : std::optional(lookOf(*line));
   // Without a path, the stroke's own position is about to become the first one of its path.
   const std::size_t firstNew = stroke.path ? stroke.path->size() : 1;
   stroke.append(vector);

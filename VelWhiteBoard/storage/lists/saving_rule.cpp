@@ -24,7 +24,7 @@ class TransientTail {
     place_ = snap.list().endPlace() - 1;
     tail_ = snap.back();
     snap.pop_back();
-    changes.note({Kind::kRemoved, tail_});
+    changes.note({Kind::kRemovedTop, tail_});
   }
   ~TransientTail() {
     if (tail_) snap_.undoPop(place_, std::move(tail_));

@@ -14,6 +14,7 @@
 
 #include "tests/support/faulty_calls.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -224,7 +225,7 @@ TEST_F(AtomicWriting, ANewFilesPermissionsAreWhatTheUserGrants) {
 }
 
 TEST_F(AtomicWriting, ASymbolicLinkAtTheTargetIsReplacedNotFollowed) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("elsewhere"), "kept"));
+  ASSERT_TRUE(writeAll(files_, folder_.at("elsewhere"), "kept"));
   fs::create_symlink(folder_.at("elsewhere"), target_);
   EXPECT_TRUE(write("new"));
   EXPECT_EQ(contents("elsewhere"), "kept");
@@ -233,7 +234,7 @@ TEST_F(AtomicWriting, ASymbolicLinkAtTheTargetIsReplacedNotFollowed) {
 }
 
 TEST_F(AtomicWriting, NothingUnderTheTemporarysNameIsWrittenThrough) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("elsewhere"), "kept"));
+  ASSERT_TRUE(writeAll(files_, folder_.at("elsewhere"), "kept"));
   const struct {
     const char* what;
     std::function<void()> put;
@@ -253,7 +254,7 @@ TEST_F(AtomicWriting, NothingUnderTheTemporarysNameIsWrittenThrough) {
 }
 
 TEST_F(AtomicWriting, ATemporaryOfAnotherUserIsClearedAway) {
-  ASSERT_TRUE(files_.writeAll(temporary_, "leftover"));
+  ASSERT_TRUE(writeAll(files_, temporary_, "leftover"));
   calls_.inject(Fault::failing(Call::kOpen, 1, EACCES));
   EXPECT_TRUE(write("new"));
   EXPECT_EQ(calls_.faultsMet(), 1);
@@ -268,7 +269,7 @@ TEST_F(AtomicWriting, AnObstacleThatStaysIsWrittenAround) {
   EXPECT_TRUE(fs::is_directory(temporary_));
   EXPECT_THAT(entries(), UnorderedElementsAre("page.plist", "page.plist.tmp"));
   fs::remove(temporary_);
-  ASSERT_TRUE(files_.writeAll(temporary_, "of another user"));
+  ASSERT_TRUE(writeAll(files_, temporary_, "of another user"));
   calls_.inject(Fault::failing(Call::kOpen, 1, EACCES));
   calls_.inject(Fault::failing(Call::kRemove, 1, EPERM));
   EXPECT_TRUE(write("around a file"));
@@ -289,7 +290,7 @@ TEST_F(AtomicWriting, AWriterThatWaitedForAnotherStartsAgainWithATemporaryOfItsO
   DiskFileSystem other(SystemCalls::posix());
   // Between our opening of the temporary and our lock, the other writer finishes: what we opened
   // has become the page.
-  calls_.before(Call::kTryLock, 1, [&] { EXPECT_TRUE(other.writeAll(target_, "theirs")); });
+  calls_.before(Call::kTryLock, 1, [&] { EXPECT_TRUE(writeAll(other, target_, "theirs")); });
   calls_.before(Call::kTruncate, 1, [&] { EXPECT_EQ(contents(), "theirs"); });
   EXPECT_TRUE(write("ours"));
   EXPECT_EQ(calls_.count(Call::kTryLock), 2);
@@ -302,7 +303,7 @@ TEST_F(AtomicWriting, ATemporaryThatWasExchangedDoesNotBecomeThePage) {
   DiskFileSystem other(SystemCalls::posix());
   calls_.before(Call::kSync, 1, [&] {
     EXPECT_TRUE(other.removeRecursively(temporary_));
-    EXPECT_TRUE(other.writeAll(temporary_, "somebody else's half"));
+    EXPECT_TRUE(writeAll(other, temporary_, "somebody else's half"));
   });
   const FileResult result = write("new");
   EXPECT_EQ(result.step, FileStep::kRename);

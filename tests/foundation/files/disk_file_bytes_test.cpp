@@ -10,6 +10,7 @@
 
 #include "tests/support/faulty_calls.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -26,7 +27,7 @@ class DiskFileBytes : public ::testing::Test {
 TEST_F(DiskFileBytes, BytesOfAFileThatIsLongerThanItsStatusSaysAreReadToTheEnd) {
   const std::string target = folder_.at("f");
   std::string written = "short";
-  ASSERT_TRUE(files_.writeAll(target, written));
+  ASSERT_TRUE(writeAll(files_, target, written));
   // Before each of the first reads another program appends to the file.
   for (int nth = 1; nth <= 4; ++nth) {
     calls_.before(Call::kRead, nth, [&] {
@@ -44,7 +45,7 @@ TEST_F(DiskFileBytes, BytesOfAFileThatIsLongerThanItsStatusSaysAreReadToTheEnd) 
 
 TEST_F(DiskFileBytes, BytesOfAFileThatHasBecomeShorterAreWhatIsLeft) {
   const std::string target = folder_.at("f");
-  ASSERT_TRUE(files_.writeAll(target, "contents"));
+  ASSERT_TRUE(writeAll(files_, target, "contents"));
   calls_.before(Call::kRead, 1, [&] { fs::resize_file(target, 3); });
   FileBytes bytes;
   EXPECT_TRUE(files_.readBytes(target, bytes));
@@ -52,7 +53,7 @@ TEST_F(DiskFileBytes, BytesOfAFileThatHasBecomeShorterAreWhatIsLeft) {
 }
 
 TEST_F(DiskFileBytes, TheBytesOfALargeFileTakeTwoReadsAndNoHandleAfterwards) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("f"), std::string(100 * kFileBlockSize, 'x')));
+  ASSERT_TRUE(writeAll(files_, folder_.at("f"), std::string(100 * kFileBlockSize, 'x')));
   calls_.resetCounts();
   FileBytes bytes;
   EXPECT_TRUE(files_.readBytes(folder_.at("f"), bytes));
@@ -62,7 +63,7 @@ TEST_F(DiskFileBytes, TheBytesOfALargeFileTakeTwoReadsAndNoHandleAfterwards) {
 }
 
 TEST_F(DiskFileBytes, BytesThatCannotBeReadAreAFailureAtItsStep) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("f"), "contents"));
+  ASSERT_TRUE(writeAll(files_, folder_.at("f"), "contents"));
   const struct {
     Call call;
     int nth;

@@ -17,6 +17,7 @@
 
 #include "tests/support/faulty_calls.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -71,7 +72,7 @@ TEST_F(DiskFiles, ADeviceIsNoFile) {
 }
 
 TEST_F(DiskFiles, ALinkCountsAsWhatItLeadsToAndADanglingOneAsNothing) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("f"), "12345"));
+  ASSERT_TRUE(writeAll(files_, folder_.at("f"), "12345"));
   fs::create_symlink("f", folder_.at("link"));
   fs::create_symlink(".", folder_.at("up"));
   fs::create_symlink("missing", folder_.at("dangling"));
@@ -94,7 +95,7 @@ TEST_F(DiskFiles, APathThatIsTooLongIsAFailureAndNamesNothing) {
   EXPECT_EQ(files_.status(name, status).error, ENAMETOOLONG);
   EXPECT_FALSE(files_.exists(name));
   EXPECT_EQ(files_.makeFolders(name).error, ENAMETOOLONG);
-  EXPECT_EQ(files_.writeAll(name, "x").error, ENAMETOOLONG);
+  EXPECT_EQ(writeAll(files_, name, "x").error, ENAMETOOLONG);
 }
 
 TEST_F(DiskFiles, ASignalDuringAnyCallCostsNothing) {
@@ -114,7 +115,7 @@ TEST_F(DiskFiles, ASignalDuringAnyCallCostsNothing) {
   interrupt();
   check(files_.createEmptyFile(folder_.at("d/empty")));
   interrupt();
-  check(files_.writeAll(folder_.at("d/f"), "contents"));
+  check(writeAll(files_, folder_.at("d/f"), "contents"));
   interrupt();
   check(files_.read(folder_.at("d/f"), [&read](std::string_view block) {
     read += block;
@@ -140,7 +141,7 @@ TEST_F(DiskFiles, ASignalDuringAnyCallCostsNothing) {
 }
 
 TEST_F(DiskFiles, AReadThatFailsHalfwaySaysSo) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("f"), std::string(2 * kFileBlockSize, 'x')));
+  ASSERT_TRUE(writeAll(files_, folder_.at("f"), std::string(2 * kFileBlockSize, 'x')));
   calls_.inject(Fault::failing(Call::kRead, 2, EIO));
   std::string read;
   const FileResult result = files_.read(folder_.at("f"), [&read](std::string_view block) {
@@ -154,7 +155,7 @@ TEST_F(DiskFiles, AReadThatFailsHalfwaySaysSo) {
 }
 
 TEST_F(DiskFiles, RenamingToANewNameMovesALinkItselfAndIsRefusedByADanglingOne) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("f"), "x"));
+  ASSERT_TRUE(writeAll(files_, folder_.at("f"), "x"));
   fs::create_symlink("f", folder_.at("link"));
   fs::create_symlink("missing", folder_.at("dangling"));
   EXPECT_EQ(files_.renameToNew(folder_.at("f"), folder_.at("dangling")).error, EEXIST);
@@ -170,8 +171,8 @@ TEST_F(DiskFiles, AVolumeThatCannotRefuseToReplaceIsLookedAtFirst) {
     SCOPED_TRACE(error);
     calls_.heal();
     calls_.inject(Fault::failingFrom(Call::kRenameToNew, 1, error));
-    ASSERT_TRUE(files_.writeAll(folder_.at("f"), "new"));
-    ASSERT_TRUE(files_.writeAll(folder_.at("g"), "old"));
+    ASSERT_TRUE(writeAll(files_, folder_.at("f"), "new"));
+    ASSERT_TRUE(writeAll(files_, folder_.at("g"), "old"));
     fs::create_symlink("missing", folder_.at("dangling"));
     EXPECT_EQ(files_.renameToNew(folder_.at("f"), folder_.at("g")).error, EEXIST);
     EXPECT_EQ(files_.renameToNew(folder_.at("f"), folder_.at("dangling")).error, EEXIST);
@@ -184,7 +185,7 @@ TEST_F(DiskFiles, AVolumeThatCannotRefuseToReplaceIsLookedAtFirst) {
 }
 
 TEST_F(DiskFiles, RenamingToANewNameThatFailsMovesNothing) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("f"), "x"));
+  ASSERT_TRUE(writeAll(files_, folder_.at("f"), "x"));
   const auto expectFailed = [&](int error) {
     const FileResult result = files_.renameToNew(folder_.at("f"), folder_.at("g"));
     EXPECT_EQ(fileStepName(result.step), fileStepName(FileStep::kRename));
@@ -231,12 +232,12 @@ TEST_F(DiskFiles, AnyFailedCallOfMakingFoldersIsReported) {
 
 TEST_F(DiskFiles, ARealLimitOfTheDiskLeavesTheOldFileAndNoTemporary) {
   const std::string target = folder_.at("page.plist");
-  ASSERT_TRUE(files_.writeAll(target, "old"));
+  ASSERT_TRUE(writeAll(files_, target, "old"));
   EXPECT_TRUE(inChild([&] {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit = {100'000, 100'000};
     if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) return false;
-    const FileResult result = files_.writeAll(target, std::string(1'000'000, 'x'));
+    const FileResult result = writeAll(files_, target, std::string(1'000'000, 'x'));
     return result.step == FileStep::kWrite && result.error == EFBIG;
   }));
   EXPECT_EQ(contents(target), "old");
@@ -245,14 +246,14 @@ TEST_F(DiskFiles, ARealLimitOfTheDiskLeavesTheOldFileAndNoTemporary) {
 
 TEST_F(DiskFiles, ATemporaryThatAKilledProcessLeavesIsUsedUp) {
   const std::string target = folder_.at("page.plist");
-  ASSERT_TRUE(files_.writeAll(target, "old"));
+  ASSERT_TRUE(writeAll(files_, target, "old"));
   EXPECT_FALSE(inChild([&] {
     calls_.before(Call::kSync, 1, [] { ::raise(SIGKILL); });
-    return files_.writeAll(target, std::string(1000, 'x')).ok();
+    return writeAll(files_, target, std::string(1000, 'x')).ok();
   }));
   EXPECT_EQ(contents(target), "old");
   EXPECT_EQ(contents(target + std::string(kTemporarySuffix)).size(), 1000U);
-  EXPECT_TRUE(files_.writeAll(target, "new"));
+  EXPECT_TRUE(writeAll(files_, target, "new"));
   EXPECT_EQ(contents(target), "new");
   EXPECT_FALSE(files_.exists(target + std::string(kTemporarySuffix)));
 }
@@ -264,14 +265,14 @@ TEST_F(DiskFiles, ProcessesThatWriteOneFileLeaveOneWholeGeneration) {
   const auto isWhole = [](const std::string& text) {
     return text.size() == 200'000 && text.find_first_not_of(text[0]) == std::string::npos;
   };
-  ASSERT_TRUE(files_.writeAll(target, std::string(200'000, 'a')));
+  ASSERT_TRUE(writeAll(files_, target, std::string(200'000, 'a')));
   std::vector<pid_t> children(kWriters);
   for (int writer = 0; writer < kWriters; ++writer) {
     const char letter = static_cast<char>('b' + writer);
     ASSERT_TRUE(inChild(
         [&] {
           for (int i = 0; i < kWrites; ++i) {
-            if (!files_.writeAll(target, std::string(200'000, letter))) return false;
+            if (!writeAll(files_, target, std::string(200'000, letter))) return false;
             if (!isWhole(contents(target))) return false;
           }
           return true;

@@ -15,6 +15,7 @@
 #include "tests/support/faulty_calls.h"
 #include "tests/support/memory_file_system.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -33,13 +34,13 @@ bool isWhole(std::string_view text) {
 // Every writer's generations are of one letter; a reader must never see two of them in one file.
 void writeAndRead(FileSystem& files, const std::string& target) {
   constexpr int kWrites = 50;
-  ASSERT_TRUE(files.writeAll(target, std::string(100'000, 'a')));
+  ASSERT_TRUE(writeAll(files, target, std::string(100'000, 'a')));
   std::atomic<int> writing{3};
   std::vector<std::function<void()>> works;
   for (const char letter : {'b', 'c', 'd'}) {
     works.emplace_back([&, letter] {
       for (int i = 0; i < kWrites; ++i) {
-        const FileResult result = files.writeAll(target, std::string(100'000, letter));
+        const FileResult result = writeAll(files, target, std::string(100'000, letter));
         EXPECT_TRUE(result) << result.describe();
       }
       --writing;
@@ -84,7 +85,7 @@ TEST(FileThreads, CleaningUpWhileFilesAreWrittenCostsNoWriterItsContents) {
     works.emplace_back([&, letter] {
       const std::string name = letter == 'b' ? "alone.plist" : "together.plist";
       for (int i = 0; i < kWrites; ++i) {
-        const FileResult result = files.writeAll(folder.at(name), std::string(1000, letter));
+        const FileResult result = writeAll(files, folder.at(name), std::string(1000, letter));
         EXPECT_TRUE(result) << result.describe();
       }
       --writing;

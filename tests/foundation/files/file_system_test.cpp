@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/file_systems.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -160,13 +161,13 @@ TEST_P(FileContents, AProducerThatThrowsReplacesNothing) {
 }
 
 TEST_P(FileContents, WritingMakesNoFolders) {
-  expectFailure(files().writeAll(at("missing/f"), "x"), FileStep::kOpen, ENOENT);
+  expectFailure(writeAll(files(), at("missing/f"), "x"), FileStep::kOpen, ENOENT);
   EXPECT_THAT(entries(), IsEmpty());
 }
 
 TEST_P(FileContents, AFolderIsNotReplacedByAFile) {
   ASSERT_TRUE(files().makeFolder(at("d")));
-  expectFailure(files().writeAll(at("d"), "x"), FileStep::kRename, EISDIR);
+  expectFailure(writeAll(files(), at("d"), "x"), FileStep::kRename, EISDIR);
   EXPECT_THAT(entries(), ElementsAre("d"));
   EXPECT_EQ(files().kind(at("d")), FileKind::kFolder);
 }
@@ -186,7 +187,7 @@ TEST_P(FileContents, AnEmptyPathOrANulByteNamesNothing) {
                                   at("f") + std::string("\0.plist", 7), std::string("\0", 1)}) {
     EXPECT_EQ(files().kind(path), FileKind::kAbsent);
     expectFailure(files().readBytes(path, bytes), FileStep::kOpen, ENOENT);
-    expectFailure(files().writeAll(path, "new"), FileStep::kOpen, ENOENT);
+    expectFailure(writeAll(files(), path, "new"), FileStep::kOpen, ENOENT);
     expectFailure(files().list(path, names), FileStep::kList, ENOENT);
     expectFailure(files().makeFolder(path), FileStep::kMakeFolder, ENOENT);
     expectFailure(files().makeFolders(path), FileStep::kMakeFolder, ENOENT);

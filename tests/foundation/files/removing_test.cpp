@@ -10,6 +10,7 @@
 
 #include "tests/support/faulty_calls.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -42,7 +43,7 @@ TEST_F(RemovingTrees, AFolderGoesWithAllThatItHolds) {
 }
 
 TEST_F(RemovingTrees, NothingAtTheEndOfAPathIsASuccess) {
-  ASSERT_TRUE(files_.writeAll(folder_.at("file"), "x"));
+  ASSERT_TRUE(writeAll(files_, folder_.at("file"), "x"));
   for (const char* name : {"missing", "missing/deeper", "file/deeper"}) {
     EXPECT_TRUE(files_.removeRecursively(folder_.at(name))) << name;
   }
@@ -51,7 +52,7 @@ TEST_F(RemovingTrees, NothingAtTheEndOfAPathIsASuccess) {
 
 TEST_F(RemovingTrees, LinksAreRemovedAndNeverFollowed) {
   ASSERT_TRUE(files_.makeFolder(folder_.at("outside")));
-  ASSERT_TRUE(files_.writeAll(folder_.at("outside/kept"), "x"));
+  ASSERT_TRUE(writeAll(files_, folder_.at("outside/kept"), "x"));
   const std::string top = makeTree();
   fs::create_symlink(folder_.at("outside"), top + "/a/link");
   fs::create_symlink("missing", top + "/dangling");

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/memory_file_system.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -43,7 +44,7 @@ class StandardDirectories : public ::testing::Test {
   }
   void putUserDirectories(const std::string& folder, std::string_view text) {
     ASSERT_TRUE(files_.makeFolders(folder));
-    ASSERT_TRUE(files_.writeAll(folder + "/user-dirs.dirs", text));
+    ASSERT_TRUE(writeAll(files_, folder + "/user-dirs.dirs", text));
   }
 
   MemoryFileSystem files_;

@@ -19,6 +19,7 @@
 
 #include "tests/support/faulty_calls.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -86,7 +87,7 @@ class Temporaries : public ::testing::Test {
   void put(const std::string& name, const std::string& bytes = "x") {
     std::ofstream(folder_.at(name)) << bytes;
   }
-  FileResult write(std::string_view bytes) { return files_.writeAll(target_, bytes); }
+  FileResult write(std::string_view bytes) { return writeAll(files_, target_, bytes); }
   FileResult clean(FileSystem& files) {
     return files.removeUnusedTemporaries(folder_.path(), ".plist");
   }
@@ -125,7 +126,7 @@ TEST_F(Temporaries, AWriterTakesItsTurnWhenTheLockBecomesFree) {
 TEST_F(Temporaries, OfTwoWritersAtOnceTheContentsThatAreRenamedLastStay) {
   const FileResult slow = files_.writeAtomically(target_, [&](const BlockConsumer& out) {
     EXPECT_TRUE(out("first "));
-    EXPECT_TRUE(other_.writeAll(target_, "while the other one was at work"));
+    EXPECT_TRUE(writeAll(other_, target_, "while the other one was at work"));
     EXPECT_EQ(contents(), "while the other one was at work");
     return out("and last");
   });
@@ -160,14 +161,14 @@ TEST_F(Temporaries, OneWithAnOwnNameIsRemovedWhateverFails) {
       FaultyCalls faulty;
       DiskFileSystem failing(faulty);
       faulty.inject(Fault::failing(call, nth, EIO));
-      const FileResult result = failing.writeAll(target_, "new");
+      const FileResult result = writeAll(failing, target_, "new");
       EXPECT_EQ(faulty.faultsMet(), 1);
       const bool replaced = result.ok() || result.step == FileStep::kSyncFolder;
       EXPECT_EQ(contents(), replaced ? "new" : "old") << result.describe();
       EXPECT_THAT(entries(), UnorderedElementsAre("page.plist", "page.plist.tmp"));
       EXPECT_EQ(faulty.openHandles(), 0U);
       failures += result.ok() ? 0 : 1;
-      ASSERT_TRUE(other_.writeAll(target_, "old"));
+      ASSERT_TRUE(writeAll(other_, target_, "old"));
     }
   }
   EXPECT_GE(failures, 7) << "the loop must have met the calls of a write";
@@ -277,7 +278,7 @@ TEST_F(Temporaries, CleaningNeverCostsAWriterItsContents) {
           EXPECT_TRUE(clean(other_));
           isCleaned = true;
         });
-        const FileResult result = files.writeAll(target_, moment);
+        const FileResult result = writeAll(files, target_, moment);
         EXPECT_TRUE(result) << result.describe();
         EXPECT_TRUE(isCleaned);
         EXPECT_EQ(contents(), moment);
@@ -290,7 +291,7 @@ TEST_F(Temporaries, CleaningNeverCostsAWriterItsContents) {
 TEST_F(Temporaries, CleaningLeavesATemporaryThatHasTakenTheLeftoversPlace) {
   put("page.plist.tmp", "leftover");
   calls_.before(Call::kTryLock, 1, [&] {
-    EXPECT_TRUE(other_.writeAll(target_, "used the leftover up"));
+    EXPECT_TRUE(writeAll(other_, target_, "used the leftover up"));
     put("page.plist.tmp", "of the next writer");
   });
   EXPECT_TRUE(clean(files_));

@@ -1,6 +1,6 @@
 // Records from their dictionary form: what each kind of property makes of each kind of value.
 //
-// Every rule is tried on all roads by which values arrive: a dictionary, JSON text, a property
+// Every rule is tried in all forms in which values arrive: a dictionary, JSON text, a property
 // list, an archive.
 #include "VelWhiteBoard/foundation/records/model_mapping.h"
 
@@ -35,11 +35,11 @@ Dictionary everywhere(const Value& value) {
 }
 
 struct Arrival {
-  const char* road;
+  const char* form;
   std::shared_ptr<AllKinds> record;
 };
 
-/// The record that `value` under every key gives, by every road that can carry it.
+/// The record that `value` under every key gives, in every form that can express it.
 std::vector<Arrival> arrivals(const std::string& json) {
   const Value value = Value::parse(json);
   const Dictionary dictionary = everywhere(value);
@@ -80,11 +80,11 @@ constexpr const char* kNaturalMaximum = "18446744073709551615";
 
 void check(const ReadingRow& row) {
   for (const Arrival& arrival : arrivals(row.json)) {
-    ASSERT_TRUE(arrival.record) << row.json << " by " << arrival.road;
+    ASSERT_TRUE(arrival.record) << row.json << " by " << arrival.form;
     const Dictionary dictionary = modelToJSONObject(*arrival.record);
     for (std::size_t index = 0; index < std::size(kKeys); ++index) {
       EXPECT_EQ(shown(dictionary, kKeys[index]), row.expected[index])
-          << row.json << " as " << kKeys[index] << " by " << arrival.road;
+          << row.json << " as " << kKeys[index] << " by " << arrival.form;
     }
   }
 }
@@ -201,18 +201,18 @@ TEST(ModelMapping, AFreeFormArrayKeepsWhateverItWasGivenToTheLastElement) {
       R"([null,true,1,-1,1.0,-0.0,0.1,18446744073709551615,9007199254740993,"","a\r\n\t",[[],{}],)"
       R"({"":null,"b":{"c":[1,2.5,null]}},null])";
   for (const Arrival& arrival : arrivals(json)) {
-    ASSERT_TRUE(arrival.record && arrival.record->array) << arrival.road;
-    EXPECT_EQ(Value(*arrival.record->array).dump(), Value::parse(json).dump()) << arrival.road;
+    ASSERT_TRUE(arrival.record && arrival.record->array) << arrival.form;
+    EXPECT_EQ(Value(*arrival.record->array).dump(), Value::parse(json).dump()) << arrival.form;
   }
 }
 
 TEST(ModelMapping, AnIntegerThatArrivesAsAnIntegerStaysOneInAFreeFormArray) {
   for (const Arrival& arrival : arrivals("[5,5.0,-5,18446744073709551615]")) {
     const Array& array = *arrival.record->array;
-    EXPECT_TRUE(array[0].is_number_integer()) << arrival.road;
-    EXPECT_TRUE(array[1].is_number_float()) << arrival.road;
-    EXPECT_TRUE(array[2].is_number_integer()) << arrival.road;
-    EXPECT_EQ(array[3].get<std::uint64_t>(), 18446744073709551615U) << arrival.road;
+    EXPECT_TRUE(array[0].is_number_integer()) << arrival.form;
+    EXPECT_TRUE(array[1].is_number_float()) << arrival.form;
+    EXPECT_TRUE(array[2].is_number_integer()) << arrival.form;
+    EXPECT_EQ(array[3].get<std::uint64_t>(), 18446744073709551615U) << arrival.form;
     EXPECT_THAT(modelToJSONString(*arrival.record),
                 ::testing::HasSubstr("[5,5.0,-5,18446744073709551615]"));
   }

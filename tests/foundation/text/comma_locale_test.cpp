@@ -33,7 +33,7 @@ class Commas : public std::numpunct<char> {
   std::string do_truename() const override { return "wahr"; }
 };
 
-/// What all roads give, as one text to compare.
+/// What all forms give, as one text to compare.
 std::string everyRoad() {
   VelWbVecCircle circle;
   circle.type = "diagram";

@@ -15,6 +15,7 @@
 #include "tests/support/faulty_calls.h"
 #include "tests/support/storage_story.h"
 #include "tests/support/temporary_folder.h"
+#include "tests/support/write_all.h"
 
 namespace VelWhiteBoard {
 namespace {
@@ -93,7 +94,7 @@ TEST(OpeningABoard, PutsExactlyOneSeparatorBehindAPathThatEndsInOne) {
 
 TEST(OpeningABoard, WhoseFolderCannotBeMadeStillWorksInMemory) {
   const TemporaryFolder parent;
-  ASSERT_TRUE(FileSystem::current().writeAll(parent.at("file"), "in the way"));
+  ASSERT_TRUE(writeAll(FileSystem::current(), parent.at("file"), "in the way"));
   const auto storage = VWBVectorStorage::initWithPath(parent.at("file"));
   storage->setIgnoreChanges(false);
   storage->switchPage(page(1, 1));

@@ -77,7 +77,7 @@ TEST_F(AProtectedFile, IsMovedAsideWhenNobodyHasLookedAtIt) {
 
 TEST_F(AProtectedFile, IsMovedAsideWhenItWasNotRead) {
   plant();
-  found(FileState::kNotRead);
+  found(FileState::kUnknown);
   write();
   write();
   EXPECT_TRUE(isWritten());
@@ -88,7 +88,7 @@ TEST_F(AProtectedFile, IsMovedAsideWhenItWasNotRead) {
 TEST_F(AProtectedFile, IsMovedToANameThatNothingHasYet) {
   for (const std::string suffix : {"", "-2", "-3"}) {
     plant();
-    found(FileState::kNotRead);
+    found(FileState::kUnknown);
     write();
     EXPECT_TRUE(isAside(suffix)) << suffix;
   }
@@ -106,7 +106,7 @@ TEST_F(AProtectedFile, IsNotJudgedByAReadingThatBeganBeforeItWasWritten) {
   plant();
   const auto begun = file_.beginReading();
   write();
-  file_.endReading(begun, FileState::kNotRead);
+  file_.endReading(begun, FileState::kUnknown);
   write();
   EXPECT_TRUE(isAside());
   EXPECT_FALSE(std::filesystem::exists(path_ + ".damaged-2")) << "the new file was healthy";
@@ -114,7 +114,7 @@ TEST_F(AProtectedFile, IsNotJudgedByAReadingThatBeganBeforeItWasWritten) {
 
 TEST_F(AProtectedFile, IsReplacedAfterItHasBeenRemoved) {
   plant();
-  found(FileState::kNotRead);
+  found(FileState::kUnknown);
   file_.remove();
   EXPECT_FALSE(std::filesystem::exists(path_));
   write();

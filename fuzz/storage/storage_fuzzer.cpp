@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "fuzz/board_session.h"
 #include "fuzz/check.h"
+#include "fuzz/storage/board_session.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   constexpr int kMostSteps = 400;

@@ -1,4 +1,4 @@
-#include "fuzz/board_session.h"
+#include "fuzz/storage/board_session.h"
 
 #include <utility>
 #include <vector>
@@ -7,7 +7,8 @@
 #include "VelWhiteBoard/foundation/plist/property_list_writer.h"
 #include "VelWhiteBoard/storage/files/board_files.h"
 
-#include "fuzz/vectors.h"
+#include "fuzz/vectors/vectors.h"
+#include "tests/support/write_all.h"
 
 namespace fuzz {
 
@@ -142,7 +143,7 @@ void BoardSession::clear() {
   require(storage_->wholeVectorss().empty(), "a cleared board has no vectors");
 }
 
-/// Puts bytes into a file of a page that nobody has looked at yet.
+/// Puts bytes into a file of a page that has not been read yet.
 void BoardSession::damageAFile(Decisions& decisions) {
   const std::string key = makePage(decisions)->pageInfo();
   if (storage_->snapVectorss().contains(key) || storage_->wholeVectorss().contains(key)) return;
@@ -150,7 +151,7 @@ void BoardSession::damageAFile(Decisions& decisions) {
   const std::string folder = storage_->folder();
   const std::string file =
       decisions.flip() ? wholeListFile(folder, key) : snapListFile(folder, key);
-  const FileResult written = files_.writeAll(file, decisions.bytes(64));
+  const FileResult written = writeAll(files_, file, decisions.bytes(64));
   require(written.ok(), "a file in memory can be written");
 }
 
@@ -192,7 +193,7 @@ void BoardSession::reopen() {
 }
 
 void BoardSession::comparePages(const Pages& before) const {
-  // Another storage, so that the session goes on as if nobody had looked.
+  // Another storage, so that reading does not change the session's storage.
   const auto reader = VWBVectorStorage::initWithPath(kHome);
   for (const auto& [key, lists] : before) {
     const auto page = pageOfKey(key);

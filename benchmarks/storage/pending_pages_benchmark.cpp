@@ -4,9 +4,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include "benchmarks/held_queue.h"
-#include "benchmarks/stepped_clock.h"
+#include "benchmarks/storage/held_queue.h"
 #include "benchmarks/workload.h"
+#include "tests/support/hand_clock.h"
 
 namespace benchmarks {
 namespace {
@@ -16,7 +16,7 @@ constexpr std::size_t kPieces = 20'000;
 
 void savePieceWhilePagesWait(benchmark::State& state) {
   const auto pages = static_cast<std::uint64_t>(state.range(0));
-  const SteppedClock clock;  // stands still, so that no save falls due
+  const HandClock clock;  // stands still, so that no save falls due
   const ScopedClock scope(clock);
   const Folder folder(parentInMemory());
   const auto storage = recordingStorage(folder);

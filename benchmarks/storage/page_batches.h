@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "benchmarks/held_queue.h"
+#include "benchmarks/storage/held_queue.h"
 #include "benchmarks/workload.h"
 
 namespace benchmarks {

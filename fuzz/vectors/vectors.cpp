@@ -1,4 +1,4 @@
-#include "fuzz/vectors.h"
+#include "fuzz/vectors/vectors.h"
 
 #include <array>
 #include <bit>

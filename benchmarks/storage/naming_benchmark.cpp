@@ -5,8 +5,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "benchmarks/stepped_clock.h"
 #include "benchmarks/workload.h"
+#include "tests/support/hand_clock.h"
 
 namespace benchmarks {
 namespace {
@@ -20,7 +20,7 @@ VectorPtr unnamedLine() {
 }
 
 void save(benchmark::State& state, bool areOnAPage) {
-  const SteppedClock clock;  // stands still, so that no save falls due
+  const HandClock clock;  // stands still, so that no save falls due
   const ScopedClock scope(clock);
   const Folder folder(parentInMemory());
   const auto storage = recordingStorage(folder);

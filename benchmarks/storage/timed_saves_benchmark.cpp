@@ -6,8 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "benchmarks/stepped_clock.h"
 #include "benchmarks/workload.h"
+#include "tests/support/hand_clock.h"
 
 namespace benchmarks {
 namespace {
@@ -67,7 +67,7 @@ void reportLatencies(benchmark::State& state, std::vector<double>& microseconds)
 
 void draw(benchmark::State& state, bool savesFire) {
   static const auto page = lessonTexts(kStrokes, kPiecesOfAStroke, kBoxes, kMoves, 0);
-  SteppedClock clock;
+  HandClock clock;
   const ScopedClock scope(clock);
   for (auto _ : state) {
     const Folder folder;
@@ -81,7 +81,7 @@ void draw(benchmark::State& state, bool savesFire) {
 
     auto due = SteadyClock::now();
     for (std::size_t index = 0; index < kCalls; ++index) {
-      if (savesFire && index % kCallsBetweenSaves == 0) clock.stepBeyondSaveInterval();
+      if (savesFire && index % kCallsBetweenSaves == 0) clock.advance(kBeyondSaveInterval);
       // Awaited awake: a thread that sleeps measures how it is woken.
       while (SteadyClock::now() < due) {
       }

@@ -57,7 +57,7 @@ void requireRoundTrips(const Record& record, const RecordClass& asked) {
 void tryText(const RecordClass& asked, std::string_view text, const Value& parsed) {
   if (const auto record = recordWithJSON(asked, text)) {
     requireRoundTrips(*record, asked);
-    // Two parsers, one meaning. Beyond the bound of nesting the roads may differ in what they drop.
+    // Both parsers must agree. They may drop different values that are nested too deep.
     if (parsed.is_object() && !nestsTooDeep(parsed)) {
       const auto other = recordWithDictionary(asked, parsed.get_ref<const Dictionary&>());
       require(other->isEqual(*record), "text and dictionary give the same record");

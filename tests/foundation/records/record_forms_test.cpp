@@ -1,4 +1,4 @@
-// Whatever arrives, and by whichever road: no crash, and every road leads to the same record.
+// Any input in any form: no crash, and all forms of a record give the same record.
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -40,7 +40,7 @@ std::vector<std::pair<std::string, Value>> shuffled(const Dictionary& dictionary
   return members;
 }
 
-TEST(RecordRoads, DictionaryTextAndFileLeadToTheSameRecord) {
+TEST(RecordForms, DictionaryTextAndFileLeadToTheSameRecord) {
   RandomRecords random(kForPropertyLists, 1);
   const auto& classes = testedClasses();
   for (int round = 0; round < kRounds; ++round) {
@@ -62,7 +62,7 @@ TEST(RecordRoads, DictionaryTextAndFileLeadToTheSameRecord) {
   }
 }
 
-TEST(RecordRoads, NoDictionaryCrashesAndWhatItGivesIsARecordLikeAnyOther) {
+TEST(RecordForms, NoDictionaryCrashesAndWhatItGivesIsARecordLikeAnyOther) {
   RandomRecords random(kAnything, 2);
   const auto& classes = testedClasses();
   for (int round = 0; round < kRounds; ++round) {
@@ -82,7 +82,7 @@ TEST(RecordRoads, NoDictionaryCrashesAndWhatItGivesIsARecordLikeAnyOther) {
   }
 }
 
-TEST(RecordRoads, NoBytesCrashAReader) {
+TEST(RecordForms, NoBytesCrashAReader) {
   RandomRecords random(kForJSONText, 3);
   const auto& classes = testedClasses();
   std::mt19937_64 engine(testSeed());
@@ -118,7 +118,7 @@ TEST(RecordRoads, NoBytesCrashAReader) {
   }
 }
 
-TEST(RecordRoads, TheOrderOfTheKeysChangesNothingAboutAPath) {
+TEST(RecordForms, TheOrderOfTheKeysChangesNothingAboutAPath) {
   const std::string type = "<key>type</key><string>line</string>";
   const std::string path =
       "<key>path</key><array><array><real>0.1</real><real>1e999</real><real>5</real></array>"
@@ -132,7 +132,7 @@ TEST(RecordRoads, TheOrderOfTheKeysChangesNothingAboutAPath) {
   }
 }
 
-TEST(RecordRoads, APositionThatIsNestedTooDeepCostsOnlyItself) {
+TEST(RecordForms, APositionThatIsNestedTooDeepCostsOnlyItself) {
   const std::string deep = std::string(300, '[') + std::string(300, ']');
   const std::string text = R"({"type":"line","path":[[1,2,3],)" + deep + "]}";
   const auto fromText = recordWithJSON(VelWbBaseVector::ownClass(), text);
@@ -141,7 +141,7 @@ TEST(RecordRoads, APositionThatIsNestedTooDeepCostsOnlyItself) {
   EXPECT_EQ(differences(*fromText, *fromDictionary), "");
 }
 
-TEST(RecordRoads, AValueThatNoArchiveTakesCostsOnlyItself) {
+TEST(RecordForms, AValueThatNoArchiveTakesCostsOnlyItself) {
   VelWbVecDiagram diagram;
   diagram.type = "diagram";
   diagram.ts = 5;

@@ -3,7 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "benchmarks/page_batches.h"
+#include "benchmarks/storage/page_batches.h"
 
 namespace benchmarks {
 namespace {

@@ -7,8 +7,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "benchmarks/stepped_clock.h"
 #include "benchmarks/workload.h"
+#include "tests/support/hand_clock.h"
 
 namespace benchmarks {
 namespace {
@@ -43,14 +43,14 @@ class CapturedPage {
 };
 
 void captureTimedSave(benchmark::State& state) {
-  static SteppedClock clock;
+  static HandClock clock;
   const ScopedClock scope(clock);
   static std::map<std::int64_t, std::unique_ptr<CapturedPage>> pages;
   auto& page = pages[state.range(0)];
   if (!page) page = std::make_unique<CapturedPage>(static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) {
     page->change();
-    clock.stepBeyondSaveInterval();
+    clock.advance(kBeyondSaveInterval);
     const auto start = std::chrono::steady_clock::now();
     page->storage().saveFile(false);
     const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
