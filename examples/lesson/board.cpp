@@ -8,6 +8,14 @@ namespace lesson {
 
 namespace vwb = VelWhiteBoard;
 
+namespace {
+
+/// When the recorded lessons were created. A lesson keeps its value however often it is opened;
+/// with another one, identifiers would repeat.
+constexpr double kLessonCreated = 1'700'000'000;
+
+}  // namespace
+
 void startUp(vwb::Size size) {
   vwb::VWBToolManager& tools = vwb::VWBToolManager::sharedManager();
   tools.setVersion(0);
@@ -16,7 +24,7 @@ void startUp(vwb::Size size) {
   vwb::VelWbVectorManager& clock = vwb::VelWbVectorManager::shareManager();
   const double now = vwb::currentTime();
   clock.setUserID("lesson");
-  clock.setCourseCreateTs(now, now, now);
+  clock.setCourseCreateTs(kLessonCreated, now, now);
   clock.setIsRunning(true);
 }
 

@@ -12,15 +12,17 @@ int main() {
   tools.setWbBaseSize({400, 225});  // the board for which the widths are meant
   VelWbVectorManager& clock = VelWbVectorManager::shareManager();
   clock.setUserID("u1");
+  const double created = 1700000000;  // stored with the lesson, so the same each time; never "now"
   const double now = currentTime();
-  clock.setCourseCreateTs(now, now, now);  // created now; what the server and we call now
+  clock.setCourseCreateTs(created, now, now);  // what the server and we call now
   clock.setIsRunning(true);
 
   const std::string home = VWBPathManager::sharedManager().tempDirectory() + "/quickstart";
   const auto board = VWBVectorStorage::initWithPath(home);
   board->clear();                  // what an earlier run left
   board->setIgnoreChanges(false);  // from here on, everything is recorded
-  const auto page = VelWbVecSwitchPage::initWithType(VelWBVectorStrSwitchPage);
+  const auto page = recordPointerCast<VelWbVecSwitchPage>(
+      VWBToolManager::genVectorWithType(VelWBVectorTypeSwitchPage));
   page->WBID = 7;
   page->curPage = 1;
   board->switchPage(page);
@@ -36,9 +38,11 @@ int main() {
     VWBToolManager::convertPoint({400.0 + 60 * sample, 360.0 - sample * sample}, *piece);
     piece->ts = penDown + 0.016 * sample;  // when the pen was there
     piece->end = sample == 8;
-    std::cout << modelToJSONString(*piece) << '\n';  // this goes to the other participants ...
-    board->saveVector(piece);                        // ... and this keeps it
-    if (!stroke) stroke = piece;                     // later pieces are folded into the first
+    const std::string text = modelToJSONString(*piece);
+    std::cout << text << '\n';  // this goes to all participants, in one order ...
+    const VectorPtr received = modelWithJSON<VelWbBaseVector>(text);
+    board->saveVector(received);     // ... and each saves what arrives, its author too
+    if (!stroke) stroke = received;  // later pieces are folded into the first
     ID = piece->ID;
   }
 
