@@ -55,7 +55,7 @@ class OwnInk {
     const auto* piece = recordCast<const VelWbVecLine>(&vector);
     if (piece != nullptr && piece->end && piece->ID) strokes_.erase(*piece->ID);
   }
-  /// After the connection was lost: what has not come back by then was not taken.
+  /// When the connection was lost. What the sequencer has taken comes with what was missed.
   void forget() { strokes_.clear(); }
 
   bool holds(const std::string& ID) const { return strokes_.contains(ID); }
