@@ -128,7 +128,7 @@ TEST_F(ChangesOfEachType, StrokesAreAddedAndExtended) {
   for (const std::string_view type :
        {VelWBVectorStrLine, VelWBVectorStrMarkerPen, VelWBVectorStrEraser}) {
     const auto piece = [type](double ts) {
-      const auto stroke = line(std::string(type), 0, 0, ts);
+      auto stroke = line(std::string(type), 0, 0, ts);
       stroke->type = type;
       return stroke;
     };

@@ -129,7 +129,7 @@ TEST_P(MirrorOfTheGuide, IsThePageAfterEveryStepOfARandomLesson) {
   Mirror mirror;
   watchPage(*board, mirror);
   const auto anyPage = [&] {
-    return page(1, static_cast<std::uint64_t>(1 + chances.below(3)), chances.below(1000));
+    return page(1, 1 + static_cast<std::uint64_t>(chances.below(3)), chances.below(1000));
   };
   const auto arrival = [&] { return modelWithDictionary<VelWbBaseVector>(randomArrival(chances)); };
   board->switchPage(anyPage());
