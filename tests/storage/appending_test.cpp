@@ -170,6 +170,7 @@ TEST_F(AppendingVectors, SavesThemOnThePageThatBecomesCurrentWhileItsFilesAreRea
   EXPECT_THAT(board.index(), ElementsAre("a: line a (1 2 3)(4 5 6)", "old: line old"));
   EXPECT_THAT(board.snap("1_2"), ElementsAre("line old", "line a (1 2 3)(4 5 6)"));
   EXPECT_TRUE(board->hasNewChange());
+  board.settle();
 }
 
 TEST_F(AppendingVectors, CachesNothingBeforeItHoldsTheSemaphore) {

@@ -32,7 +32,7 @@ enum class FileStep {
 ///
 /// The operations of a storage stay silent about failures; its observer of writes gets this value.
 /// It must be looked at, or thrown away on purpose.
-struct [[nodiscard]] VELWHITEBOARD_EXPORT FileResult {
+struct [[nodiscard]] FileResult {
   FileStep step = FileStep::kNone;
   /// An `errno` value; 0 on success. For `kProduce` it is `ENOMEM` when memory was short, else 0.
   int error = 0;
@@ -47,7 +47,7 @@ struct [[nodiscard]] VELWHITEBOARD_EXPORT FileResult {
   explicit operator bool() const { return ok(); }
 
   /// One line for a person, for example "write /b/page.plist.tmp: No space left on device".
-  std::string describe() const;
+  VELWHITEBOARD_EXPORT std::string describe() const;
 };
 
 /// The name of a step as it appears in `FileResult::describe`.
