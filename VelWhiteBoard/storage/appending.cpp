@@ -23,8 +23,9 @@ void VWBVectorStorage::State::waitForBatch(const std::string& key) {
   while (busyPages.contains(key)) batchEnded.wait(guard);
 }
 
-void VWBVectorStorage::State::file(std::span<const VectorPtr> rest, const VelWbVecSwitchPage& page,
-                                   BatchRule rule) {
+void VWBVectorStorage::State::file(std::span<const VectorPtr> vectors,
+                                   const VelWbVecSwitchPage& page, BatchRule rule) {
+  std::span<const VectorPtr> rest = vectors;
   for (;;) {
     // Another thread may switch pages in between; each vector goes to the page that was named.
     bool isCurrent = false;

@@ -268,6 +268,7 @@ TEST_F(AnObserverOfChanges, CanPutTheReportsOfSeveralThreadsInOrder) {
     added[report.number] = report.changes[0].entry;
   });
   std::vector<std::thread> threads;
+  threads.reserve(kThreads);
   for (int thread = 0; thread < kThreads; ++thread) {
     threads.emplace_back([&, thread] {
       for (int i = 0; i < kStrokes; ++i) {
@@ -383,7 +384,7 @@ TEST_P(ReportsOfARandomLesson, AreEnoughToDrawEveryPageFrom) {
     mirror.take(report, *board);
   });
   const auto anyPage = [&] {
-    return page(1, static_cast<std::uint64_t>(1 + chances.below(3)), chances.below(1000));
+    return page(1, 1U + static_cast<std::uint64_t>(chances.below(3)), chances.below(1000));
   };
   const auto arrival = [&] { return modelWithDictionary<VelWbBaseVector>(randomArrival(chances)); };
   std::size_t compared = 0;
