@@ -76,6 +76,8 @@ std::variant<Options, int> parseCommandLine(int argc, const char* const* argv) {
                "and compare pages, pictures and files");
   app.add_option("--svg", options.svgFolder, "Draw each page as an SVG file")->type_name("DIR");
   app.add_option("--png", options.pngFolder, "Draw each page as a PNG file")->type_name("DIR");
+  app.add_option("--pdf", options.pdfFile, "Draw all pages into one PDF file, a sheet for each")
+      ->type_name("FILE");
   app.add_option("--size", size, "Size of the pictures")
       ->type_name("WIDTHxHEIGHT")
       ->check(checkSize)

@@ -20,6 +20,8 @@ struct Options {
   /// Folders for one picture a page; none: no such pictures.
   std::optional<std::string> svgFolder;
   std::optional<std::string> pngFolder;
+  /// The file for a sheet a page; none: no such file.
+  std::optional<std::string> pdfFile;
   /// The size of the board as it is shown and drawn, in view points.
   VelWhiteBoard::Size size{1280, 720};
 };

@@ -211,8 +211,9 @@ def first_page(lesson):
     zigzag = [(300 + 12 * i, 520 + 50 * (i % 2)) for i in range(20)]
     lesson.stroke("u3", 9.0, zigzag, color=VIOLET)
     lesson.record("u1", 11.0, "remove", {"rmID": "u3_900"}, copies=2)
-    lesson.stroke("u1", 12.0, line((830, 472), (1225, 478), count=16), "markerPen", "#FFA4005e", 14)
-    lesson.stroke("u1", 13.0, line((1226, 425), (1226, 530), count=10), "eraser", None, 20)
+    lesson.stroke("u1", 12.0, line((868, 472), (1226, 478), count=16), "markerPen", "#FFA4005e", 14)
+    # Takes the marker's end away. Its inner side is as round as the end that stays.
+    lesson.stroke("u1", 13.0, arc(1165, 477, 54, 54, -55, 55, 10), "eraser", None, 20)
     lesson.box("u1", 14.0, "magnifier", (820, 420, 200, 120), {})
     lesson.box("u1", 14.4, "magnifier", (900, 420, 200, 120), {})
     lesson.box("u2", 15.0, "camera", (60, 520, 240, 135), {"isBack": True})
@@ -227,7 +228,7 @@ def second_page(lesson):
     lesson.text("u1", 21.0, (60, 30, 700, 80), "Circles and their friends", size=46)
     lesson.diagram("u1", 21.5, "circle", (90, 150, 200, 200), RED, radii=(100, 100))
     lesson.diagram("u1", 22.0, "line", (190, 250, 100, 1), INK, points=[(190, 250), (290, 250)])
-    lesson.text("u1", 22.3, (225, 205, 40, 50), "r", size=28)
+    lesson.text("u1", 22.3, (250, 250, 40, 50), "r", size=28)
     lesson.diagram("u1", 22.5, "arrowLine", (195, 150, 165, 95), INK, points=[(360, 150), (200, 243)])
     lesson.text("u1", 22.6, (365, 120, 140, 50), "centre", size=24)
     lesson.diagram("u1", 23.0, "ellipse", (440, 190, 320, 160), BLUE, pixel=2, radii=(160, 80))

@@ -64,6 +64,15 @@ void drawPages(const Verification& verification, const std::optional<std::string
   std::cout << "Pictures: " << *folder << "/page-*" << suffix << '\n';
 }
 
+void drawSheets(const Verification& verification, const std::optional<std::string>& path,
+                vwb::Size size) {
+  if (!path) return;
+  PdfFile file(*path, size);
+  for (const ReopenedPage& page : verification.pages) file.add(page.snapshot);
+  file.finish();
+  std::cout << "Pictures: " << *path << '\n';
+}
+
 bool wasEverythingTaken(std::size_t skipped, const Player& player) {
   if (skipped > 0) std::cout << "Lines skipped: " << skipped << ".\n";
   if (player.recordsWithoutPage() > 0) {
@@ -94,6 +103,7 @@ bool runLesson(const Options& options) {
   isKept = wasEverythingTaken(skipped, player) && isKept;
   drawPages(verification, options.svgFolder, ".svg", writeSvg, options.size);
   drawPages(verification, options.pngFolder, ".png", writePng, options.size);
+  drawSheets(verification, options.pdfFile, options.size);
   return isKept;
 }
 

@@ -124,7 +124,6 @@ class Pictures(support.TemporaryFolder):
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         self.assertEqual(support.Picture(self.folder / "page-7_1.png").width, 1)
 
-
     def test_a_picture_that_cannot_be_written_whole_is_none_and_an_earlier_one_stays(self):
         # Its letters take more room in a picture than in the board.
         letters = string.ascii_letters + string.digits
@@ -146,6 +145,30 @@ class Pictures(support.TemporaryFolder):
                     self.assertRegex(result.stderr, rf"\Alesson: cannot write {picture}: .+\n\Z")
                     left = {file.name: file.read_bytes() for file in pictures.iterdir()}
                     self.assertEqual(left, {} if earlier is None else {picture.name: earlier})
+
+    def test_a_pdf_file_that_cannot_be_written_whole_is_none_and_an_earlier_one_stays(self):
+        letters = string.ascii_letters + string.digits
+        text = f'{{"type":"text","ts":2,"ID":"t","x":-0.5,"y":-0.25,"w":1,"h":0.5,"text":"{letters}","fontSize":30}}'
+        pdf = self.folder / "lesson.pdf"
+        draw = ["-", "--fresh", "--board", self.folder / "board", "--pdf", pdf]
+        support.play(*draw, input="\n".join([PAGE, text]))
+        limit = pdf.stat().st_size - 1
+        largest = max(file.stat().st_size for file in (self.folder / "board" / "whiteBoard").iterdir())
+        self.assertLess(largest, limit, "the limit must be the picture's alone")
+        for earlier in [None, b"mine"]:
+            pdf.unlink() if earlier is None else pdf.write_bytes(earlier)
+            result = support.play(*draw, input="\n".join([PAGE, text]),
+                                  preexec_fn=lambda: support.limit_files(limit))
+            self.assertEqual(result.returncode, 2)
+            self.assertRegex(result.stderr, rf"\Alesson: cannot write {pdf}: .+\n\Z")
+            left = {file.name: file.read_bytes() for file in self.folder.iterdir() if file.name != "board"}
+            self.assertEqual(left, {} if earlier is None else {pdf.name: earlier})
+
+    def test_a_pdf_file_in_a_folder_that_is_not_there_is_a_clear_sentence(self):
+        pdf = self.folder / "no" / "lesson.pdf"
+        result = support.play("-", "--board", self.folder / "board", "--pdf", pdf, input=PAGE)
+        self.assertEqual(result.returncode, 2)
+        self.assertRegex(result.stderr, rf"\Alesson: cannot write {pdf}: .+\n\Z")
 
 
 class Streams(support.TemporaryFolder):
@@ -237,7 +260,7 @@ class Options(support.TemporaryFolder):
     def test_help_names_every_option_and_every_status(self):
         result = support.play("--help")
         self.assertEqual((result.returncode, result.stderr), (0, ""))
-        for word in ["LESSON", "--board", "--fresh", "--second-client", "--svg", "--png", "--size",
+        for word in ["LESSON", "--board", "--fresh", "--second-client", "--svg", "--png", "--pdf", "--size",
                      "Exit status: 0 "]:
             self.assertIn(word, result.stdout)
 

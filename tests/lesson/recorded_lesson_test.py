@@ -5,6 +5,7 @@ import json
 import os
 import pathlib
 import pty
+import re
 import subprocess
 import tempfile
 import unittest
@@ -42,7 +43,9 @@ class RecordedLesson(unittest.TestCase):
         cls.pictures = pathlib.Path(folder.name) / "pictures"
         cls.result = support.play(
             support.recorded("lesson.ndjson"), "--board", cls.home, "--second-client",
-            "--svg", cls.pictures, "--png", cls.pictures, "--size", "640x360")
+            "--svg", cls.pictures, "--png", cls.pictures, "--pdf", pathlib.Path(folder.name) / "lesson.pdf",
+            "--size", "640x360")
+        cls.pdf = (pathlib.Path(folder.name) / "lesson.pdf").read_bytes()
         cls.table = support.table_of(cls.result.stdout)
 
     def test_everything_is_verified(self):
@@ -110,6 +113,12 @@ class RecordedLesson(unittest.TestCase):
                              (svg + "svg", "640px", "360px"))
             self.assertEqual(len(root.findall(f".//{svg}path")), len(page["strokes"]), key)
             self.assertEqual(root.findall(f".//{svg}image"), [], key)
+
+    def test_the_pdf_file_has_a_sheet_for_every_page(self):
+        self.assertTrue(self.pdf.startswith(b"%PDF-"))
+        self.assertTrue(self.pdf.rstrip().endswith(b"%%EOF"))
+        self.assertEqual(re.findall(rb"/Count (\d+)", self.pdf), [b"3"])
+        self.assertEqual(re.findall(rb"/MediaBox \[([^]]+)\]", self.pdf).count(b" 0 0 640 360 "), 3)
 
 
 def everything_from(terminal):

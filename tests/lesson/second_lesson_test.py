@@ -104,7 +104,7 @@ PIXELS = {
         "bottom of the square over b": (660, 620, GREEN),
         "middle of the hypotenuse": (660, 345, INK),
         # 0x5e of 255 parts of orange over white.
-        "the marker where nothing else is": (820, 472, (255, 221, 161)),
+        "the marker where nothing else is": (918, 478, (255, 221, 161)),
         "the marker where it was erased": (1226, 478, WHITE),
         "just beside that": (1200, 478, WHITE),
     },

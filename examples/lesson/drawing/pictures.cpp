@@ -2,8 +2,11 @@
 
 #include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <ios>
 #include <system_error>
 
+#include <cairo-pdf.h>
 #include <cairo-svg.h>
 #include <cairo.h>
 
@@ -17,8 +20,8 @@ namespace vwb = VelWhiteBoard;
 
 namespace {
 
-// Erased vectors may become small pictures inside an SVG file: this many pixels an inch, twice
-// those of the page.
+// Erased vectors may become small pictures inside an SVG or PDF file: this many pixels an inch,
+// twice those of the page.
 constexpr double kPixelsPerInch = 144;
 
 void require(cairo_status_t status, const std::string& path) {
@@ -79,6 +82,49 @@ void writeSvg(const std::string& path, const vwb::VectorList& snapshot, vwb::Siz
   require(draw(surface.get(), snapshot, size), path);
   cairo_surface_finish(surface.get());  // writes the file, and tells whether that worked
   file.finish(cairo_surface_status(surface.get()));
+}
+
+// cairo 1.16 does not tell that a PDF file could not be written, so the bytes come through here.
+struct PdfFile::Parts {
+  Parts(const std::string& path, vwb::Size pageSize)
+      : name(path),
+        size(pageSize),
+        file(path),
+        bytes(file.temporary(), std::ios::binary),
+        surface(cairo_pdf_surface_create_for_stream(takeBytes, this, size.width, size.height)) {
+    require(bytes ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR, name);
+  }
+
+  static cairo_status_t takeBytes(void* parts, const unsigned char* data, unsigned int length) {
+    std::ofstream& out = static_cast<Parts*>(parts)->bytes;
+    out.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(length));
+    return out ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+  }
+
+  std::string name;
+  vwb::Size size;
+  PictureFile file;
+  std::ofstream bytes;
+  SurfacePtr surface;
+};
+
+PdfFile::PdfFile(const std::string& path, vwb::Size size)
+    : parts_(std::make_unique<Parts>(path, size)) {
+  cairo_surface_set_fallback_resolution(parts_->surface.get(), kPixelsPerInch, kPixelsPerInch);
+}
+
+PdfFile::~PdfFile() = default;
+
+void PdfFile::add(const vwb::VectorList& snapshot) {
+  require(draw(parts_->surface.get(), snapshot, parts_->size), parts_->name);
+  cairo_surface_show_page(parts_->surface.get());
+}
+
+void PdfFile::finish() {
+  cairo_surface_finish(parts_->surface.get());
+  parts_->bytes.close();
+  require(parts_->bytes ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR, parts_->name);
+  parts_->file.finish(cairo_surface_status(parts_->surface.get()));
 }
 
 void writePng(const std::string& path, const vwb::VectorList& snapshot, vwb::Size size) {

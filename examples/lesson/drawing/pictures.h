@@ -3,6 +3,7 @@
 
 #include <VelWhiteBoard/VelWhiteBoard.h>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,25 @@ void writeSvg(const std::string& path, const VelWhiteBoard::VectorList& snapshot
               VelWhiteBoard::Size size);
 void writePng(const std::string& path, const VelWhiteBoard::VectorList& snapshot,
               VelWhiteBoard::Size size);
+
+/// A PDF file with a sheet for every page, each drawn as in the other kinds. It is written when
+/// `finish` is called; without that an earlier file stays.
+class PdfFile {
+ public:
+  PdfFile(const std::string& path, VelWhiteBoard::Size size);
+  ~PdfFile();
+  PdfFile(const PdfFile&) = delete;
+  PdfFile& operator=(const PdfFile&) = delete;
+
+  /// @throws CannotRun when there is no memory for the drawing, or no room for the file.
+  void add(const VelWhiteBoard::VectorList& snapshot);
+  /// @throws CannotRun when the file cannot be written.
+  void finish();
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
 
 /// The pixels of the page's picture, four bytes each, line by line.
 std::vector<std::byte> pixelsOf(const VelWhiteBoard::VectorList& snapshot,
