@@ -80,8 +80,7 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// | marker | 16, 30, 44, 58, 72 | 8, 14, 20 |
   /// | eraser | 20 | 20 |
   ///
-  /// The tables live as long as the process and never change: a reference that was taken before
-  /// `setVersion` stays valid and refers to the old table.
+  /// Tables never change: a reference from before `setVersion` stays valid, to the old table.
   const std::vector<double>& lineWidthArr() const;
   const std::vector<double>& markerWidthArr() const;
   const std::vector<double>& eraserWidthArr() const;
@@ -90,10 +89,10 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   double textFontMinSize() const;              ///< 8.0
   std::uint64_t whiteBoardTotalCount() const;  ///< 10; stored for the host, never checked here
 
-  /// Which of the two generations of widths and coordinate rules is in force: 1 selects the
-  /// five-entry width tables, "Arial" for new text, tool 3 as remove, the far-edge rule of boxes
-  /// and the media clock for timestamps; every other value selects the other behaviour.
-  /// Initially 0. This getter alone is safe from any thread.
+  /// Which of the two generations of widths and coordinate rules is in force. 1 selects the width
+  /// tables of five entries, "Arial" for new text, tool 3 as remove, the far-edge rule of boxes and
+  /// the media clock for timestamps; any other value selects none of them. Initially 0. This getter
+  /// alone is safe from any thread.
   std::uint64_t version() const;
   /// Stores the version and selects the pen and marker width tables. The width indexes stay as they
   /// are, even if the new table is too short for them; then the lookups give entry 0 or throw.
