@@ -17,18 +17,12 @@ constexpr double kUsualFontSize = 20;
 // Space between the box and its text, in parts of the font size.
 constexpr double kMargin = 0.25;
 
-/// A font size counts in view points of the board on which the text was written.
-double fontSizeOn(const vwb::VelWbVecText& text, vwb::Size size) {
-  if (text.ps < 1) return onBoard(text.fontSize, size);
-  return text.fontSize * size.width / static_cast<double>(text.ps);
-}
-
 }  // namespace
 
 void drawText(cairo_t* context, const vwb::VelWbVecText& text, vwb::Size size) {
   const auto box = drawableRect(vwb::VWBToolManager::convertVectorToNSRect(text, size));
   if (!box) return;
-  setFont(context, text.fontName.value_or(""), fontSizeOn(text, size),
+  setFont(context, text.fontName.value_or(""), text.fontSizeWith(size),
           onBoard(kUsualFontSize, size));
   cairo_font_extents_t font{};
   cairo_font_extents(context, &font);
