@@ -6,8 +6,7 @@
 
 namespace VelWhiteBoard {
 
-VWBVectorStorage::State::Reporting::~Reporting() {
-  if (!report_ || report_->number == 0) return;
+void VWBVectorStorage::State::Reporting::tell() const noexcept {
   try {
     (*observer_)(*report_);
   } catch (...) {

@@ -17,7 +17,9 @@ namespace VelWhiteBoard {
 class VWBVectorStorage::State::Reporting {
  public:
   Reporting() = default;
-  ~Reporting();
+  ~Reporting() {
+    if (report_ && report_->number != 0) tell();
+  }
   Reporting(const Reporting&) = delete;
   Reporting& operator=(const Reporting&) = delete;
 
@@ -30,6 +32,8 @@ class VWBVectorStorage::State::Reporting {
   void complete(State& state) noexcept VELWHITEBOARD_REQUIRES(state.guard);
 
  private:
+  void tell() const noexcept;
+
   std::shared_ptr<const ChangeObserver> observer_;
   std::optional<ChangeReport> report_;
 };

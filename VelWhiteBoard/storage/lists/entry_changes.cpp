@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <tuple>
-#include <utility>
 
 namespace VelWhiteBoard {
 
@@ -36,14 +35,9 @@ void EntryChanges::aboutToChange(const VectorPtr& entry) {
   history_.aboutToChange(entry);
 }
 
-void EntryChanges::reserve(std::size_t count) {
-  if (report_ == nullptr) return;
+void EntryChanges::reserveReport(std::size_t count) {
   const std::size_t needed = report_->size() + count;
   if (needed > report_->capacity()) report_->reserve(std::max(needed, 2 * report_->capacity()));
-}
-
-void EntryChanges::note(EntryChange change) noexcept {
-  if (report_ != nullptr) report_->push_back(std::move(change));
 }
 
 void EntryChanges::add(const VectorPtr& entry, SnapList& snap) {
@@ -52,14 +46,9 @@ void EntryChanges::add(const VectorPtr& entry, SnapList& snap) {
   note({EntryChange::Kind::kAdded, entry});
 }
 
-EntryChange EntryChanges::append(const VelWbBaseVector& vector, const VectorPtr& entry,
-                                 VelWbVecPoint& stroke) {
-  aboutToChange(entry);
-  reserve(1);
-  if (report_ == nullptr) {
-    stroke.append(vector);
-    return {};
-  }
+EntryChange EntryChanges::appendReported(const VelWbBaseVector& vector, const VectorPtr& entry,
+                                         VelWbVecPoint& stroke) {
+  reserveReport(1);
   const auto* line = recordCast<const VelWbVecLine>(stroke);
   const auto* piece = recordCast<const VelWbVecLine>(vector);
   const bool moves = piece != nullptr && piece->offset.has_value();

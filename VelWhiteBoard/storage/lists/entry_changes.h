@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "VelWhiteBoard/storage/lists/change_report.h"
@@ -49,13 +50,26 @@ class EntryChanges {
   void add(const VectorPtr& entry, SnapList& snap);
   /// Has a vector appended to `stroke`, which is `entry`. Answers what is to be noted, for which
   /// there is room; nothing is noted yet.
-  EntryChange append(const VelWbBaseVector& vector, const VectorPtr& entry, VelWbVecPoint& stroke);
+  EntryChange append(const VelWbBaseVector& vector, const VectorPtr& entry, VelWbVecPoint& stroke) {
+    aboutToChange(entry);
+    if (report_ != nullptr) return appendReported(vector, entry, stroke);
+    stroke.append(vector);
+    return {};
+  }
 
   /// Makes room for so many notes, which then need no memory.
-  void reserve(std::size_t count);
-  void note(EntryChange change) noexcept;
+  void reserve(std::size_t count) {
+    if (report_ != nullptr) reserveReport(count);
+  }
+  void note(EntryChange&& change) noexcept {
+    if (report_ != nullptr) report_->push_back(std::move(change));
+  }
 
  private:
+  EntryChange appendReported(const VelWbBaseVector& vector, const VectorPtr& entry,
+                             VelWbVecPoint& stroke);
+  void reserveReport(std::size_t count);
+
   History& history_;
   BatchUndo* undo_;
   Report* report_;

@@ -157,9 +157,9 @@ void applyNew(const VectorPtr& vector, SnapList& snap, SnapQuery& query, EntryCh
   if (vector->type == VelWBVectorStrClear) {
     changes.reserve(1);
     changes.note({Kind::kCleared, nullptr});
+    SnapQuery& clearedQuery = cleared.query.emplace();
     cleared.snap = snap.clear();
-    std::swap(cleared.query, query);
-    query.clear();
+    query.swap(clearedQuery);
     return;
   }
   if (vector->type == VelWBVectorStrMagnifier) return replaceMagnifier(vector, snap, changes);

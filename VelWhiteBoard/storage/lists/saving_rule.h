@@ -2,6 +2,8 @@
 /// The rule for a vector that is saved on the current page: does it continue an entry?
 #pragma once
 
+#include <optional>
+
 #include "VelWhiteBoard/storage/lists/entry_changes.h"
 #include "VelWhiteBoard/storage/lists/snap_list.h"
 #include "VelWhiteBoard/storage/lists/snap_query.h"
@@ -15,7 +17,7 @@ bool isTransient(const VelWbBaseVector& vector);
 /// What a clear takes away; it may be long, so drop it without the guard.
 struct ClearedLists {
   SnapList::Contents snap;
-  SnapQuery query;
+  std::optional<SnapQuery> query;
 };
 
 /// Brings a vector, which must have an identifier, into the current page's state: a transient entry
