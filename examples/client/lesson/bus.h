@@ -1,0 +1,72 @@
+// How the participants of a lesson reach one another.
+#pragma once
+
+#include <VelWhiteBoard/VelWhiteBoard.h>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace whiteboard {
+
+/// A vector that the lesson has, with its place in the lesson's one order.
+struct Arrival {
+  /// Counts from 1 in every lesson, without gaps.
+  std::uint64_t sequence = 0;
+  /// When the sequencer took it, seconds since 1970-01-01.
+  double time = 0;
+  /// Whether this program has sent it.
+  bool isOwn = false;
+  /// The page for which it was made, `VelWbVecSwitchPage::pageInfo()`.
+  std::string page;
+  VelWhiteBoard::VectorPtr vector;
+};
+
+/// How it stands with the connection.
+struct BusStatus {
+  enum class Kind {
+    kConnecting,  ///< not connected; goes on trying
+    kCatchingUp,  ///< connected; vectors that were missed are arriving
+    kLive,        ///< connected; whatever the lesson has, has been handed out or waits in `take`
+    kRefused,     ///< the server does not let this participant in; goes on trying
+  };
+  Kind kind = Kind::kConnecting;
+  /// What went wrong, for a person; empty when nothing did.
+  std::string problem;
+  /// When the lesson was created, seconds since 1970-01-01, the same for all participants; 0 while
+  /// it is not known.
+  double created = 0;
+  /// How many vectors wait to be sent.
+  std::size_t unsent = 0;
+  /// How many messages were dropped, because they were none.
+  std::uint64_t dropped = 0;
+};
+
+/// Brings vectors of all participants into one order and hands them to everybody, the sender
+/// included. Another transport derives from this class.
+///
+/// Threads: all operations may be called from any thread.
+class Bus {
+ public:
+  /// Told, on any thread, that there is something to take or that the status has changed. Must be
+  /// short, and not call the bus.
+  using Notify = std::function<void()>;
+
+  Bus() = default;
+  virtual ~Bus() = default;
+  Bus(const Bus&) = delete;
+  Bus& operator=(const Bus&) = delete;
+
+  /// Begins: everything that the lesson has comes first, then what is new. To be called once.
+  virtual void start(Notify notify) = 0;
+  /// Sends a vector, which belongs to the bus from here on. Never waits: what cannot be sent now is
+  /// sent when there is a connection again, in the order in which it was given. Pieces of a stroke
+  /// that wait one behind the other may be joined.
+  virtual void publish(const std::string& page, VelWhiteBoard::VectorPtr vector) = 0;
+  /// The next arrivals, in order; empty when there are none.
+  virtual std::vector<Arrival> take(std::size_t atMost) = 0;
+  virtual BusStatus status() const = 0;
+};
+
+}  // namespace whiteboard
