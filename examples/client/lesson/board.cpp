@@ -1,0 +1,134 @@
+#include "lesson/board.h"
+
+#include <chrono>
+
+namespace whiteboard {
+
+namespace vwb = VelWhiteBoard;
+
+namespace {
+
+using std::chrono_literals::operator""ms;
+
+/// A page is written so long after its last change.
+constexpr auto kSaveAfter = 1500ms;
+/// What arrives for pages that are not shown is filed this late: each filing writes the page.
+constexpr auto kFlushAfter = 1000ms;
+constexpr std::size_t kMostCollected = 5000;
+
+constexpr Board::PageNumber kFirstPage{1, 1};
+
+Board::PageNumber numberOf(const vwb::VelWbVecSwitchPage& page) {
+  return {page.WBID, page.curPage};
+}
+
+}  // namespace
+
+Board::Page pageSwitchTo(const Board::PageNumber& number) {
+  auto page = vwb::recordPointerCast<vwb::VelWbVecSwitchPage>(
+      vwb::VWBToolManager::genVectorWithType(vwb::VelWBVectorTypeSwitchPage));
+  page->WBID = number.first;
+  page->curPage = number.second;
+  return page;
+}
+
+Board::Board(const std::string& folder)
+    : storage_(vwb::VWBVectorStorage::initWithPath(folder)), saves_(SaveState::watch(*storage_)) {
+  for (const auto& visited : storage_->pageArray()) pages_.insert(numberOf(*visited));
+  saveTimer_.setSingleShot(true);
+  flushTimer_.setSingleShot(true);
+  connect(&saveTimer_, &QTimer::timeout, this, &Board::save);
+  connect(&flushTimer_, &QTimer::timeout, this, &Board::flush);
+
+  storage_->setIgnoreChanges(false);
+  storage_->setChangeObserver([this](const vwb::ChangeReport& report) {
+    if (report.kind == vwb::ChangeReport::Kind::kEntries) {
+      isUnsaved_ = true;
+      saveTimer_.start(kSaveAfter);
+    }
+    emit changed(report);
+  });
+  const auto latest = storage_->latestPage();
+  turnTo(latest ? latest : pageSwitchTo(kFirstPage));
+}
+
+Board::~Board() {
+  flush();
+  save();
+  storage_->setChangeObserver(nullptr);
+}
+
+vwb::VectorList Board::entries(const PageNumber& page) const {
+  return storage_->snapWithPage(*pageSwitchTo(page));
+}
+
+vwb::VectorPtr Board::shownEntry(const std::string& ID) const {
+  const OwnInk::Ink* own = ink_.find(ID);
+  if (own != nullptr && own->page == pageKey()) return own->shown;
+  return storage_->entryWithID(ID);
+}
+
+void Board::file(const std::string& page, const vwb::VectorPtr& vector) {
+  if (page == pageKey()) return storage_->saveVector(vector);
+  const Page other = vwb::VelWbVecSwitchPage::pageFromInfo(page);
+  if (!other) return;
+  addPage(numberOf(*other));
+  vwb::VectorList& collected = forOtherPages_[page];
+  collected.push_back(vector);
+  if (collected.size() >= kMostCollected) {
+    flush();
+  } else if (!flushTimer_.isActive()) {
+    flushTimer_.start(kFlushAfter);
+  }
+}
+
+void Board::flush() {
+  flushTimer_.stop();
+  for (const auto& [page, vectors] : std::exchange(forOtherPages_, {})) {
+    storage_->saveVectors(vectors, vwb::VelWbVecSwitchPage::pageFromInfo(page));
+  }
+}
+
+void Board::turnTo(const Page& page) {
+  if (page_ && numberOf(*page) == number()) return;
+  flush();
+  page_ = page;
+  pages_.insert(numberOf(*page));
+  storage_->switchPage(page);
+  emit pagesChanged();
+}
+
+void Board::addPage(const PageNumber& page) {
+  if (pages_.insert(page).second) emit pagesChanged();
+}
+
+void Board::clear() {
+  forOtherPages_.clear();
+  storage_->clear();
+  saves_->forget();
+  pages_ = {number()};
+  emit pagesChanged();
+}
+
+void Board::tell(const OwnInk::Change& change) {
+  if (!change.ID.empty()) emit inkChanged(change.ID, change.firstNew);
+}
+
+void Board::showInk(const vwb::VelWbBaseVector& change) {
+  const auto* remove = vwb::recordCast<const vwb::VelWbVecRemove>(&change);
+  const std::string target = remove != nullptr ? remove->rmID.value_or("") : change.ID.value_or("");
+  tell(ink_.show(pageKey(), change, storage_->entryWithID(target)));
+}
+
+void Board::inkReceived(const vwb::VelWbBaseVector& vector) { tell(ink_.received(vector)); }
+
+void Board::forgetInk(const std::string& ID) { tell(ink_.forget(ID)); }
+
+void Board::save() {
+  saveTimer_.stop();
+  storage_->saveFile(true);
+  if (!saves_->summary().problem.empty()) storage_->retryFailedSaves();
+  isUnsaved_ = false;
+}
+
+}  // namespace whiteboard

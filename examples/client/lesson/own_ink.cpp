@@ -1,0 +1,85 @@
+#include "lesson/own_ink.h"
+
+#include <utility>
+
+namespace whiteboard {
+
+namespace vwb = VelWhiteBoard;
+
+namespace {
+
+/// The identifier of what a vector changes; empty without one.
+std::string targetOf(const vwb::VelWbBaseVector& vector) {
+  if (const auto* remove = vwb::recordCast<const vwb::VelWbVecRemove>(&vector)) {
+    return remove->rmID.value_or("");
+  }
+  return vector.ID.value_or("");
+}
+
+/// Applies a change as the board will. Answers the first new position of a stroke that has grown.
+std::size_t apply(const vwb::VelWbBaseVector& change, vwb::VelWbBaseVector& shown) {
+  if (auto* box = vwb::recordCast<vwb::VelWbVecSquare>(&shown)) {
+    box->merge(change);
+    return 0;
+  }
+  auto* stroke = vwb::recordCast<vwb::VelWbVecLine>(&shown);
+  const auto* piece = vwb::recordCast<const vwb::VelWbVecLine>(&change);
+  if (stroke == nullptr || piece == nullptr) return 0;
+  const std::size_t before = stroke->path ? stroke->path->size() : 1;
+  const bool moves = piece->offset.has_value() || stroke->offset.has_value();
+  stroke->append(change);
+  return moves ? 0 : before;
+}
+
+}  // namespace
+
+OwnInk::Change OwnInk::show(const std::string& page, const vwb::VelWbBaseVector& change,
+                            const vwb::VectorPtr& entry) {
+  const std::string ID = targetOf(change);
+  if (ID.empty()) return {};
+  Ink& ink = inks_[ID];
+  const bool isNew = ink.page.empty();
+  ink.page = page;
+  if (change.type == vwb::VelWBVectorStrRemove) {
+    ink.shown = nullptr;
+    return {ID, 0};
+  }
+  if (!ink.shown) {
+    if (isNew && entry) {
+      ink.shown = entry->copyWithZone();
+    } else {
+      ink.shown = change.copyWithZone();
+      return {ID, 0};
+    }
+    apply(change, *ink.shown);
+    return {ID, 0};
+  }
+  return {ID, apply(change, *ink.shown)};
+}
+
+void OwnInk::sent(const vwb::VelWbBaseVector& change) {
+  const auto found = inks_.find(targetOf(change));
+  if (found != inks_.end()) found->second.sentTs = change.ts;
+}
+
+OwnInk::Change OwnInk::received(const vwb::VelWbBaseVector& vector) {
+  const std::string ID = targetOf(vector);
+  const auto found = inks_.find(ID);
+  if (found == inks_.end() || vector.ts < found->second.sentTs) return {};
+  // While the pen is down the next piece follows, and the whole stroke stays on top.
+  const auto* stroke = vwb::recordCast<const vwb::VelWbVecLine>(found->second.shown.get());
+  if (stroke != nullptr && !stroke->end) return {};
+  inks_.erase(found);
+  return {ID, 0};
+}
+
+OwnInk::Change OwnInk::forget(const std::string& ID) {
+  return inks_.erase(ID) > 0 ? Change{ID, 0} : Change{};
+}
+
+const OwnInk::Ink* OwnInk::find(const std::string& ID) const {
+  const auto found = inks_.find(ID);
+  return found == inks_.end() ? nullptr : &found->second;
+}
+
+}  // namespace whiteboard

@@ -1,0 +1,154 @@
+#include "lesson/session.h"
+
+#include <QElapsedTimer>
+#include <iterator>
+#include <utility>
+#include <vector>
+
+namespace whiteboard {
+
+namespace vwb = VelWhiteBoard;
+
+namespace {
+
+// Arrivals are filed in portions, so that the window stays alive while a long lesson comes in.
+constexpr std::size_t kArrivalsAtATime = 256;
+constexpr qint64 kPortionMilliseconds = 8;
+
+/// Starts the lesson's clock. It runs as the computer's does: identifiers and the order of the
+/// positions of one stroke need no more.
+std::string startClock(const std::string& user) {
+  vwb::VelWbVectorManager& clock = vwb::VelWbVectorManager::shareManager();
+  clock.setUserID(user);
+  clock.setCourseCreateTs(0, vwb::currentTime(), vwb::currentTime());
+  clock.setIsRunning(true);
+  return clock.genID();
+}
+
+}  // namespace
+
+Session::Session(Board& board, std::unique_ptr<Bus> bus, Kind kind, const std::string& user)
+    : board_(board),
+      kind_(kind),
+      own_(user + '_'),
+      session_(startClock(user)),
+      undo_(user),
+      bus_(std::move(bus)) {
+  connect(&board_, &Board::changed, this,
+          [this](const vwb::ChangeReport& report) { undo_.take(report, board_.storage()); });
+  bus_->start([this] {
+    if (isNotified_.exchange(true)) return;
+    QMetaObject::invokeMethod(this, &Session::takeArrivals, Qt::QueuedConnection);
+  });
+  takeArrivals();
+}
+
+Session::~Session() { takeArrivals(); }
+
+bool Session::isOwn(const vwb::VelWbBaseVector& vector) const {
+  return vector.ID && vector.ID->starts_with(own_);
+}
+
+std::string Session::newIdentifier() { return session_ + '.' + std::to_string(++identifiers_); }
+
+void Session::send(const vwb::VectorPtr& vector) {
+  board_.inkSent(*vector);
+  bus_->publish(board_.pageKey(), vector->copyWithZone());
+  updateStatus();
+}
+
+void Session::draw(const vwb::VectorPtr& vector) {
+  show(*vector);
+  send(vector);
+}
+
+void Session::remove(const std::string& ID) {
+  auto remove = vwb::recordPointerCast<vwb::VelWbVecRemove>(
+      vwb::VWBToolManager::genVectorWithType(vwb::VelWBVectorTypeRemove, newIdentifier()));
+  remove->rmID = ID;
+  draw(remove);
+}
+
+void Session::clearPage() {
+  send(vwb::VWBToolManager::genVectorWithType(vwb::VelWBVectorTypeClear, newIdentifier()));
+}
+
+void Session::turnTo(const Board::PageNumber& page) {
+  if (page == board_.number()) return;
+  const Board::Page pageSwitch = pageSwitchTo(page);
+  board_.turnTo(pageSwitch);
+  if (turnsTogether_) send(pageSwitch);
+}
+
+void Session::turnToNext() {
+  const auto next = board_.pages().upper_bound(board_.number());
+  if (next != board_.pages().end()) turnTo(*next);
+}
+
+void Session::turnToPrevious() {
+  const auto here = board_.pages().lower_bound(board_.number());
+  if (here != board_.pages().begin()) turnTo(*std::prev(here));
+}
+
+void Session::addPage() {
+  const auto& [WBID, last] = *board_.pages().rbegin();
+  turnTo({WBID, last + 1});
+}
+
+void Session::setPenDown(bool down) {
+  isPenDown_ = down;
+  if (down || !turnWhenPenIsUp_) return;
+  board_.turnTo(std::exchange(turnWhenPenIsUp_, nullptr));
+}
+
+void Session::undo() {
+  if (isPenDown_) return;
+  if (const vwb::VectorPtr vector = undo_.undo(board_.storage())) draw(vector);
+}
+
+void Session::redo() {
+  if (isPenDown_) return;
+  if (const vwb::VectorPtr vector = undo_.redo(board_.storage())) draw(vector);
+}
+
+void Session::takeArrivals() {
+  isNotified_ = false;
+  updateStatus();
+  QElapsedTimer taking;
+  taking.start();
+  for (;;) {
+    const std::vector<Arrival> arrivals = bus_->take(kArrivalsAtATime);
+    if (arrivals.empty()) return;
+    for (const Arrival& arrival : arrivals) file(arrival);
+    if (taking.elapsed() < kPortionMilliseconds) continue;
+    // The rest later, after the window has had its turn.
+    if (!isNotified_.exchange(true)) {
+      QMetaObject::invokeMethod(this, &Session::takeArrivals, Qt::QueuedConnection);
+    }
+    return;
+  }
+}
+
+void Session::file(const Arrival& arrival) {
+  if (std::exchange(isFirst_, false) && kind_ == Kind::kShared) {
+    // The lesson has a history, which is about to arrive: it takes the place of the local copy.
+    board_.clear();
+  }
+  if (const auto page = vwb::recordPointerCast<vwb::VelWbVecSwitchPage>(arrival.vector)) {
+    board_.addPage({page->WBID, page->curPage});
+    if (turnsTogether_) isPenDown_ ? void(turnWhenPenIsUp_ = page) : board_.turnTo(page);
+    return;
+  }
+  board_.file(arrival.page, arrival.vector);
+  if (arrival.isOwn) board_.inkReceived(*arrival.vector);
+}
+
+void Session::updateStatus() {
+  status_ = bus_->status();
+  if (status_.created > 0 && !isPenDown_) {
+    vwb::VelWbVectorManager::shareManager().setCreateTs(status_.created);
+  }
+  emit statusChanged();
+}
+
+}  // namespace whiteboard

@@ -1,0 +1,89 @@
+// One participant in a lesson.
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <VelWhiteBoard/VelWhiteBoard.h>
+#include <atomic>
+#include <memory>
+#include <string>
+
+#include "lesson/board.h"
+#include "lesson/bus.h"
+#include "lesson/undo.h"
+
+namespace whiteboard {
+
+/// Connects a board with the other participants: own vectors go to the bus and are shown as ink;
+/// what the bus hands out, own vectors included, is filed in its order.
+///
+/// Threads: that of the windows.
+class Session : public QObject {
+  Q_OBJECT
+
+ public:
+  enum class Kind {
+    kAlone,   ///< the board's folder is all there is
+    kShared,  ///< the bus has the lesson, and the folder a copy that is made anew from it
+  };
+
+  /// `user` must differ between all participants, and between two programs of one of them.
+  Session(Board& board, std::unique_ptr<Bus> bus, Kind kind, const std::string& user);
+  ~Session() override;
+
+  Board& board() { return board_; }
+  const BusStatus& status() const { return status_; }
+  /// Whether this participant has made the vector.
+  bool isOwn(const VelWhiteBoard::VelWbBaseVector& vector) const;
+
+  /// An identifier that no other vector of the lesson has.
+  std::string newIdentifier();
+  /// Shows a change at once, without sending it.
+  void show(const VelWhiteBoard::VelWbBaseVector& change) { board_.showInk(change); }
+  /// Sends a vector for the page that is shown.
+  void send(const VelWhiteBoard::VectorPtr& vector);
+  /// Shows and sends.
+  void draw(const VelWhiteBoard::VectorPtr& vector);
+  void remove(const std::string& ID);
+  void clearPage();
+
+  /// Shows a page, for everybody while pages are turned together.
+  void turnTo(const Board::PageNumber& page);
+  void turnToNext();
+  void turnToPrevious();
+  /// A new page behind all others.
+  void addPage();
+  bool turnsTogether() const { return turnsTogether_; }
+  void setTurnsTogether(bool together) { turnsTogether_ = together; }
+
+  void undo();
+  void redo();
+  bool canUndo() const { return undo_.canUndo(board_.pageKey()); }
+  bool canRedo() const { return undo_.canRedo(board_.pageKey()); }
+  /// While the pen is down nothing is taken back, and no other participant turns the page.
+  void setPenDown(bool down);
+
+ signals:
+  void statusChanged();
+
+ private:
+  void takeArrivals();
+  void file(const Arrival& arrival);
+  void updateStatus();
+
+  Board& board_;
+  Kind kind_;
+  std::string own_;      // how this participant's identifiers begin
+  std::string session_;  // how those of this session begin
+  std::uint64_t identifiers_ = 0;
+  Undo undo_;
+  BusStatus status_;
+  bool turnsTogether_ = true;
+  bool isPenDown_ = false;
+  Board::Page turnWhenPenIsUp_;
+  bool isFirst_ = true;
+  std::atomic<bool> isNotified_ = false;
+  std::unique_ptr<Bus> bus_;  // goes first, because it notifies
+};
+
+}  // namespace whiteboard
