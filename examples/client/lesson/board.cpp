@@ -16,8 +16,6 @@ constexpr auto kSaveAfter = 1500ms;
 constexpr auto kFlushAfter = 1000ms;
 constexpr std::size_t kMostCollected = 5000;
 
-constexpr Board::PageNumber kFirstPage{1, 1};
-
 Board::PageNumber numberOf(const vwb::VelWbVecSwitchPage& page) {
   return {page.WBID, page.curPage};
 }
@@ -32,7 +30,7 @@ Board::Page pageSwitchTo(const Board::PageNumber& number) {
   return page;
 }
 
-Board::Board(const std::string& folder)
+Board::Board(const std::string& folder, const PageNumber& first)
     : storage_(vwb::VWBVectorStorage::initWithPath(folder)), saves_(SaveState::watch(*storage_)) {
   for (const auto& visited : storage_->pageArray()) pages_.insert(numberOf(*visited));
   saveTimer_.setSingleShot(true);
@@ -49,7 +47,7 @@ Board::Board(const std::string& folder)
     emit changed(report);
   });
   const auto latest = storage_->latestPage();
-  turnTo(latest ? latest : pageSwitchTo(kFirstPage));
+  turnTo(latest ? latest : pageSwitchTo(first));
 }
 
 Board::~Board() {

@@ -26,8 +26,9 @@ class Board : public QObject {
   /// The board and the number of a page, in the order in which pages are shown.
   using PageNumber = std::pair<std::int64_t, std::uint64_t>;
 
-  /// Opens the board in a folder, and the page that was shown there last.
-  explicit Board(const std::string& folder);
+  /// Opens the board in a folder, and the page that was shown there last; `first` when there is
+  /// none.
+  explicit Board(const std::string& folder, const PageNumber& first = {1, 1});
   /// Queues what is not written yet. The writes run to their end.
   ~Board() override;
 

@@ -16,11 +16,7 @@ constexpr int kTickMilliseconds = 16;
 
 Player::Player(Board& board, Recording recording)
     : board_(board), recording_(std::move(recording)) {
-  for (const Recording::Event& event : recording_.events) {
-    if (const auto page = vwb::VelWbVecSwitchPage::pageFromInfo(event.page)) {
-      board_.addPage({page->WBID, page->curPage});
-    }
-  }
+  setBack();
   timer_.setInterval(kTickMilliseconds);
   timer_.setTimerType(Qt::PreciseTimer);
   connect(&timer_, &QTimer::timeout, this, &Player::advance);
@@ -47,11 +43,21 @@ void Player::setSpeed(double speed) {
 
 void Player::seek(double position) {
   const double to = std::isfinite(position) ? std::clamp(position, 0.0, duration()) : 0.0;
-  if (to < position_) {
-    next_ = 0;
-    board_.clear();
-  }
+  if (to < position_) setBack();
   fileUpTo(to);
+}
+
+void Player::setBack() {
+  next_ = 0;
+  if (const auto first = recording_.firstPage()) board_.turnTo(first);
+  board_.clear();
+  std::string last;
+  for (const Recording::Event& event : recording_.events) {
+    if (std::exchange(last, event.page) == event.page) continue;
+    if (const auto page = vwb::VelWbVecSwitchPage::pageFromInfo(event.page)) {
+      board_.addPage({page->WBID, page->curPage});
+    }
+  }
 }
 
 void Player::advance() {
@@ -62,7 +68,7 @@ void Player::advance() {
 
 void Player::fileUpTo(double position) {
   position_ = position;
-  const double time = recording_.begin() + position;
+  const double time = position < duration() ? recording_.begin() + position : recording_.end();
   for (; !isAtEnd() && recording_.events[next_].time <= time; ++next_) {
     const Recording::Event& event = recording_.events[next_];
     // A copy: the board changes what it files, and the recording may be played again.

@@ -42,6 +42,8 @@ class Player : public QObject {
   void playingChanged();
 
  private:
+  /// Empties the board.
+  void setBack();
   void advance();
   void fileUpTo(double position);
 

@@ -3,6 +3,7 @@
 
 #include <VelWhiteBoard/VelWhiteBoard.h>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,10 @@ struct Recording {
   std::vector<Event> events;
 
   bool empty() const { return events.empty(); }
+  /// The page of the first vector; null when there is none.
+  std::shared_ptr<VelWhiteBoard::VelWbVecSwitchPage> firstPage() const {
+    return empty() ? nullptr : VelWhiteBoard::VelWbVecSwitchPage::pageFromInfo(events.front().page);
+  }
   double begin() const { return events.empty() ? 0 : events.front().time; }
   double end() const { return events.empty() ? 0 : events.back().time; }
 };

@@ -1,6 +1,7 @@
 #include "lesson/session.h"
 
 #include <QElapsedTimer>
+#include <algorithm>
 #include <iterator>
 #include <utility>
 #include <vector>
@@ -49,7 +50,12 @@ bool Session::isOwn(const vwb::VelWbBaseVector& vector) const {
   return vector.ID && vector.ID->starts_with(own_);
 }
 
-std::string Session::newIdentifier() { return session_ + '.' + std::to_string(++identifiers_); }
+std::string Session::newIdentifier() {
+  // Of equal length, so that their order is that in which they were made.
+  constexpr std::size_t kDigits = 7;
+  const std::string number = std::to_string(++identifiers_);
+  return session_ + '.' + std::string(kDigits - std::min(kDigits, number.size()), '0') + number;
+}
 
 void Session::send(const vwb::VectorPtr& vector) {
   board_.inkSent(*vector);

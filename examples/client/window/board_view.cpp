@@ -1,0 +1,309 @@
+#include "window/board_view.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QTabletEvent>
+#include <QTouchEvent>
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace whiteboard {
+
+namespace vwb = VelWhiteBoard;
+
+namespace {
+
+using std::chrono_literals::operator""ms;
+
+constexpr double kShape = 16.0 / 9.0;
+/// The space around the board.
+constexpr double kMargin = 12;
+constexpr auto kFitAfter = 60ms;
+constexpr double kLensZoom = 2;
+const QColor kDesk(0xE9, 0xEC, 0xF1);
+const QColor kEdge(0xC9, 0xCF, 0xD8);
+
+/// The largest rectangle of the board's shape in the middle of a space, on whole pixels.
+QRectF placeIn(QSize space) {
+  const double width = std::max(16.0, space.width() - 2 * kMargin);
+  const double height = std::max(9.0, space.height() - 2 * kMargin);
+  const double used = std::floor(std::min(width, height * kShape));
+  const double high = std::floor(used / kShape);
+  return {std::floor((space.width() - used) / 2), std::floor((space.height() - high) / 2), used,
+          high};
+}
+
+}  // namespace
+
+BoardView::BoardView(Board& board, QWidget* parent) : QWidget(parent), board_(board) {
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setAttribute(Qt::WA_AcceptTouchEvents);
+  setMouseTracking(true);
+  setTabletTracking(true);
+  setFocusPolicy(Qt::StrongFocus);
+  setMinimumSize(320, 180);
+  fitTimer_.setSingleShot(true);
+  connect(&fitTimer_, &QTimer::timeout, this, &BoardView::fit);
+  connect(&board_, &Board::changed, this, &BoardView::takeReport);
+  connect(&board_, &Board::inkChanged, this, [this](const std::string& ID, std::size_t firstNew) {
+    scene_.takeInk(ID, firstNew, board_.ink(), board_.pageKey());
+    updateStale();
+  });
+  takePage();
+}
+
+void BoardView::setTool(Tool* tool) {
+  if (tool_ != nullptr) tool_->cancel();
+  tool_ = tool;
+  if (std::exchange(isDown_, false)) emit penDown(false);
+  setCursor(tool_ != nullptr ? tool_->cursor() : QCursor(Qt::ArrowCursor));
+  update();
+}
+
+void BoardView::toolChanged() { update(); }
+
+std::vector<double> BoardView::takeLatencies() { return std::exchange(latencies_, {}); }
+
+QImage BoardView::picture() const {
+  QImage picture(layer_.size(), QImage::Format_RGB32);
+  picture.setDevicePixelRatio(layer_.devicePixelRatio());
+  picture.fill(Qt::white);
+  QPainter(&picture).drawImage(QPointF(0, 0), layer_);
+  return picture;
+}
+
+void BoardView::takeReport(const vwb::ChangeReport& report) {
+  if (report.kind != vwb::ChangeReport::Kind::kEntries) return takePage();
+  if (!report.isCurrent) return;
+  for (const vwb::EntryChange& change : report.changes) scene_.take(change);
+  updateStale();
+}
+
+void BoardView::takePage() {
+  const auto page = board_.page();
+  const vwb::VectorList entries = page ? board_.storage().snapWithPage(*page) : vwb::VectorList();
+  scene_.show(entries, board_.ink(), page ? page->pageInfo() : "");
+  updateStale();
+  update();
+}
+
+void BoardView::resizeEvent(QResizeEvent*) {
+  place_ = placeIn(size());
+  // The old picture is shown larger or smaller until the hand rests.
+  if (layer_.isNull()) {
+    fit();
+  } else {
+    fitTimer_.start(kFitAfter);
+  }
+}
+
+void BoardView::fit() {
+  const double ratio = devicePixelRatioF();
+  const QSize pixels(static_cast<int>(std::ceil(place_.width() * ratio)),
+                     static_cast<int>(std::ceil(place_.height() * ratio)));
+  layer_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+  layer_.setDevicePixelRatio(ratio);
+  layer_.fill(Qt::transparent);
+  scene_.setSize({place_.width(), place_.height()});
+  updateStale();
+  update();
+}
+
+void BoardView::updateStale() {
+  const double ratio = layer_.devicePixelRatio();
+  for (const QRectF& part : scene_.takeStale()) {
+    const QRectF pixels(part.x() * ratio, part.y() * ratio, part.width() * ratio,
+                        part.height() * ratio);
+    const QRect aligned = pixels.toAlignedRect().adjusted(-1, -1, 1, 1) & layer_.rect();
+    if (aligned.isEmpty()) continue;
+    // Neighbours are drawn together: a stroke's pieces come one beside the other.
+    if (!stale_.empty() && stale_.back().intersects(aligned)) {
+      stale_.back() |= aligned;
+    } else {
+      stale_.push_back(aligned);
+    }
+    update(part.translated(place_.topLeft()).toAlignedRect().adjusted(-2, -2, 2, 2));
+  }
+}
+
+void BoardView::drawStale() {
+  if (stale_.empty()) return;
+  const double ratio = layer_.devicePixelRatio();
+  QPainter painter(&layer_);
+  painter.setRenderHint(QPainter::Antialiasing);
+  for (const QRect& pixels : std::exchange(stale_, {})) {
+    const QRectF part(pixels.x() / ratio, pixels.y() / ratio, pixels.width() / ratio,
+                      pixels.height() / ratio);
+    painter.save();
+    painter.setClipRect(part);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(part, Qt::transparent);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    scene_.paint(painter, part);
+    painter.restore();
+  }
+}
+
+void BoardView::paintEvent(QPaintEvent* event) {
+  drawStale();
+  {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!place_.contains(event->rect())) {
+      painter.fillRect(event->rect(), kDesk);
+      painter.fillRect(place_.adjusted(-1, -1, 1, 1), kEdge);
+    }
+    painter.setClipRect(place_);
+    painter.fillRect(place_, Qt::white);
+    const QSizeF shown = layer_.deviceIndependentSize();
+    if (std::abs(shown.width() - place_.width()) < 1.5) {
+      painter.drawImage(place_.topLeft(), layer_);
+    } else {
+      painter.setRenderHint(QPainter::SmoothPixmapTransform);
+      painter.drawImage(place_, layer_);
+    }
+    painter.translate(place_.topLeft());
+    paintLens(painter);
+    if (tool_ != nullptr) tool_->paint(painter);
+  }
+  if (!std::exchange(isMeasuring_, false)) return;
+  latencies_.push_back(static_cast<double>(sinceInput_.nsecsElapsed()) / 1e6);
+}
+
+void BoardView::paintLens(QPainter& painter) const {
+  const Shape* lens = scene_.lens();
+  if (lens == nullptr) return;
+  const auto* box = vwb::recordCast<const vwb::VelWbVecSquare>(lens->vector().get());
+  if (box == nullptr) return;
+  const vwb::Rect rect = vwb::VWBToolManager::convertVectorToNSRect(*box, scene_.size());
+  const QRectF place(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
+  if (!place.isValid() || place.width() > 2 * place_.width()) return;
+  painter.save();
+  QPainterPath frame;
+  frame.addRoundedRect(place, 12, 12);
+  painter.setClipPath(frame, Qt::IntersectClip);
+  painter.fillRect(place, Qt::white);
+  painter.setRenderHint(QPainter::SmoothPixmapTransform);
+  const QPointF middle = place.center();
+  const QSizeF part = place.size() / kLensZoom;
+  const double ratio = layer_.devicePixelRatio();
+  const QRectF from((middle.x() - part.width() / 2) * ratio,
+                    (middle.y() - part.height() / 2) * ratio, part.width() * ratio,
+                    part.height() * ratio);
+  painter.drawImage(place, layer_, from);
+  painter.setPen(QPen(QColor(0x3B, 0x6F, 0xD4), 3));
+  painter.drawPath(frame);
+  painter.restore();
+}
+
+// ---- Input ----
+
+void BoardView::beginMeasuring() {
+  if (isMeasuring_) return;
+  isMeasuring_ = true;
+  sinceInput_.start();
+}
+
+void BoardView::press(QPointF inView) {
+  if (tool_ == nullptr || isDown_) return;
+  beginMeasuring();
+  isDown_ = true;
+  emit penDown(true);
+  tool_->press(toBoard(inView));
+}
+
+void BoardView::move(QPointF inView) {
+  if (tool_ == nullptr) return;
+  beginMeasuring();
+  isDown_ ? tool_->move(toBoard(inView)) : tool_->hover(toBoard(inView));
+}
+
+void BoardView::release(QPointF inView) {
+  if (tool_ == nullptr || !std::exchange(isDown_, false)) return;
+  beginMeasuring();
+  tool_->release(toBoard(inView));
+  emit penDown(false);
+}
+
+void BoardView::mousePressEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) press(event->position());
+}
+
+void BoardView::mouseMoveEvent(QMouseEvent* event) { move(event->position()); }
+
+void BoardView::mouseReleaseEvent(QMouseEvent* event) {
+  if (event->button() == Qt::LeftButton) release(event->position());
+}
+
+void BoardView::mouseDoubleClickEvent(QMouseEvent* event) {
+  if (tool_ == nullptr || event->button() != Qt::LeftButton) return;
+  isDown_ = true;
+  emit penDown(true);
+  tool_->doubleClick(toBoard(event->position()));
+}
+
+void BoardView::tabletEvent(QTabletEvent* event) {
+  switch (event->type()) {
+    case QEvent::TabletPress:
+      press(event->position());
+      break;
+    case QEvent::TabletMove:
+      move(event->position());
+      break;
+    case QEvent::TabletRelease:
+      release(event->position());
+      break;
+    default:
+      return event->ignore();
+  }
+  event->accept();
+}
+
+bool BoardView::touch(const QTouchEvent& event) {
+  if (tool_ == nullptr || event.points().isEmpty()) return false;
+  // One finger draws. A second one changes nothing.
+  const QEventPoint& finger = event.points().first();
+  switch (event.type()) {
+    case QEvent::TouchBegin:
+      press(finger.position());
+      return true;
+    case QEvent::TouchUpdate:
+      if (isDown_) move(finger.position());
+      return true;
+    case QEvent::TouchEnd:
+      release(finger.position());
+      return true;
+    default:
+      tool_->cancel();
+      if (std::exchange(isDown_, false)) emit penDown(false);
+      return true;
+  }
+}
+
+bool BoardView::event(QEvent* event) {
+  switch (event->type()) {
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+      if (touch(*static_cast<QTouchEvent*>(event))) {
+        event->accept();
+        return true;
+      }
+      break;
+    default:
+      break;
+  }
+  return QWidget::event(event);
+}
+
+void BoardView::keyPressEvent(QKeyEvent* event) {
+  if (tool_ != nullptr && tool_->key(*event)) return;
+  QWidget::keyPressEvent(event);
+}
+
+}  // namespace whiteboard
