@@ -1,0 +1,148 @@
+#include "window/tools/text_tool.h"
+
+#include <QFontMetricsF>
+#include <QKeyEvent>
+#include <QTextDocument>
+#include <algorithm>
+#include <utility>
+
+#include "window/tools/moving.h"
+
+namespace whiteboard {
+
+namespace vwb = VelWhiteBoard;
+
+namespace {
+
+/// The space between the box and its text, in heights of a line.
+constexpr double kMargin = 0.25;
+/// A new text is no wider than this part of the board.
+constexpr double kWidest = 0.5;
+/// Letters of another client may be a little wider.
+constexpr double kSlack = 1.04;
+
+QFont fontOf(const vwb::VelWbVecText& text, vwb::Size board) {
+  QFont font(QString::fromStdString(text.fontName.value_or("")));
+  if (!text.fontName || text.fontName->empty()) font.setStyleHint(QFont::SansSerif);
+  font.setPixelSize(std::clamp(static_cast<int>(text.fontSizeWith(board)), 6, 400));
+  font.setHintingPreference(QFont::PreferNoHinting);
+  return font;
+}
+
+/// The size of the box that a text needs, in view points, when it may be `widest` wide.
+QSizeF sizeFor(const QString& text, const QFont& font, double widest) {
+  const QFontMetricsF metrics(font);
+  const double margin = kMargin * metrics.height();
+  const QRectF needed = metrics.boundingRect(QRectF(0, 0, widest - 2 * margin, 1e6),
+                                             Qt::TextWordWrap | Qt::AlignLeft, text);
+  return {std::min(widest, needed.width() * kSlack + 2 * margin), needed.height() + 2 * margin};
+}
+
+}  // namespace
+
+/// A frameless editor on the board.
+class TextTool::Editor : public QPlainTextEdit {
+ public:
+  Editor(TextTool& tool, QWidget* parent) : QPlainTextEdit(parent), tool_(tool) {
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setPlaceholderText(tr("Text"));
+  }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (event->key() == Qt::Key_Escape ||
+        (isEnter && event->modifiers().testFlag(Qt::ControlModifier))) {
+      return tool_.finish();
+    }
+    QPlainTextEdit::keyPressEvent(event);
+  }
+
+ private:
+  TextTool& tool_;
+};
+
+TextTool::TextTool(Session& session, BoardView& view) : session_(session), view_(view) {}
+
+void TextTool::press(QPointF at) {
+  opensOnRelease_ = !editor_;
+  finish();
+  at_ = at;
+}
+
+void TextTool::release(QPointF) {
+  if (!std::exchange(opensOnRelease_, false)) return;
+  const Shape* hit = view_.scene().at(at_, 2);
+  if (hit != nullptr && hit->vector()->ID &&
+      vwb::recordCast<const vwb::VelWbVecText>(hit->vector().get()) != nullptr) {
+    return edit(*hit->vector()->ID);
+  }
+  text_ = vwb::recordPointerCast<vwb::VelWbVecText>(
+      vwb::VWBToolManager::genVectorWithTool(vwb::VelWBToolText, session_.newIdentifier()));
+  // The chosen size counts on the reference board, so that it looks the same in all windows.
+  text_->ps = static_cast<std::int64_t>(vwb::VWBToolManager::sharedManager().wbBaseSize().width);
+  isNew_ = true;
+  const vwb::Size board = view_.boardSize();
+  const double left = std::clamp(at_.x(), 0.0, board.width * (1 - kWidest / 2));
+  open({left, at_.y(), std::min(board.width * kWidest, board.width - left), 1});
+}
+
+void TextTool::edit(const std::string& ID) {
+  finish();
+  const vwb::VectorPtr entry = session_.board().shownEntry(ID);
+  const auto text = vwb::recordPointerCast<vwb::VelWbVecText>(entry);
+  if (!text) return;
+  text_ = vwb::recordPointerCast<vwb::VelWbVecText>(vwb::VectorPtr(text->copyWithZone()));
+  isNew_ = false;
+  open(boxOf(*text_, view_.boardSize()));
+}
+
+void TextTool::open(const QRectF& place) {
+  editor_ = new Editor(*this, &view_);
+  const QFont font = fontOf(*text_, view_.boardSize());
+  const double line = QFontMetricsF(font).height();
+  editor_->setFont(font);
+  editor_->document()->setDocumentMargin(kMargin * line);
+  QPalette palette = editor_->palette();
+  palette.setColor(QPalette::Base, QColor(0xF4, 0xF8, 0xFF));
+  palette.setColor(QPalette::Text,
+                   QColor(QString::fromStdString(text_->color.value_or("#303033")).left(7)));
+  editor_->setPalette(palette);
+  editor_->setPlainText(QString::fromStdString(text_->text.value_or("")));
+  const QPointF corner = view_.boardRect().topLeft() + place.topLeft();
+  editor_->setGeometry(static_cast<int>(corner.x()), static_cast<int>(corner.y()),
+                       std::max(120, static_cast<int>(place.width())),
+                       static_cast<int>(std::max(place.height(), line * 2.5)));
+  editor_->show();
+  editor_->setFocus();
+}
+
+void TextTool::finish() {
+  if (!editor_ || !text_) return;
+  const QString written = editor_->toPlainText();
+  const QRectF place(QPointF(editor_->pos()) - view_.boardRect().topLeft(),
+                     QSizeF(editor_->size()));
+  editor_->hide();
+  editor_->deleteLater();
+  editor_ = nullptr;
+  view_.setFocus();
+  const auto text = std::exchange(text_, nullptr);
+  if (written.trimmed().isEmpty()) {
+    if (!isNew_) session_.remove(*text->ID);
+    return;
+  }
+  if (!isNew_ && written.toStdString() == text->text) return;
+  text->text = written.toStdString();
+  text->ts = vwb::VelWbVectorManager::shareManager().genTs();
+  const vwb::Size board = view_.boardSize();
+  if (isNew_) {
+    const QSizeF size = sizeFor(written, fontOf(*text, board), place.width());
+    vwb::VWBToolManager::convertPoint({place.x(), place.y()}, {size.width(), size.height()}, *text,
+                                      board);
+  }
+  session_.draw(text);
+}
+
+}  // namespace whiteboard
