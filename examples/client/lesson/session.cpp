@@ -136,10 +136,8 @@ void Session::takeArrivals() {
 }
 
 void Session::file(const Arrival& arrival) {
-  if (std::exchange(isFirst_, false) && kind_ == Kind::kShared) {
-    // The lesson has a history, which is about to arrive: it takes the place of the local copy.
-    board_.clear();
-  }
+  // The lesson begins with it: its history takes the place of the local copy.
+  if (kind_ == Kind::kShared && arrival.sequence == 1) board_.clear();
   if (const auto page = vwb::recordPointerCast<vwb::VelWbVecSwitchPage>(arrival.vector)) {
     board_.addPage({page->WBID, page->curPage});
     if (turnsTogether_) isPenDown_ ? void(turnWhenPenIsUp_ = page) : board_.turnTo(page);

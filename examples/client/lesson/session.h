@@ -81,7 +81,6 @@ class Session : public QObject {
   bool turnsTogether_ = true;
   bool isPenDown_ = false;
   Board::Page turnWhenPenIsUp_;
-  bool isFirst_ = true;
   std::atomic<bool> isNotified_ = false;
   std::unique_ptr<Bus> bus_;  // goes first, because it notifies
 };

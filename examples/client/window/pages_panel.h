@@ -1,0 +1,36 @@
+// All pages of a board, small.
+#pragma once
+
+#include <QListWidget>
+#include <QTimer>
+#include <set>
+#include <string>
+
+#include "lesson/board.h"
+
+namespace whiteboard {
+
+/// Shows every page as a small picture. Pictures of pages that have changed are drawn anew once a
+/// second, when nothing else is to be done.
+///
+/// It says which page was clicked; turning the page is the owner's.
+class PagesPanel : public QListWidget {
+  Q_OBJECT
+
+ public:
+  explicit PagesPanel(Board& board, QWidget* parent = nullptr);
+
+ signals:
+  void chosen(const Board::PageNumber& page);
+
+ private:
+  void list();
+  void drawNext();
+  Board::PageNumber numberAt(int row) const;
+
+  Board& board_;
+  std::set<Board::PageNumber> changed_;
+  QTimer timer_;
+};
+
+}  // namespace whiteboard
