@@ -1,0 +1,73 @@
+// Lessons on a NATS server.
+#pragma once
+
+#include <chrono>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "lesson/bus.h"
+
+namespace whiteboard {
+
+class NatsBusState;
+
+/// A lesson in a stream of a NATS server with JetStream: the stream is the lesson's one order, and
+/// keeps it. The lesson NAME is the stream `lesson-NAME` with the subject `lesson.NAME`; the first
+/// participant makes it.
+///
+/// A thread connects, again and again, and receives; another one sends, a message at a time, as
+/// long as everything that the lesson has been handed out. Each message has an identifier, so what
+/// is sent again after a failure is in the lesson once.
+///
+/// `BusStatus::dropped` counts received messages that were none, and own ones that nobody would
+/// accept or that the server does not take, mostly because they are too large.
+///
+/// When the server has lost the lesson, or a part of it that was handed out already, arrivals begin
+/// again at the lesson's beginning, and `problem` says so from then on.
+class NatsBus : public Bus {
+ public:
+  struct Options {
+    /// `nats://host:port` or `tls://host:port`.
+    std::string url;
+    /// See `isLessonName`.
+    std::string lesson;
+    /// What the server wants to see; empty for none.
+    std::string token;
+    /// A file of this lesson and this participant. What is unsent at the end is written there, and
+    /// is sent at the next start; the file stays until all of it has been sent. Empty: it is lost.
+    std::string unsentFile;
+  };
+
+  /// @throws std::invalid_argument for a name that no lesson may have.
+  explicit NatsBus(Options options);
+  /// Gives what waits a short time to be sent, less than half a second, and then stops within
+  /// another half. The observer given to `start` is not called any more.
+  ~NatsBus() override;
+
+  void start(Notify notify) override;
+  void publish(const std::string& page, VelWhiteBoard::VectorPtr vector) override;
+  /// `Notify` is not called again before `take` or `status` has been called: take until there is
+  /// nothing left.
+  std::vector<Arrival> take(std::size_t atMost) override;
+  BusStatus status() const override;
+
+ private:
+  /// A thread whose end can be waited for with a limit.
+  struct Worker {
+    std::thread thread;
+    std::future<void> ended;
+  };
+
+  static Worker work(std::packaged_task<void()> task);
+  static void finish(Worker& worker, std::chrono::steady_clock::time_point deadline);
+
+  /// Also owned by the threads: one that waits for a server that hangs is left behind.
+  std::shared_ptr<NatsBusState> state_;
+  Worker reader_;
+  Worker writer_;
+};
+
+}  // namespace whiteboard

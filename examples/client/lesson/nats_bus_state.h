@@ -1,0 +1,110 @@
+// What the threads of a NatsBus share.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lesson/bus.h"
+#include "lesson/nats_bus.h"
+#include "lesson/nats_session.h"
+#include "lesson/outbox.h"
+
+namespace whiteboard {
+
+/// The arrivals, the outbox and the status of a NatsBus.
+///
+/// Threads: all operations may be called from any thread, except where one is named.
+class NatsBusState {
+ public:
+  using Session = std::shared_ptr<NatsSession>;
+
+  /// Reads the file of unsent messages.
+  explicit NatsBusState(NatsBus::Options options);
+
+  const NatsBus::Options& options() const { return options_; }
+
+  // For the bus.
+  void setNotify(Bus::Notify notify);
+  void publish(const std::string& page, VelWhiteBoard::VectorPtr vector);
+  std::vector<Arrival> take(std::size_t atMost);
+  BusStatus status();
+  /// Waits until nothing is to be sent; not at all while sending is not possible.
+  void waitUntilSent(std::chrono::milliseconds atMost);
+  /// From here on the threads end, nothing is sent, and nobody is notified.
+  void stop();
+  /// Writes the file of unsent messages, after `stop`.
+  void keepUnsent();
+
+  // For the reader.
+  bool isStopping() const;
+  /// Waits; tells whether to go on, as opposed to stop.
+  bool pause(std::chrono::milliseconds time);
+  /// There is a connection, which is closed when the bus stops.
+  void connected(const Session& session);
+  /// The lesson's stream has been found or made. Returns the sequence to begin at.
+  std::uint64_t opened(const StreamState& stream);
+  /// Whatever the lesson has is there: sending may begin.
+  void caughtUp();
+  /// A message of the stream, the next in order. `vector` is null for one that is none.
+  void arrived(Arrival arrival, std::string_view id);
+  /// Messages were missing in the stream itself.
+  void missing();
+  /// There is no connection, or no longer.
+  void lost(const NatsFailure& failure);
+
+  // For the writer.
+  struct Job {
+    Session session;
+    OutgoingMessage message;
+  };
+  /// Waits for something to send and for a connection to send it. None at the end.
+  std::optional<Job> nextJob();
+  void finished(const Job& job, const SendResult& result);
+  /// The connection to be closed at the end; may be null.
+  Session session() const;
+
+ private:
+  /// The lock of an operation that may change what `Notify` tells of. Tells when it goes.
+  class Change;
+
+  /// When nothing of an earlier run waits any more, its file goes.
+  void removeFileIfSent();
+
+  const NatsBus::Options options_;
+
+  mutable std::mutex mutex_;
+  std::condition_variable changed_;
+  // All of these under `mutex_`.
+  bool isStopping_ = false;
+  /// Whether `Notify` has been called since somebody last looked.
+  bool isTold_ = false;
+  BusStatus::Kind kind_ = BusStatus::Kind::kConnecting;
+  double created_ = 0;
+  std::uint64_t dropped_ = 0;
+  std::string connectionProblem_;
+  std::string sendProblem_;
+  /// What stays true until the end.
+  std::string lossProblem_;
+  std::uint64_t last_ = 0;
+  std::deque<Arrival> arrivals_;
+  Outbox outbox_;
+  bool fileIsThere_ = false;
+  Session session_;
+  /// `session_` while it may be used to send.
+  Session live_;
+
+  /// Held during each call of `notify_`.
+  std::mutex notifyMutex_;
+  Bus::Notify notify_;
+};
+
+}  // namespace whiteboard

@@ -1,0 +1,89 @@
+#include "lesson/nats_reader.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "lesson/message.h"
+
+namespace whiteboard {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds kFirstPause{200};
+constexpr milliseconds kLongestPause{2000};
+/// After a connection that has worked for so long the pauses begin anew.
+constexpr std::chrono::seconds kGoodConnection{5};
+/// How long it may take to notice that the bus stops.
+constexpr milliseconds kNextWait{100};
+
+}  // namespace
+
+void NatsReader::run() {
+  milliseconds pause = kFirstPause;
+  while (!state_.isStopping()) {
+    isLive_ = false;
+    try {
+      serve();
+    } catch (const NatsFailure& failure) {
+      state_.lost(failure);
+    } catch (const std::exception& failure) {  // no memory, say
+      state_.lost(NatsFailure(failure.what()));
+    }
+    const bool wasGood =
+        isLive_ && std::chrono::steady_clock::now() - liveSince_ >= kGoodConnection;
+    if (wasGood) pause = kFirstPause;
+    if (!state_.pause(pause)) break;
+    pause = std::min(2 * pause, kLongestPause);
+  }
+  nats_ReleaseThreadMemory();
+}
+
+void NatsReader::serve() {
+  const NatsBus::Options& options = state_.options();
+  const auto session = std::make_shared<NatsSession>(options.url, options.lesson, options.token);
+  state_.connected(session);
+  const StreamState stream = session->openStream();
+  target_ = stream.messages == 0 ? 0 : stream.last;
+  next_ = state_.opened(stream);
+  isFirst_ = true;
+  session->subscribe(next_);
+  while (!state_.isStopping()) {
+    if (!isLive_ && next_ > target_) {
+      isLive_ = true;
+      liveSince_ = std::chrono::steady_clock::now();
+      state_.caughtUp();
+    }
+    if (const auto message = session->next(kNextWait)) receive(*message);
+  }
+  session->close();
+}
+
+void NatsReader::receive(const ReceivedMessage& message) {
+  // The subscription may begin anew by itself, and repeat what has been.
+  if (message.sequence() < next_) return;
+  if (message.sequence() > next_) {
+    // Either messages were lost on the way, then they come after another subscription; or the
+    // stream does not have them, then what it has comes first.
+    if (!isFirst_) throw NatsFailure("Messages were lost on the way.");
+    state_.missing();
+  }
+  isFirst_ = false;
+  next_ = message.sequence() + 1;
+  Arrival arrival;
+  arrival.sequence = message.sequence();
+  arrival.time = message.time();
+  if (auto content = decodeMessage(message.text())) {
+    arrival.page = std::move(content->page);
+    arrival.vector = std::move(content->vector);
+  }
+  state_.arrived(std::move(arrival), message.id());
+  // The end of the stream may be missing.
+  if (message.pending() == 0) target_ = std::min(target_, message.sequence());
+}
+
+}  // namespace whiteboard

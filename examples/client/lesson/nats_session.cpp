@@ -1,0 +1,171 @@
+#include "lesson/nats_session.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "lesson/nats_texts.h"
+
+namespace whiteboard {
+
+namespace {
+
+constexpr double kNanosecond = 1e-9;
+/// How long to wait for a server, in milliseconds.
+constexpr std::int64_t kConnectWait = 5000;
+constexpr std::int64_t kRequestWait = 2000;
+constexpr std::int64_t kSendWait = 2000;
+/// How many bytes a millisecond the slowest supported connection carries.
+constexpr std::int64_t kSlowestRate = 32;
+/// A connection on which nothing comes back for three of these is given up. Milliseconds.
+constexpr std::int64_t kPingInterval = 2000;
+constexpr int kPingsOut = 2;
+/// A write that makes no progress for so long fails. Milliseconds.
+constexpr std::int64_t kWriteWait = 40000;
+
+void require(natsStatus status, const char* what, jsErrCode code = jsErrCode(0)) {
+  if (status != NATS_OK) throw failureOf(status, code, what);
+}
+
+/// Without a handler the library writes asynchronous errors to the standard error output. They are
+/// not needed: each shows in the call that waits for what does not come.
+void ignoreError(natsConnection*, natsSubscription*, natsStatus, void*) {}
+
+using OptionsOwner = std::unique_ptr<natsOptions, decltype(&natsOptions_Destroy)>;
+
+OptionsOwner optionsFor(const std::string& url, const std::string& token) {
+  natsOptions* made = nullptr;
+  require(natsOptions_Create(&made), "prepare a connection");
+  OptionsOwner options(made, &natsOptions_Destroy);
+  const auto set = [](natsStatus status) { require(status, "use these settings"); };
+  set(natsOptions_SetURL(made, url.c_str()));
+  if (url.starts_with("tls://")) set(natsOptions_SetSecure(made, true));
+  if (!token.empty()) set(natsOptions_SetToken(made, token.c_str()));
+  set(natsOptions_SetName(made, "whiteboard"));
+  set(natsOptions_SetAllowReconnect(made, false));
+  set(natsOptions_SetTimeout(made, kConnectWait));
+  set(natsOptions_SetPingInterval(made, kPingInterval));
+  set(natsOptions_SetMaxPingsOut(made, kPingsOut));
+  set(natsOptions_SetWriteDeadline(made, kWriteWait));
+  set(natsOptions_SetErrorHandler(made, &ignoreError, nullptr));
+  return options;
+}
+
+/// What cannot be undone by one participant is forbidden to all: the order has no gaps.
+jsStreamConfig configOf(const char* stream, const char** subject) {
+  jsStreamConfig config;
+  jsStreamConfig_Init(&config);
+  config.Name = stream;
+  config.Subjects = subject;
+  config.SubjectsLen = 1;
+  config.Storage = js_FileStorage;
+  config.Discard = js_DiscardNew;
+  config.DenyDelete = true;
+  config.DenyPurge = true;
+  return config;
+}
+
+}  // namespace
+
+ReceivedMessage::ReceivedMessage(natsMsg* message) : message_(message) {
+  jsMsgMetaData* data = nullptr;
+  require(natsMsg_GetMetaData(&data, message), "read a message");
+  sequence_ = data->Sequence.Stream;
+  time_ = static_cast<double>(data->Timestamp) * kNanosecond;
+  pending_ = data->NumPending;
+  jsMsgMetaData_Destroy(data);
+}
+
+std::string_view ReceivedMessage::id() const {
+  const char* value = nullptr;
+  const natsStatus status = natsMsgHeader_Get(message_.get(), "Nats-Msg-Id", &value);
+  return status == NATS_OK && value != nullptr ? value : std::string_view();
+}
+
+std::string_view ReceivedMessage::text() const {
+  const int size = std::max(natsMsg_GetDataLength(message_.get()), 0);
+  return {natsMsg_GetData(message_.get()), static_cast<std::size_t>(size)};
+}
+
+NatsSession::NatsSession(const std::string& url, const std::string& lesson,
+                         const std::string& token)
+    : stream_("lesson-" + lesson), subject_("lesson." + lesson) {
+  const OptionsOwner options = optionsFor(url, token);
+  natsConnection* connection = nullptr;
+  require(natsConnection_Connect(&connection, options.get()), "connect");
+  connection_.reset(connection);
+  jsOptions waiting;
+  jsOptions_Init(&waiting);
+  waiting.Wait = kRequestWait;
+  jsCtx* jetStream = nullptr;
+  require(natsConnection_JetStream(&jetStream, connection, &waiting), "use JetStream");
+  jetStream_.reset(jetStream);
+}
+
+// A subscription to an open connection would ask the server to remove it, and wait.
+NatsSession::~NatsSession() { close(); }
+
+StreamState NatsSession::openStream() {
+  jsStreamInfo* info = nullptr;
+  auto code = jsErrCode(0);
+  natsStatus status = js_GetStreamInfo(&info, jetStream_.get(), stream_.c_str(), nullptr, &code);
+  if (status == NATS_NOT_FOUND || code == JSStreamNotFoundErr) {
+    code = jsErrCode(0);
+    const char* subject = subject_.c_str();
+    jsStreamConfig config = configOf(stream_.c_str(), &subject);
+    // Two who do so at once both succeed.
+    status = js_AddStream(&info, jetStream_.get(), &config, nullptr, &code);
+  }
+  require(status, "open the lesson", code);
+  const StreamState state{static_cast<double>(info->Created) * kNanosecond, info->State.LastSeq,
+                          info->State.Msgs};
+  jsStreamInfo_Destroy(info);
+  return state;
+}
+
+void NatsSession::subscribe(std::uint64_t from) {
+  jsSubOptions options;
+  jsSubOptions_Init(&options);
+  options.Stream = stream_.c_str();
+  options.Ordered = true;
+  options.Config.DeliverPolicy = js_DeliverByStartSequence;
+  options.Config.OptStartSeq = from;
+  natsSubscription* subscription = nullptr;
+  auto code = jsErrCode(0);
+  require(
+      js_SubscribeSync(&subscription, jetStream_.get(), subject_.c_str(), nullptr, &options, &code),
+      "receive the lesson", code);
+  subscription_.reset(subscription);
+}
+
+std::optional<ReceivedMessage> NatsSession::next(std::chrono::milliseconds atMost) {
+  natsMsg* message = nullptr;
+  const natsStatus status = natsSubscription_NextMsg(&message, subscription_.get(), atMost.count());
+  if (status == NATS_TIMEOUT) return std::nullopt;
+  require(status, "receive the lesson");
+  return ReceivedMessage(message);
+}
+
+SendResult NatsSession::send(const OutgoingMessage& message) {
+  natsMsg* made = nullptr;
+  natsStatus status = natsMsg_Create(&made, subject_.c_str(), nullptr, message.text.data(),
+                                     static_cast<int>(message.text.size()));
+  if (status != NATS_OK) return {SendResult::Kind::kFailed, natsStatus_GetText(status)};
+  const std::unique_ptr<natsMsg, decltype(&natsMsg_Destroy)> owner(made, &natsMsg_Destroy);
+  jsPubOptions options;
+  jsPubOptions_Init(&options);
+  options.MsgId = message.id.c_str();
+  options.MaxWait = kSendWait + static_cast<std::int64_t>(message.text.size()) / kSlowestRate;
+  auto code = jsErrCode(0);
+  status = js_PublishMsg(nullptr, jetStream_.get(), made, &options, &code);
+  if (status == NATS_OK) return {SendResult::Kind::kSent, {}};
+  const bool isTooLarge = status == NATS_MAX_PAYLOAD || code == JSStreamMessageExceedsMaximumErr;
+  const bool isForGood = isTooLarge || code == JSBadRequestErr;
+  return {isForGood ? SendResult::Kind::kRefused : SendResult::Kind::kFailed,
+          isTooLarge ? "The server does not take messages of this size."
+                     : failureOf(status, code, "send").what()};
+}
+
+void NatsSession::close() { natsConnection_Close(connection_.get()); }
+
+}  // namespace whiteboard

@@ -1,0 +1,120 @@
+// One connection to a NATS server, from its beginning to its first error.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include <nats/nats.h>
+
+#include "lesson/outbox.h"
+
+namespace whiteboard {
+
+/// The connection does not work, or no longer. `what` tells a person why.
+class NatsFailure : public std::runtime_error {
+ public:
+  explicit NatsFailure(const std::string& text, bool refused = false)
+      : std::runtime_error(text), isRefused(refused) {}
+
+  /// The server does not let this participant in.
+  const bool isRefused;
+};
+
+/// A message of the lesson's stream. `text` and `id` are valid as long as it lives.
+class ReceivedMessage {
+ public:
+  /// Takes the message over.
+  explicit ReceivedMessage(natsMsg* message);
+
+  std::uint64_t sequence() const { return sequence_; }
+  /// When the server took it, seconds since 1970-01-01.
+  double time() const { return time_; }
+  /// How many messages the server had for us after this one.
+  std::uint64_t pending() const { return pending_; }
+  /// The identifier that its author has given; empty when there is none.
+  std::string_view id() const;
+  std::string_view text() const;
+
+ private:
+  struct Destroy {
+    void operator()(natsMsg* message) const { natsMsg_Destroy(message); }
+  };
+
+  std::unique_ptr<natsMsg, Destroy> message_;
+  std::uint64_t sequence_ = 0;
+  double time_ = 0;
+  std::uint64_t pending_ = 0;
+};
+
+/// What a server says about the stream of a lesson.
+struct StreamState {
+  /// Seconds since 1970-01-01.
+  double created = 0;
+  /// The sequence of the newest message; 0 when there has been none.
+  std::uint64_t last = 0;
+  /// How many messages the stream has.
+  std::uint64_t messages = 0;
+};
+
+/// How the sending of a message ended.
+struct SendResult {
+  enum class Kind {
+    kSent,     ///< the stream has it
+    kRefused,  ///< the server will never take this message
+    kFailed,   ///< not known; the connection is to be given up
+  };
+  Kind kind = Kind::kFailed;
+  /// Why it was not sent, for a person.
+  std::string problem;
+};
+
+/// A connection, and the subscription to the stream of one lesson. It does not connect again.
+///
+/// Threads: `subscribe` and `next` are for one thread, `send` for one, which may be another;
+/// `close` for any. `close` makes the others end, with an error.
+class NatsSession {
+ public:
+  /// Connects. May take seconds, much longer when names are resolved slowly.
+  /// @param token empty for none.
+  /// @throws NatsFailure
+  NatsSession(const std::string& url, const std::string& lesson, const std::string& token);
+  /// Closes. May wait for a `send` under way to notice.
+  ~NatsSession();
+  NatsSession(const NatsSession&) = delete;
+  NatsSession& operator=(const NatsSession&) = delete;
+
+  /// Looks up the lesson's stream, and makes it if there is none.
+  /// @throws NatsFailure
+  StreamState openStream();
+  /// From here on `next` returns the stream's messages from that sequence on. Once only.
+  /// @throws NatsFailure
+  void subscribe(std::uint64_t from);
+  /// The next message; none when there was none for that long.
+  /// @throws NatsFailure
+  std::optional<ReceivedMessage> next(std::chrono::milliseconds atMost);
+  /// Sends a message and waits until the stream has it.
+  SendResult send(const OutgoingMessage& message);
+  void close();
+
+ private:
+  template <class T, void (*destroy)(T*)>
+  struct Destroy {
+    void operator()(T* object) const { destroy(object); }
+  };
+  template <class T, void (*destroy)(T*)>
+  using Owner = std::unique_ptr<T, Destroy<T, destroy>>;
+
+  std::string stream_;
+  std::string subject_;
+  // Destroyed from the last to the first.
+  Owner<natsConnection, natsConnection_Destroy> connection_;
+  Owner<jsCtx, jsCtx_Destroy> jetStream_;
+  Owner<natsSubscription, natsSubscription_Destroy> subscription_;
+};
+
+}  // namespace whiteboard
