@@ -26,7 +26,7 @@ MainWindow::MainWindow(Session& session, bool isShared)
       view_(new BoardView(session.board(), this)),
       toolbox_(std::make_unique<Toolbox>(session, *view_, this)),
       pages_(new PagesPanel(session.board(), this)),
-      signs_(new Signs(session, *statusBar(), isShared)) {
+      status_(new StatusLine(session, *statusBar(), isShared)) {
   setCentralWidget(view_);
   addToolBar(Qt::LeftToolBarArea, toolbox_->tools());
   addToolBar(Qt::TopToolBarArea, toolbox_->settings());

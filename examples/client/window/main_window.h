@@ -7,7 +7,7 @@
 #include "lesson/session.h"
 #include "window/board_view.h"
 #include "window/pages_panel.h"
-#include "window/signs.h"
+#include "window/status_line.h"
 #include "window/toolbox.h"
 
 namespace whiteboard {
@@ -22,7 +22,7 @@ class MainWindow : public QMainWindow {
 
   BoardView& view() { return *view_; }
   Toolbox& toolbox() { return *toolbox_; }
-  Signs& signs() { return *signs_; }
+  StatusLine& status() { return *status_; }
 
  protected:
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -42,7 +42,7 @@ class MainWindow : public QMainWindow {
   BoardView* view_;
   std::unique_ptr<Toolbox> toolbox_;
   PagesPanel* pages_;
-  Signs* signs_;
+  StatusLine* status_;
   QAction* undo_ = nullptr;
   QAction* redo_ = nullptr;
   QAction* previous_ = nullptr;

@@ -43,7 +43,7 @@ void mapPoints(vwb::VelWbVecDiagram& diagram, const vwb::VelWbVecSquare& before)
 
 }  // namespace
 
-QRectF boxOf(const vwb::VelWbBaseVector& entry, vwb::Size board) {
+QRectF frameOf(const vwb::VelWbBaseVector& entry, vwb::Size board) {
   const auto* box = vwb::recordCast<const vwb::VelWbVecSquare>(&entry);
   if (box == nullptr) return {};
   const vwb::Rect rect = vwb::VWBToolManager::convertVectorToNSRect(*box, board);
@@ -58,7 +58,7 @@ vwb::VectorPtr moveOf(const vwb::VelWbBaseVector& entry, QPointF by, vwb::Size b
   if (const auto* stroke = vwb::recordCast<const vwb::VelWbVecLine>(&entry)) {
     return moveOfStroke(*stroke, by, board);
   }
-  return resizeOf(entry, boxOf(entry, board).translated(by), board);
+  return resizeOf(entry, frameOf(entry, board).translated(by), board);
 }
 
 vwb::VectorPtr resizeOf(const vwb::VelWbBaseVector& entry, const QRectF& to, vwb::Size board) {

@@ -8,7 +8,7 @@
 namespace whiteboard {
 
 /// The rectangle of an entry's box, in view points; empty when it is no box.
-QRectF boxOf(const VelWhiteBoard::VelWbBaseVector& entry, VelWhiteBoard::Size board);
+QRectF frameOf(const VelWhiteBoard::VelWbBaseVector& entry, VelWhiteBoard::Size board);
 
 /// Whether an entry can be given another size: boxes can, strokes cannot.
 bool isResizable(const VelWhiteBoard::VelWbBaseVector& entry);

@@ -45,7 +45,7 @@ void SelectTool::select(const std::string& ID) {
 QRectF SelectTool::frame() const {
   const vwb::VectorPtr selected = entry();
   if (!selected) return {};
-  if (isResizable(*selected)) return boxOf(*selected, view_.boardSize());
+  if (isResizable(*selected)) return frameOf(*selected, view_.boardSize());
   const Shape* shape = view_.scene().find(selected_);
   return shape != nullptr ? shape->bounds(view_.boardSize()) : QRectF();
 }

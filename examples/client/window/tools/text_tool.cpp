@@ -96,7 +96,7 @@ void TextTool::edit(const std::string& ID) {
   if (!text) return;
   text_ = vwb::recordPointerCast<vwb::VelWbVecText>(vwb::VectorPtr(text->copyWithZone()));
   isNew_ = false;
-  open(boxOf(*text_, view_.boardSize()));
+  open(frameOf(*text_, view_.boardSize()));
 }
 
 void TextTool::open(const QRectF& place) {

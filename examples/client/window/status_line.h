@@ -10,11 +10,11 @@
 namespace whiteboard {
 
 /// Says in a window's lowest line whether the lesson is connected, and whether everything is saved.
-class Signs : public QObject {
+class StatusLine : public QObject {
   Q_OBJECT
 
  public:
-  Signs(Session& session, QStatusBar& bar, bool isShared);
+  StatusLine(Session& session, QStatusBar& bar, bool isShared);
 
   /// For tests: what is said.
   QString connection() const { return connection_->text(); }

@@ -1,4 +1,4 @@
-#include "window/signs.h"
+#include "window/status_line.h"
 
 #include <QDateTime>
 
@@ -37,7 +37,7 @@ QString connectionText(const BusStatus& status) {
 
 }  // namespace
 
-Signs::Signs(Session& session, QStatusBar& bar, bool isShared)
+StatusLine::StatusLine(Session& session, QStatusBar& bar, bool isShared)
     : QObject(&bar),
       session_(session),
       isShared_(isShared),
@@ -46,13 +46,13 @@ Signs::Signs(Session& session, QStatusBar& bar, bool isShared)
   bar.addWidget(connection_);
   bar.addPermanentWidget(saved_);
   timer_.setInterval(kLookMilliseconds);
-  connect(&timer_, &QTimer::timeout, this, &Signs::update);
-  connect(&session_, &Session::statusChanged, this, &Signs::update);
+  connect(&timer_, &QTimer::timeout, this, &StatusLine::update);
+  connect(&session_, &Session::statusChanged, this, &StatusLine::update);
   timer_.start();
   update();
 }
 
-void Signs::update() {
+void StatusLine::update() {
   const BusStatus& status = session_.status();
   QString text = isShared_ ? connectionText(status) : tr("On this computer");
   if (status.unsent > 0) text += tr(" - %1 to send").arg(status.unsent);
