@@ -167,7 +167,7 @@ const Shape* Scene::find(const std::string& ID) const {
 const Shape* Scene::lens() const {
   const Shape* found = nullptr;
   anyFromTop([&](const Shape& shape) {
-    if (shape.vector()->type == vwb::VelWBVectorStrMagnifier) found = &shape;
+    if (shape.isMagnifier()) found = &shape;
     return found != nullptr;
   });
   return found;

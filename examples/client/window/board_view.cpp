@@ -177,14 +177,12 @@ void BoardView::paintEvent(QPaintEvent* event) {
 void BoardView::paintLens(QPainter& painter) const {
   const Shape* lens = scene_.lens();
   if (lens == nullptr) return;
-  const auto* box = vwb::recordCast<const vwb::VelWbVecSquare>(lens->vector().get());
-  if (box == nullptr) return;
-  const vwb::Rect rect = vwb::VWBToolManager::convertVectorToNSRect(*box, scene_.size());
-  const QRectF place(rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
-  if (!place.isValid() || place.width() > 2 * place_.width()) return;
+  const QRectF place = lens->box(scene_.size());
+  if (place.isEmpty()) return;
   painter.save();
   QPainterPath frame;
-  frame.addRoundedRect(place, 12, 12);
+  const double radius = lens->lensRadius(scene_.size());
+  frame.addRoundedRect(place, radius, radius);
   painter.setClipPath(frame, Qt::IntersectClip);
   painter.fillRect(place, Qt::white);
   painter.setRenderHint(QPainter::SmoothPixmapTransform);

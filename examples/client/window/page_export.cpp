@@ -1,7 +1,38 @@
 #include "window/page_export.h"
 
-#include <QImage>
+#include <QFileInfo>
+#include <QObject>
+#include <QSize>
+#include <vector>
+
+#include "drawing/export.h"
 
 namespace whiteboard {
-QString savePages(const Board&, const QString&) { return {}; }
+
+namespace vwb = VelWhiteBoard;
+
+namespace {
+
+constexpr QSize kPageSize(1920, 1080);
+
+}  // namespace
+
+QString savePages(const Board& board, const QString& file) {
+  const QString ending = QFileInfo(file).suffix().toLower();
+  QString problem;
+  bool isSaved = false;
+  if (ending == "pdf") {
+    std::vector<vwb::VectorList> pages;
+    for (const Board::PageNumber& page : board.pages()) pages.push_back(board.entries(page));
+    isSaved = savePdf(file, pages, kPageSize, problem);
+  } else if (ending == "png") {
+    isSaved = savePng(file, board.entries(board.number()), kPageSize, problem);
+  } else if (ending == "svg") {
+    isSaved = saveSvg(file, board.entries(board.number()), kPageSize, problem);
+  } else {
+    return QObject::tr("The name of the file must end in .pdf, .png or .svg.");
+  }
+  return isSaved ? QString() : problem;
+}
+
 }  // namespace whiteboard
