@@ -13,6 +13,7 @@
 #include "lesson/nats_session.h"
 #include "tests/client/support/nats_server.h"
 #include "tests/client/support/participant.h"
+#include "tests/client/support/raw_stream.h"
 
 namespace whiteboard {
 namespace {
@@ -274,6 +275,23 @@ TEST(NatsBus, BeginsAnewWhenTheServerHasLostTheLesson) {
   EXPECT_THAT(sequencesOf(one), ElementsAre(1, 2, 3, 4, 5, 1));
   EXPECT_TRUE(one.isLive());
   EXPECT_THAT(one.status().problem, HasSubstr("has lost"));
+}
+
+TEST(NatsBus, TellsThatAPartOfTheLessonIsMissing) {
+  const NatsServer server;
+  RawStream stream(server.url(), 1000);
+  for (const std::string& ID : numbered("a", 6)) {
+    stream.store(ID, encodeMessage("1_1", *box(ID)));
+  }
+  for (const std::uint64_t sequence : {1U, 2U, 4U, 6U}) stream.remove(sequence);
+  Participant one(server.url());
+  ASSERT_TRUE(one.has(2));
+  EXPECT_THAT(one.IDs(), ElementsAre("a3", "a5"));
+  ASSERT_TRUE(one.isLive());
+  EXPECT_THAT(one.status().problem, HasSubstr("missing"));
+  one.publish("b");
+  ASSERT_TRUE(one.has(3));
+  EXPECT_THAT(sequencesOf(one), ElementsAre(3, 5, 7));
 }
 
 TEST(NatsBus, NotifiesOfArrivals) {

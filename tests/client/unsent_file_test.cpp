@@ -12,6 +12,7 @@
 #include "lesson/nats_session.h"
 #include "tests/client/support/nats_server.h"
 #include "tests/client/support/participant.h"
+#include "tests/client/support/raw_stream.h"
 #include "tests/support/temporary_folder.h"
 
 namespace whiteboard {
@@ -127,6 +128,24 @@ TEST(NatsBusUnsent, IsNotSentAgainWhenTheLessonHasIt) {
   ASSERT_TRUE(one.has(3));
   EXPECT_THAT(one.IDs(), ElementsAre("a", "b", "c"));
   EXPECT_EQ(one.arrivals().back().sequence, 3U);
+}
+
+TEST(NatsBusUnsent, IsNotSentAgainWhenOnlyTheLessonKnowsItsIdentifier) {
+  const TemporaryFolder folder;
+  const std::string path = folder.at("unsent");
+  const NatsServer server;
+  {
+    RawStream stream(server.url(), 100);
+    stream.store("ab-1", message("ab-1", "a").text);
+    stream.store("x-1", message("x-1", "x").text);
+    // Once the server has forgotten the younger identifier, it has forgotten the other, too.
+    ASSERT_TRUE(eventually([&] { return stream.store("x-1", message("x-1", "x").text) != 0; }));
+  }
+  ASSERT_TRUE(writeUnsent(path, {message("ab-1", "a"), message("ab-2", "b")}));
+  Participant one({server.url(), "maths", "", path});
+  ASSERT_TRUE(one.has(4));
+  ASSERT_TRUE(one.hasSentAll());
+  EXPECT_THAT(one.IDs(), ElementsAre("a", "x", "x", "b"));
 }
 
 TEST(NatsBusUnsent, LeavesNoFileWhenEverythingWasSent) {

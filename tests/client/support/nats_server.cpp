@@ -8,6 +8,7 @@
 #include <netinet/in.h>
 #include <stdexcept>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -88,7 +89,12 @@ void NatsServer::start() {
 
 void NatsServer::loseData() { std::filesystem::remove_all(folder_.at("data")); }
 
-void NatsServer::hang() { ::kill(process_->id(), SIGSTOP); }
+void NatsServer::hang() {
+  ::kill(process_->id(), SIGSTOP);
+  int status = 0;
+  // Until all of its threads have stopped.
+  ::waitpid(process_->id(), &status, WUNTRACED);
+}
 
 std::string NatsServer::url() const { return urlOf(port_); }
 
