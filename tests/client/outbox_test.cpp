@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "lesson/message.h"
@@ -17,8 +16,6 @@ namespace whiteboard {
 namespace {
 
 using namespace VelWhiteBoard;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 using LinePtr = std::shared_ptr<VelWbVecLine>;
 

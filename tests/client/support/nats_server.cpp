@@ -96,6 +96,8 @@ void NatsServer::hang() {
   ::waitpid(process_->id(), &status, WUNTRACED);
 }
 
+void NatsServer::resume() { ::kill(process_->id(), SIGCONT); }
+
 std::string NatsServer::url() const { return urlOf(port_); }
 
 SilentServer::SilentServer() : socket_(boundSocket()) { ::listen(socket_, 10); }

@@ -36,6 +36,8 @@ class NatsServer {
   void loseData();
   /// It stays, and does nothing more.
   void hang();
+  /// After `hang`.
+  void resume();
 
   std::string url() const;
 
