@@ -16,6 +16,8 @@ class ChildProcess {
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
+  /// Its number; -1 when it was not started.
+  pid_t id() const { return process_; }
   /// Waits for its end, at most so many seconds. Answers its exit code, 128 and the number when a
   /// signal ended it; nothing when it still runs.
   std::optional<int> waitFor(int seconds);

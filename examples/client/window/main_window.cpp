@@ -30,7 +30,7 @@ MainWindow::MainWindow(Session& session, bool isShared)
   setCentralWidget(view_);
   addToolBar(Qt::LeftToolBarArea, toolbox_->tools());
   addToolBar(Qt::TopToolBarArea, toolbox_->settings());
-  addCommands();
+  addCommands(isShared);
   setContextMenuPolicy(Qt::NoContextMenu);
   statusBar()->setSizeGripEnabled(false);
 
@@ -63,7 +63,7 @@ QAction* MainWindow::addCommand(QToolBar& bar, const QIcon& icon, const QString&
   return added;
 }
 
-void MainWindow::addCommands() {
+void MainWindow::addCommands(bool isShared) {
   QToolBar& bar = *toolbox_->settings();
   bar.addSeparator();
   const auto command = [&](Sign sign, const QString& title, const QKeySequence& keys, auto run) {
@@ -86,10 +86,12 @@ void MainWindow::addCommands() {
   command(Sign::kExport, tr("Save pages as pictures"), QKeySequence("Ctrl+E"),
           [this] { exportPages(); });
 
-  QAction* together = bar.addAction(tr("Turn pages together"));
-  together->setCheckable(true);
-  together->setChecked(session_.turnsTogether());
-  connect(together, &QAction::toggled, this, [this](bool on) { session_.setTurnsTogether(on); });
+  if (isShared) {
+    QAction* together = bar.addAction(tr("Turn pages together"));
+    together->setCheckable(true);
+    together->setChecked(session_.turnsTogether());
+    connect(together, &QAction::toggled, this, [this](bool on) { session_.setTurnsTogether(on); });
+  }
   auto* pasting = new QAction(tr("Paste"), this);
   pasting->setShortcut(QKeySequence::Paste);
   connect(pasting, &QAction::triggered, this, &MainWindow::paste);

@@ -29,7 +29,7 @@ class MainWindow : public QMainWindow {
   void dropEvent(QDropEvent* event) override;
 
  private:
-  void addCommands();
+  void addCommands(bool isShared);
   QAction* addCommand(QToolBar& bar, const QIcon& icon, const QString& title,
                       const QKeySequence& keys);
   void updateCommands();

@@ -25,7 +25,12 @@ QIcon thumbnailOf(const vwb::VectorList& entries, double ratio) {
   painter.setPen(QPen(QColor(0xC9, 0xCF, 0xD8), 1));
   painter.drawRect(QRectF(0.5, 0.5, kPicture.width() - 1, kPicture.height() - 1));
   painter.end();
-  return QIcon(QPixmap::fromImage(image));
+  const QPixmap pixmap = QPixmap::fromImage(image);
+  QIcon icon(pixmap);
+  // The picture of the page that is shown keeps its colours.
+  icon.addPixmap(pixmap, QIcon::Selected);
+  icon.addPixmap(pixmap, QIcon::Disabled);
+  return icon;
 }
 
 }  // namespace
@@ -40,7 +45,7 @@ PagesPanel::PagesPanel(Board& board, QWidget* parent) : QListWidget(parent), boa
   setUniformItemSizes(true);
   setFocusPolicy(Qt::NoFocus);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  setFixedWidth(kPicture.width() + 44);
+  setFixedWidth(kPicture.width() + 36);
   timer_.setSingleShot(true);
   timer_.setInterval(kDrawMilliseconds);
   connect(&timer_, &QTimer::timeout, this, &PagesPanel::drawNext);

@@ -17,6 +17,9 @@ namespace vwb = VelWhiteBoard;
 
 namespace {
 
+/// The palette's dark one: most is written with it.
+constexpr std::size_t kFirstColour = 5;
+
 vwb::VWBToolManager& settingsOfTools() { return vwb::VWBToolManager::sharedManager(); }
 
 QToolBar* newBar(const QString& title, QWidget* parent) {
@@ -107,7 +110,7 @@ void Toolbox::addColours() {
     added->setToolTip(QString("%1 (Ctrl+%2)").arg(name).arg(i + 1));
     group->addAction(added);
     connect(added, &QAction::triggered, this, [this, i] { setColour(static_cast<int>(i)); });
-    if (i == 0) added->trigger();
+    if (i == kFirstColour) added->trigger();
   }
   settings_->addSeparator();
 }

@@ -17,6 +17,8 @@ constexpr double kTolerance = 6;
 constexpr double kHandle = 9;
 constexpr double kSmallestBox = 8;
 constexpr double kSmallestMove = 3;
+/// The frame lies so far outside, where the line of a shape does not hide it.
+constexpr double kGap = 4;
 const QColor kFrame(0x3B, 0x6F, 0xD4);
 
 std::array<QPointF, 4> cornersOf(const QRectF& rect) {
@@ -156,7 +158,7 @@ void SelectTool::paint(QPainter& painter) const {
   if (around.isNull()) return;
   painter.setPen(QPen(kFrame, 1.4, Qt::DashLine));
   painter.setBrush(Qt::NoBrush);
-  painter.drawRect(around);
+  painter.drawRect(around.adjusted(-kGap, -kGap, kGap, kGap));
   const vwb::VectorPtr selected = entry();
   if (!selected || !isResizable(*selected)) return;
   painter.setPen(QPen(kFrame, 1.4));

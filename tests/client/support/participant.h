@@ -1,0 +1,90 @@
+/// @file
+/// What the tests of the transport do again and again.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "lesson/message.h"
+#include "lesson/nats_bus.h"
+
+namespace whiteboard {
+
+/// Waits until it is so; tells whether it has become so within a minute.
+inline bool eventually(const std::function<bool()>& isSo) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (!isSo()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return true;
+}
+
+/// A text box: two of them are never joined.
+inline VelWhiteBoard::VectorPtr box(const std::string& ID) {
+  auto made = VelWhiteBoard::VelWbVecText::initWithType("text");
+  made->ID = ID;
+  return made;
+}
+
+/// A bus, and everything that has arrived.
+class Participant {
+ public:
+  explicit Participant(NatsBus::Options options) : bus_(std::make_unique<NatsBus>(options)) {
+    bus_->start({});
+  }
+  explicit Participant(const std::string& url)
+      : Participant(NatsBus::Options{url, "maths", "", ""}) {}
+
+  void publish(const std::string& ID) { bus_->publish("1_1", box(ID)); }
+  NatsBus& bus() { return *bus_; }
+  BusStatus status() const { return bus_->status(); }
+  void leave() { bus_.reset(); }
+
+  /// Waits until so many have arrived.
+  bool has(std::size_t count) {
+    return eventually([&] {
+      takeAll();
+      return arrivals_.size() >= count;
+    });
+  }
+  bool isLive() const { return becomes(BusStatus::Kind::kLive); }
+  /// Waits for this status.
+  bool becomes(BusStatus::Kind kind) const {
+    return eventually([&] { return status().kind == kind; });
+  }
+  /// Waits for a problem whose text has this in it.
+  bool tells(std::string_view text) const {
+    return eventually([&] { return status().problem.find(text) != std::string::npos; });
+  }
+  bool hasSentAll() const {
+    return eventually([&] { return status().unsent == 0; });
+  }
+
+  const std::vector<Arrival>& arrivals() const { return arrivals_; }
+  /// The identifiers of the vectors, in the order of arrival.
+  std::vector<std::string> IDs() const {
+    std::vector<std::string> all;
+    for (const Arrival& arrival : arrivals_) all.push_back(arrival.vector->ID.value());
+    return all;
+  }
+
+ private:
+  void takeAll() {
+    constexpr std::size_t kAtOnce = 100;
+    for (auto some = bus_->take(kAtOnce); !some.empty(); some = bus_->take(kAtOnce)) {
+      for (Arrival& arrival : some) arrivals_.push_back(std::move(arrival));
+    }
+  }
+
+  std::unique_ptr<NatsBus> bus_;
+  std::vector<Arrival> arrivals_;
+};
+
+}  // namespace whiteboard

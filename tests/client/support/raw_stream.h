@@ -1,0 +1,30 @@
+/// @file
+/// A lesson's stream, made and changed by something other than the transport.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <nats/nats.h>
+
+namespace whiteboard {
+
+/// Threads: one.
+class RawStream {
+ public:
+  /// Makes the stream of the lesson "maths". Messages may be removed from it.
+  /// @param windowMilliseconds how long the server knows the identifiers of messages; at least 100.
+  /// @throws std::runtime_error
+  RawStream(const std::string& url, int windowMilliseconds);
+
+  /// Stores a message. Returns its place in the stream; 0 when the server knows the identifier.
+  std::uint64_t store(const std::string& id, const std::string& text);
+  void remove(std::uint64_t sequence);
+
+ private:
+  std::unique_ptr<natsConnection, decltype(&natsConnection_Destroy)> connection_;
+  std::unique_ptr<jsCtx, decltype(&jsCtx_Destroy)> jetStream_;
+};
+
+}  // namespace whiteboard
