@@ -56,7 +56,8 @@ Board::~Board() {
   storage_->setChangeObserver(nullptr);
 }
 
-vwb::VectorList Board::entries(const PageNumber& page) const {
+vwb::VectorList Board::entries(const PageNumber& page) {
+  flush();
   return storage_->snapWithPage(*pageSwitchTo(page));
 }
 
@@ -102,7 +103,10 @@ void Board::addPage(const PageNumber& page) {
 
 void Board::clear() {
   forOtherPages_.clear();
-  storage_->clear();
+  // Page by page: the removals stand in the queue behind the writes that wait there, while clearing
+  // the whole board at once would let such a write bring a page back.
+  for (const PageNumber& page : pages_) storage_->clearPage(*pageSwitchTo(page));
+  storage_->setPageArray({page_});
   saves_->forget();
   pages_ = {number()};
   emit pagesChanged();

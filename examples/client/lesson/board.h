@@ -39,7 +39,7 @@ class Board : public QObject {
   PageNumber number() const { return {page_->WBID, page_->curPage}; }
   const std::set<PageNumber>& pages() const { return pages_; }
   /// The entries of a page, lowest first.
-  VelWhiteBoard::VectorList entries(const PageNumber& page) const;
+  VelWhiteBoard::VectorList entries(const PageNumber& page);
   /// The entry of the page that is shown, with own ink; null when there is none.
   VelWhiteBoard::VectorPtr shownEntry(const std::string& ID) const;
 

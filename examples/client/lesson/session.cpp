@@ -60,7 +60,8 @@ std::string Session::newIdentifier() {
 void Session::send(const vwb::VectorPtr& vector) {
   board_.inkSent(*vector);
   bus_->publish(board_.pageKey(), vector->copyWithZone());
-  updateStatus();
+  // Alone, it has arrived already.
+  kind_ == Kind::kAlone ? takeArrivals() : updateStatus();
 }
 
 void Session::draw(const vwb::VectorPtr& vector) {

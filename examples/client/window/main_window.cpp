@@ -123,8 +123,8 @@ void MainWindow::chooseImage() {
 }
 
 void MainWindow::paste() {
-  const QMimeData* data = QGuiApplication::clipboard()->mimeData();
-  if (data != nullptr && data->hasImage()) insert(qvariant_cast<QImage>(data->imageData()));
+  const QMimeData* copied = QGuiApplication::clipboard()->mimeData();
+  if (copied != nullptr && copied->hasImage()) insert(qvariant_cast<QImage>(copied->imageData()));
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {

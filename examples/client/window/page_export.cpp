@@ -17,7 +17,7 @@ constexpr QSize kPageSize(1920, 1080);
 
 }  // namespace
 
-QString savePages(const Board& board, const QString& file) {
+QString savePages(Board& board, const QString& file) {
   const QString ending = QFileInfo(file).suffix().toLower();
   QString problem;
   bool isSaved = false;

@@ -9,6 +9,6 @@ namespace whiteboard {
 
 /// Saves pages by the ending of the file's name: .pdf has all pages, .png and .svg the one that is
 /// shown. Answers what went wrong, for a person; empty when nothing did.
-QString savePages(const Board& board, const QString& file);
+QString savePages(Board& board, const QString& file);
 
 }  // namespace whiteboard
