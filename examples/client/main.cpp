@@ -44,6 +44,17 @@ int fail(int code, const QString& what) {
   return code;
 }
 
+/// Whether a window can be opened; otherwise Qt ends the program in its own, less clear way.
+bool hasDisplay() {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+  return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+         !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+#else
+  return true;
+#endif
+}
+
 /// An identifier that no other program that runs has.
 std::string userOf(const Options& options) {
   const QString random = QString::number(QRandomGenerator::system()->generate64(), 36);
@@ -125,7 +136,7 @@ int runBoard(const Options& options) {
   return QApplication::exec();
 }
 
-std::optional<Options> optionsOf(const QApplication& application) {
+std::optional<Options> optionsOf(const QCoreApplication& application) {
   QCommandLineParser parser;
   parser.setApplicationDescription(
       QObject::tr("A whiteboard. Without options it opens a board of this computer."));
@@ -172,11 +183,19 @@ std::optional<Options> optionsOf(const QApplication& application) {
 }  // namespace whiteboard
 
 int main(int argc, char* argv[]) {
-  QApplication application(argc, argv);
-  QApplication::setApplicationName("whiteboard");
-  QApplication::setApplicationVersion(VELWHITEBOARD_VERSION_STRING);
-  whiteboard::applyStyle(application);
-  const std::optional<whiteboard::Options> options = whiteboard::optionsOf(application);
+  QCoreApplication::setApplicationName("whiteboard");
+  QCoreApplication::setApplicationVersion(VELWHITEBOARD_VERSION_STRING);
+  std::optional<whiteboard::Options> options;
+  {
+    // Without windows: --help needs no display.
+    const QCoreApplication application(argc, argv);
+    options = whiteboard::optionsOf(application);
+  }
   if (!options) return whiteboard::kMisuse;
+  if (!whiteboard::hasDisplay()) {
+    return whiteboard::fail(whiteboard::kFailure, "there is no display to open a window on");
+  }
+  QApplication application(argc, argv);
+  whiteboard::applyStyle(application);
   return options->replays ? whiteboard::runReplay(*options) : whiteboard::runBoard(*options);
 }

@@ -24,7 +24,7 @@ check_format() {
 build_with_gcc_without_warnings() {
   step "Building with GCC, warnings are errors"
   cmake --preset dev -B "$ci_gcc" --log-level=WARNING \
-    -DVELWHITEBOARD_WERROR=ON -DVELWHITEBOARD_BUILD_BENCHMARKS=ON
+    -DVELWHITEBOARD_WERROR=ON -DVELWHITEBOARD_BUILD_BENCHMARKS=ON -DVELWHITEBOARD_BUILD_CLIENT=ON
   cmake --build "$ci_gcc"
 }
 

@@ -4,6 +4,9 @@ library_packages=(build-essential cmake ninja-build pkg-config
   nlohmann-json3-dev libsimdjson-dev libexpat1-dev)
 example_packages=(libcli11-dev libcairo2-dev fonts-dejavu-core)
 test_packages=(libgtest-dev libgmock-dev locales python3 valgrind)
+client_packages=(qt6-base-dev libqt6svg6-dev libnats-dev nats-server)
+# For tests of windows: a display in memory.
+client_test_packages=(xvfb xauth)
 bench_packages=(libbenchmark-dev libsqlite3-dev python3)
 check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev
   libsqlite3-dev)
