@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <netinet/in.h>
+#include <poll.h>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -103,6 +104,11 @@ std::string NatsServer::url() const { return urlOf(port_); }
 SilentServer::SilentServer() : socket_(boundSocket()) { ::listen(socket_, 10); }
 
 SilentServer::~SilentServer() { ::close(socket_); }
+
+bool SilentServer::isCalled() const {
+  pollfd waiting{socket_, POLLIN, 0};
+  return ::poll(&waiting, 1, 0) == 1;
+}
 
 std::string SilentServer::url() const { return urlOf(portOf(socket_)); }
 
