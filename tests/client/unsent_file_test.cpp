@@ -135,7 +135,7 @@ TEST(NatsBusUnsent, IsNotSentAgainWhenOnlyTheLessonKnowsItsIdentifier) {
   const std::string path = folder.at("unsent");
   const NatsServer server;
   {
-    RawStream stream(server.url(), 100);
+    RawStream stream(server.url(), {.window = 100});
     stream.store("ab-1", message("ab-1", "a").text);
     stream.store("x-1", message("x-1", "x").text);
     // Once the server has forgotten the younger identifier, it has forgotten the other, too.

@@ -1,11 +1,14 @@
 #include "tests/client/support/nats_server.h"
 
 #include <arpa/inet.h>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <netinet/in.h>
+#include <poll.h>
+#include <random>
 #include <stdexcept>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -25,14 +28,19 @@ sockaddr_in loopback(std::uint16_t port) {
   return address;
 }
 
-/// A socket bound to a free port.
+/// A socket bound to a free port. The system gives the ports of this range to nobody by itself, so
+/// the port stays free while its server is down.
 int boundSocket() {
+  constexpr int kTries = 1000;
+  std::random_device source;
+  std::uniform_int_distribution<int> port(15000, 30000);
   const int made = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  const sockaddr_in address = loopback(0);
-  if (made < 0 || ::bind(made, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-    throw std::system_error(errno, std::generic_category(), "bind");
+  for (int i = 0; made >= 0 && i < kTries; ++i) {
+    const sockaddr_in address = loopback(static_cast<std::uint16_t>(port(source)));
+    const auto* general = reinterpret_cast<const sockaddr*>(&address);
+    if (::bind(made, general, sizeof address) == 0) return made;
   }
-  return made;
+  throw std::system_error(errno, std::generic_category(), "bind");
 }
 
 std::uint16_t portOf(int socket) {
@@ -103,6 +111,11 @@ std::string NatsServer::url() const { return urlOf(port_); }
 SilentServer::SilentServer() : socket_(boundSocket()) { ::listen(socket_, 10); }
 
 SilentServer::~SilentServer() { ::close(socket_); }
+
+bool SilentServer::isCalled() const {
+  pollfd waiting{socket_, POLLIN, 0};
+  return ::poll(&waiting, 1, 0) == 1;
+}
 
 std::string SilentServer::url() const { return urlOf(portOf(socket_)); }
 

@@ -55,6 +55,8 @@ class SilentServer {
   SilentServer(const SilentServer&) = delete;
   SilentServer& operator=(const SilentServer&) = delete;
 
+  /// Whether somebody has connected.
+  bool isCalled() const;
   std::string url() const;
 
  private:

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -31,6 +33,13 @@ inline VelWhiteBoard::VectorPtr box(const std::string& ID) {
   auto made = VelWhiteBoard::VelWbVecText::initWithType("text");
   made->ID = ID;
   return made;
+}
+
+/// NAME1, NAME2 and so on.
+inline std::vector<std::string> numbered(const std::string& name, int count) {
+  std::vector<std::string> all;
+  for (int i = 1; i <= count; ++i) all.push_back(name + std::to_string(i));
+  return all;
 }
 
 /// A bus, and everything that has arrived.
@@ -72,6 +81,12 @@ class Participant {
   std::vector<std::string> IDs() const {
     std::vector<std::string> all;
     for (const Arrival& arrival : arrivals_) all.push_back(arrival.vector->ID.value());
+    return all;
+  }
+  /// Their places in the lesson's order.
+  std::vector<std::uint64_t> sequences() const {
+    std::vector<std::uint64_t> all;
+    for (const Arrival& arrival : arrivals_) all.push_back(arrival.sequence);
     return all;
   }
 

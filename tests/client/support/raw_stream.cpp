@@ -12,7 +12,7 @@ void require(natsStatus status) {
 
 }  // namespace
 
-RawStream::RawStream(const std::string& url, int windowMilliseconds)
+RawStream::RawStream(const std::string& url, Limits limits)
     : connection_(nullptr, &natsConnection_Destroy), jetStream_(nullptr, &jsCtx_Destroy) {
   constexpr std::int64_t kNanoseconds = 1'000'000;
   natsConnection* connection = nullptr;
@@ -27,7 +27,10 @@ RawStream::RawStream(const std::string& url, int windowMilliseconds)
   config.Name = "lesson-maths";
   config.Subjects = &subject;
   config.SubjectsLen = 1;
-  config.Duplicates = windowMilliseconds * kNanoseconds;
+  config.Duplicates = limits.window * kNanoseconds;
+  config.MaxMsgSize = limits.messageSize;
+  config.MaxMsgs = limits.messages;
+  config.Discard = js_DiscardNew;
   require(js_AddStream(nullptr, jetStream, &config, nullptr, nullptr));
 }
 

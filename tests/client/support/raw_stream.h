@@ -13,10 +13,18 @@ namespace whiteboard {
 /// Threads: one.
 class RawStream {
  public:
+  struct Limits {
+    /// How long the server knows the identifiers of messages, milliseconds; at least 100.
+    int window = 1000;
+    /// Bytes of a message; -1: any.
+    int messageSize = -1;
+    /// How many it takes before it is full; -1: any.
+    int messages = -1;
+  };
+
   /// Makes the stream of the lesson "maths". Messages may be removed from it.
-  /// @param windowMilliseconds how long the server knows the identifiers of messages; at least 100.
   /// @throws std::runtime_error
-  RawStream(const std::string& url, int windowMilliseconds);
+  RawStream(const std::string& url, Limits limits);
 
   /// Stores a message. Returns its place in the stream; 0 when the server knows the identifier.
   std::uint64_t store(const std::string& id, const std::string& text);
