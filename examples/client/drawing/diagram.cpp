@@ -1,11 +1,11 @@
 #include "drawing/diagram.h"
 
-#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 
 #include "drawing/canvas.h"
 #include "drawing/outline.h"
+#include "drawing/squares.h"
 
 namespace whiteboard {
 
@@ -21,6 +21,9 @@ constexpr double kLineIntoHead = 0.8;
 
 // More corners than a shape needs. Of a line, the last point counts in any case.
 constexpr std::size_t kMostPoints = 1000;
+
+// An outline that is not wider, in view points, is drawn in one piece.
+constexpr double kThin = 24;
 
 QPointF turned(double angle, double length) {
   return {std::cos(angle) * length, std::sin(angle) * length};
@@ -118,21 +121,24 @@ QRectF Diagram::inked(vwb::Size board) const {
   return form.head.isEmpty() ? area : area.united(form.head.boundingRect());
 }
 
+QPainterPath Diagram::centreLineOf(const Form& form) {
+  QPainterPath path;
+  if (!form.ellipse.isEmpty()) {
+    path.addEllipse(form.ellipse);
+  } else {
+    path.addPolygon(form.line);
+    if (form.isClosed) path.closeSubpath();
+  }
+  return path;
+}
+
 void Diagram::paint(QPainter& painter, vwb::Size board, const QRectF& part) const {
-  static_cast<void>(part);
   const Form form = formOn(board);
   const double width = widthOn(board);
   const QColor colour = colourOf(diagram_.color).value_or(ink());
   QPainterPath path;
   if (isVector(painter)) {
-    if (!form.ellipse.isEmpty()) {
-      path.addEllipse(form.ellipse);
-    } else {
-      path.addPolygon(form.line);
-      if (form.isClosed) path.closeSubpath();
-    }
-    painter.strokePath(path, roundPen(colour, width));
-    path.clear();
+    painter.strokePath(centreLineOf(form), roundPen(colour, width));
   } else {
     addOutline(form.line, width, form.isClosed, path);
   }
@@ -141,7 +147,13 @@ void Diagram::paint(QPainter& painter, vwb::Size board, const QRectF& part) cons
     path.closeSubpath();
   }
   path.setFillRule(Qt::WindingFill);
-  if (!path.isEmpty()) painter.fillPath(path, colour);
+  if (path.isEmpty()) return;
+  if (isVector(painter) || width <= kThin) return painter.fillPath(path, colour);
+  paintInSquares(painter, part.intersected(seenOf(inked(board), board)),
+                 [&](QPainter& into, const QRectF&) {
+                   into.fillPath(path, colour);
+                   return true;
+                 });
 }
 
 bool Diagram::hits(QPointF at, double tolerance, vwb::Size board) const {

@@ -1,6 +1,7 @@
 // Drawn shapes.
 #pragma once
 
+#include <QPainterPath>
 #include <QPolygonF>
 #include <vector>
 
@@ -26,6 +27,7 @@ class Diagram : public Look {
     QRectF ellipse;  // of which the line is an approximation; empty for others
   };
 
+  static QPainterPath centreLineOf(const Form& form);
   Form formOn(VelWhiteBoard::Size board) const;
   Form lineForm(const QRectF& box, VelWhiteBoard::Size board) const;
   Form ellipseForm(const QRectF& box, VelWhiteBoard::Size board) const;

@@ -3,7 +3,6 @@
 #include <QBuffer>
 #include <QByteArray>
 #include <QImageReader>
-#include <QRect>
 #include <QTransform>
 #include <algorithm>
 #include <atomic>
@@ -13,6 +12,7 @@
 #include <utility>
 
 #include "drawing/canvas.h"
+#include "drawing/squares.h"
 
 namespace whiteboard {
 
@@ -23,10 +23,6 @@ constexpr qint64 kMostPixels = 16'000'000;
 constexpr int kAllocationLimit = 128;  // megabytes: 16 megapixels of 8 bytes
 constexpr int kLargestSide = 2048;     // as which a picture is kept
 constexpr std::size_t kMostBytes = std::size_t{512} << 20;
-
-// Pictures are drawn in squares of this many pixels. How a scaled pixel is rounded depends on where
-// drawing began: within the same square it is always the same, whatever part is drawn.
-constexpr int kSquare = 64;
 
 std::atomic<std::size_t> bytesKept{0};
 
@@ -62,9 +58,6 @@ QImage decoded(const std::string& url) {
   }
   return std::move(image).convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
-
-/// The square of the grid in which a device pixel lies, as an index.
-int squareOf(double pixel) { return static_cast<int>(std::floor(pixel / kSquare)); }
 
 }  // namespace
 
@@ -107,29 +100,15 @@ void Picture::paint(QPainter& painter, const QRectF& box, const QTransform& turn
     painter.drawImage(box, levels_.front());
     return;
   }
-  const QTransform toDevice = painter.deviceTransform();
-  const QTransform turned = turning * toDevice;
-  const QRectF wanted =
-      turned.mapRect(box).adjusted(-1, -1, 1, 1).intersected(toDevice.mapRect(part));
+  const QRectF wanted = turning.mapRect(box).adjusted(-1, -1, 1, 1).intersected(part);
   if (wanted.isEmpty()) return;
-  const double scale = std::sqrt(std::abs(turned.determinant()));
+  const double scale = std::sqrt(std::abs(painter.deviceTransform().determinant()));
   const QImage& level = levelFor(box.size() * scale);
-
-  const SavedState state(painter);
-  painter.setWorldTransform(toDevice.inverted() * painter.worldTransform());  // counts in pixels
-  for (int row = squareOf(wanted.top()); row <= squareOf(wanted.bottom()); ++row) {
-    for (int column = squareOf(wanted.left()); column <= squareOf(wanted.right()); ++column) {
-      const QPoint corner(column * kSquare, row * kSquare);
-      QImage square(kSquare, kSquare, QImage::Format_ARGB32_Premultiplied);
-      square.fill(Qt::transparent);
-      QPainter into(&square);
-      into.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-      into.setTransform(turned * QTransform::fromTranslate(-corner.x(), -corner.y()));
-      into.drawImage(box, level);
-      into.end();
-      painter.drawImage(corner, square);
-    }
-  }
+  paintInSquares(painter, wanted, [&](QPainter& into, const QRectF&) {
+    into.setTransform(turning, true);
+    into.drawImage(box, level);
+    return true;
+  });
 }
 
 }  // namespace whiteboard

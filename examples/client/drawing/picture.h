@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QRectF>
+#include <QTransform>
 #include <memory>
 #include <string>
 #include <vector>
@@ -24,9 +25,8 @@ class Picture {
   Picture(const Picture&) = delete;
   Picture& operator=(const Picture&) = delete;
 
-  /// Draws the picture into the box, as the painter is turned. Only what may touch `part`, which
-  /// counts as the painter without its turning `toPart` does.
-  /// @param turning what has to be added to the painter's transformation
+  /// Draws the picture into the box, turned: `turning` comes before the painter's transformation.
+  /// Only what may touch `part`, which is not turned.
   void paint(QPainter& painter, const QRectF& box, const QTransform& turning,
              const QRectF& part) const;
 

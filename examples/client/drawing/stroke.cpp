@@ -6,6 +6,7 @@
 
 #include "drawing/canvas.h"
 #include "drawing/outline.h"
+#include "drawing/squares.h"
 
 namespace whiteboard {
 
@@ -19,8 +20,14 @@ constexpr std::size_t kChunk = 64;
 // reaches, in view points.
 constexpr double kNear = 2;
 
-// How far a straight edge may be from the curve, in view points, and how many stand for a piece.
+// Strokes of no more positions and no larger width are drawn in one piece.
+constexpr std::size_t kFew = 256;
+constexpr double kThin = 24;  // view points
+
+// How far a straight edge may be from the curve, in view points and in widths of the stroke, and
+// how many stand for a piece.
 constexpr double kTolerance = 0.05;
+constexpr double kToleranceOfWidth = 0.001;
 constexpr double kMostEdges = 200;
 
 /// How far an `offset` moves the stroke, in fractions.
@@ -30,6 +37,10 @@ vwb::Point displacementOf(const vwb::VelWbVecLine& stroke) {
   const vwb::Value& y = (*stroke.offset)[1];
   if (!x.is_number() || !y.is_number()) return {};
   return {x.get<double>(), y.get<double>()};
+}
+
+bool isEraser(const vwb::VelWbVecLine& line) {
+  return vwb::VelWbVectorDefines::isEraser(line.type);
 }
 
 QRectF grown(const QRectF& area, double by) { return area.adjusted(-by, -by, by, by); }
@@ -131,6 +142,7 @@ Stroke::Piece Stroke::piece(std::size_t index, vwb::Size board) const {
 
 void Stroke::forRuns(const QRectF& area, vwb::Size board,
                      const std::function<void(const QPolygonF&)>& take) const {
+  const double tolerance = kTolerance + kToleranceOfWidth * widthOn(board);
   QPolygonF run;
   const auto finish = [&] {
     if (!run.isEmpty()) take(run);
@@ -139,7 +151,7 @@ void Stroke::forRuns(const QRectF& area, vwb::Size board,
   const auto add = [&](const Piece& next) {
     if (run.isEmpty()) run << next.from;
     const QPointF bend = next.from - next.control * 2 + next.to;
-    const double needed = std::sqrt(std::hypot(bend.x(), bend.y()) / (4 * kTolerance));
+    const double needed = std::sqrt(std::hypot(bend.x(), bend.y()) / (4 * tolerance));
     const int edges = next.isStraight ? 1 : static_cast<int>(std::min(needed, kMostEdges)) + 1;
     for (int i = 1; i < edges; ++i) {
       const double t = static_cast<double>(i) / edges;
@@ -183,25 +195,48 @@ QPainterPath Stroke::curve(vwb::Size board) const {
 
 void Stroke::paint(QPainter& painter, vwb::Size board, const QRectF& part) const {
   const double width = widthOn(board);
-  const QColor colour = colourOf(line_.color).value_or(ink());
   if (isVector(painter)) {
     const QPainterPath line = curve(board);
     const QRectF extent = line.controlPointRect();
     if (extent.width() > 0 || extent.height() > 0) {  // else a dot
-      return painter.strokePath(line, roundPen(colour, width));
+      return painter.strokePath(line, roundPen(colourOf(line_.color).value_or(ink()), width));
     }
   }
+  if (isEraser(line_)) painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+  if (isVector(painter) || (positions_.size() <= kFew && width <= kThin)) {
+    fill(painter, board, part);
+  } else {
+    paintInSquares(painter, part.intersected(grown(inked(board), 1)),
+                   [&](QPainter& into, const QRectF& area) { return fill(into, board, area); });
+  }
+}
+
+bool Stroke::fill(QPainter& painter, vwb::Size board, const QRectF& area) const {
+  const double width = widthOn(board);
   QPainterPath outline;
   outline.setFillRule(Qt::WindingFill);
-  forRuns(grown(part, width / 2 + kNear), board,
-          [&](const QPolygonF& run) { addOutline(run, width, false, outline); });
-  const bool erases = vwb::VelWbVectorDefines::isEraser(line_.type);
-  if (erases) painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
-  painter.fillPath(outline, erases ? QColor(Qt::black) : colour);
+  // A place that is inside the circle around one corner is inside the stroke.
+  const double diagonal = std::hypot(area.width(), area.height());
+  const double covers = width / 2 - diagonal / 2 - kNear;
+  bool isCovered = false;
+  forRuns(grown(area, width / 2 + kNear), board, [&](const QPolygonF& run) {
+    isCovered = isCovered || (covers > 0 && std::any_of(run.begin(), run.end(), [&](QPointF at) {
+                                const QPointF away = at - area.center();
+                                return std::hypot(away.x(), away.y()) < covers;
+                              }));
+    if (!isCovered) addOutline(run, width, false, outline);
+  });
+  const QColor colour = isEraser(line_) ? Qt::black : colourOf(line_.color).value_or(ink());
+  if (isCovered) {
+    painter.fillRect(grown(area, 1), colour);
+  } else {
+    painter.fillPath(outline, colour);
+  }
+  return isCovered || !outline.isEmpty();
 }
 
 bool Stroke::hits(QPointF at, double tolerance, vwb::Size board) const {
-  if (vwb::VelWbVectorDefines::isEraser(line_.type)) return false;
+  if (isEraser(line_)) return false;
   const double reach = widthOn(board) / 2 + tolerance;
   bool isHit = false;
   forRuns(grown(QRectF(at, at), reach), board,

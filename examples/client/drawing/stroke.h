@@ -48,6 +48,8 @@ class Stroke : public Look {
   void forRuns(const QRectF& area, VelWhiteBoard::Size board,
                const std::function<void(const QPolygonF&)>& take) const;
   QPainterPath curve(VelWhiteBoard::Size board) const;
+  /// Fills what of the stroke is near the area; returns whether there is anything.
+  bool fill(QPainter& painter, VelWhiteBoard::Size board, const QRectF& area) const;
 
   const VelWhiteBoard::VelWbVecLine& line_;
   VelWhiteBoard::Point moved_;                   // the displacement of the whole stroke
