@@ -33,9 +33,14 @@ QFont fontOf(const vwb::VelWbVecText& text, vwb::Size board) {
 QSizeF sizeFor(const QString& text, const QFont& font, double widest) {
   const QFontMetricsF metrics(font);
   const double margin = kMargin * metrics.height();
-  const QRectF needed = metrics.boundingRect(QRectF(0, 0, widest - 2 * margin, 1e6),
+  double width = 0;
+  for (const QString& line : text.split('\n')) {
+    width = std::max(width, metrics.horizontalAdvance(line) * kSlack + 2 * margin);
+  }
+  width = std::min(widest, width);
+  const QRectF needed = metrics.boundingRect(QRectF(0, 0, width - 2 * margin, 1e6),
                                              Qt::TextWordWrap | Qt::AlignLeft, text);
-  return {std::min(widest, needed.width() * kSlack + 2 * margin), needed.height() + 2 * margin};
+  return {width, needed.height() + 2 * margin};
 }
 
 }  // namespace
