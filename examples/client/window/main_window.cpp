@@ -25,7 +25,8 @@ MainWindow::MainWindow(Session& session, bool isShared)
     : session_(session),
       view_(new BoardView(session.board(), this)),
       toolbox_(std::make_unique<Toolbox>(session, *view_, this)),
-      pages_(new PagesPanel(session.board(), this)),
+      pages_(new PagesPanel(
+          session.board(), [this] { return view_->picture(); }, this)),
       status_(new StatusLine(session, *statusBar(), isShared)) {
   setCentralWidget(view_);
   addToolBar(Qt::LeftToolBarArea, toolbox_->tools());

@@ -5,6 +5,7 @@
 #include <QPixmap>
 #include <QScrollBar>
 #include <iterator>
+#include <utility>
 
 #include "drawing/export.h"
 
@@ -18,8 +19,7 @@ constexpr QSize kPicture(160, 90);
 constexpr int kDrawMilliseconds = 1000;
 
 /// A page's picture with an edge.
-QIcon thumbnailOf(const vwb::VectorList& entries, double ratio) {
-  QImage image = pictureOf(entries, kPicture * ratio);
+QIcon thumbnailOf(QImage image, double ratio) {
   image.setDevicePixelRatio(ratio);
   QPainter painter(&image);
   painter.setPen(QPen(QColor(0xC9, 0xCF, 0xD8), 1));
@@ -35,7 +35,8 @@ QIcon thumbnailOf(const vwb::VectorList& entries, double ratio) {
 
 }  // namespace
 
-PagesPanel::PagesPanel(Board& board, QWidget* parent) : QListWidget(parent), board_(board) {
+PagesPanel::PagesPanel(Board& board, PictureShown pictureShown, QWidget* parent)
+    : QListWidget(parent), board_(board), pictureShown_(std::move(pictureShown)) {
   setIconSize(kPicture);
   setViewMode(QListView::IconMode);
   setFlow(QListView::TopToBottom);
@@ -62,6 +63,10 @@ PagesPanel::PagesPanel(Board& board, QWidget* parent) : QListWidget(parent), boa
   list();
 }
 
+QImage PagesPanel::small(const vwb::VectorList& entries) const {
+  return pictureOf(entries, kPicture * devicePixelRatioF());
+}
+
 Board::PageNumber PagesPanel::numberAt(int row) const {
   return *std::next(board_.pages().begin(), row);
 }
@@ -71,8 +76,8 @@ void PagesPanel::list() {
   if (count() != static_cast<int>(board_.pages().size())) {
     clear();
     for (const Board::PageNumber& page : board_.pages()) {
-      addItem(
-          new QListWidgetItem(thumbnailOf({}, devicePixelRatioF()), QString::number(page.second)));
+      addItem(new QListWidgetItem(thumbnailOf(small({}), devicePixelRatioF()),
+                                  QString::number(page.second)));
     }
     changed_ = board_.pages();
     timer_.start();
@@ -89,8 +94,13 @@ void PagesPanel::drawNext() {
     const auto found = board_.pages().find(page);
     if (found == board_.pages().end()) continue;
     const auto row = static_cast<int>(std::distance(board_.pages().begin(), found));
+    const QImage picture =
+        page == board_.number()
+            ? pictureShown_().scaled(kPicture * devicePixelRatioF(), Qt::IgnoreAspectRatio,
+                                     Qt::SmoothTransformation)
+            : small(board_.entries(page));
     if (QListWidgetItem* shown = item(row)) {
-      shown->setIcon(thumbnailOf(board_.entries(page), devicePixelRatioF()));
+      shown->setIcon(thumbnailOf(picture, devicePixelRatioF()));
     }
     break;
   }

@@ -1,8 +1,10 @@
 // All pages of a board, small.
 #pragma once
 
+#include <QImage>
 #include <QListWidget>
 #include <QTimer>
+#include <functional>
 #include <set>
 #include <string>
 
@@ -18,7 +20,10 @@ class PagesPanel : public QListWidget {
   Q_OBJECT
 
  public:
-  explicit PagesPanel(Board& board, QWidget* parent = nullptr);
+  /// What the page that is shown looks like: its view has drawn it already.
+  using PictureShown = std::function<QImage()>;
+
+  PagesPanel(Board& board, PictureShown pictureShown, QWidget* parent = nullptr);
 
  signals:
   void chosen(const Board::PageNumber& page);
@@ -26,9 +31,11 @@ class PagesPanel : public QListWidget {
  private:
   void list();
   void drawNext();
+  QImage small(const VelWhiteBoard::VectorList& entries) const;
   Board::PageNumber numberAt(int row) const;
 
   Board& board_;
+  PictureShown pictureShown_;
   std::set<Board::PageNumber> changed_;
   QTimer timer_;
 };

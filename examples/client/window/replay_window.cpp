@@ -29,7 +29,8 @@ ReplayWindow::ReplayWindow(Board& board, Player& player)
   auto* dock = new QDockWidget(tr("Pages"), this);
   dock->setFeatures(QDockWidget::NoDockWidgetFeatures);
   dock->setTitleBarWidget(new QWidget(dock));
-  auto* pages = new PagesPanel(board, dock);
+  auto* pages = new PagesPanel(
+      board, [this] { return view_->picture(); }, dock);
   pages->setEnabled(false);  // the lesson turns them
   dock->setWidget(pages);
   addDockWidget(Qt::RightDockWidgetArea, dock);
