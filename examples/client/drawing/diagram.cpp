@@ -134,26 +134,32 @@ QPainterPath Diagram::centreLineOf(const Form& form) {
 
 void Diagram::paint(QPainter& painter, vwb::Size board, const QRectF& part) const {
   const Form form = formOn(board);
+  if (form.line.isEmpty()) return;
   const double width = widthOn(board);
   const QColor colour = colourOf(diagram_.color).value_or(ink());
-  QPainterPath path;
+  QPainterPath head;
+  head.setFillRule(Qt::WindingFill);
+  if (!form.head.isEmpty()) {
+    head.addPolygon(form.head);
+    head.closeSubpath();
+  }
   if (isVector(painter)) {
     painter.strokePath(centreLineOf(form), roundPen(colour, width));
+    painter.fillPath(head, colour);
+  } else if (width <= kThin) {
+    addOutline(form.line, width, form.isClosed, head);
+    painter.fillPath(head, colour);
   } else {
-    addOutline(form.line, width, form.isClosed, path);
+    paintInSquares(painter, part.intersected(seenOf(inked(board), board)),
+                   [&](QPainter& into, const QRectF& area) {
+                     const bool isFull = isCovered(area, form.line, width);
+                     QPainterPath path = head;
+                     if (!isFull) addOutlineNear(form.line, width, form.isClosed, area, path);
+                     isFull ? into.fillRect(area.adjusted(-1, -1, 1, 1), colour)
+                            : into.fillPath(path, colour);
+                     return true;
+                   });
   }
-  if (!form.head.isEmpty()) {
-    path.addPolygon(form.head);
-    path.closeSubpath();
-  }
-  path.setFillRule(Qt::WindingFill);
-  if (path.isEmpty()) return;
-  if (isVector(painter) || width <= kThin) return painter.fillPath(path, colour);
-  paintInSquares(painter, part.intersected(seenOf(inked(board), board)),
-                 [&](QPainter& into, const QRectF&) {
-                   into.fillPath(path, colour);
-                   return true;
-                 });
 }
 
 bool Diagram::hits(QPointF at, double tolerance, vwb::Size board) const {

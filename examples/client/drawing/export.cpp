@@ -18,7 +18,8 @@ namespace vwb = VelWhiteBoard;
 
 namespace {
 
-constexpr double kSheetWidth = 842;  // points of 1/72 inch
+// In points of 1/72 inch; with 16:9, the height is a whole number of them, too.
+constexpr double kSheetWidth = 832;
 constexpr int kDotsPerInch = 1200;
 constexpr int kSvgDotsPerInch = 96;  // of which one is a pixel for whoever shows the file
 
@@ -37,10 +38,13 @@ bool failToDraw(const QString& path, QString& problem) {
 
 bool save(const QString& path, const QByteArray& bytes, QString& problem) {
   QSaveFile file(path);
-  const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-  // Writes what is still in memory, and tells whether that worked.
-  if (!isWritten || !file.commit()) return fail(path, file.errorString(), problem);
-  return true;
+  // `commit` would not notice that the last bytes, which are still in memory, cannot be written.
+  const bool isWritten =
+      file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+  const QString reason = file.errorString();
+  if (!isWritten) file.cancelWriting();
+  if (isWritten && file.commit()) return true;
+  return fail(path, isWritten ? file.errorString() : reason, problem);
 }
 
 }  // namespace

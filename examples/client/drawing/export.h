@@ -21,7 +21,7 @@ bool savePng(const QString& path, const VelWhiteBoard::VectorList& entries, QSiz
              QString& problem);
 bool saveSvg(const QString& path, const VelWhiteBoard::VectorList& entries, QSize size,
              QString& problem);
-/// A sheet for each page, as wide as a sheet of A4 that lies. No pages make no file.
+/// A sheet for each page, 29 cm wide. No pages make no file.
 bool savePdf(const QString& path, const std::vector<VelWhiteBoard::VectorList>& pages, QSize size,
              QString& problem);
 

@@ -7,6 +7,8 @@
 #include <numbers>
 #include <vector>
 
+#include "drawing/canvas.h"
+
 namespace whiteboard {
 
 namespace {
@@ -134,6 +136,43 @@ void addOutline(std::span<const QPointF> corners, double width, bool isClosed, Q
     return;
   }
   Outline(std::move(distinct), width).addTo(path, isClosed);
+}
+
+void addOutlineNear(std::span<const QPointF> corners, double width, bool isClosed,
+                    const QRectF& area, QPainterPath& path) {
+  const double reach = width / 2 + kNear;
+  const QRectF wanted = area.adjusted(-reach, -reach, reach, reach);
+  const std::size_t edges = isClosed ? corners.size() : corners.size() - 1;
+  const auto endOf = [&](std::size_t edge) { return corners[(edge + 1) % corners.size()]; };
+  const auto isNear = [&](std::size_t edge) {
+    return touches(QRectF(corners[edge], endOf(edge)).normalized(), wanted);
+  };
+  // A ring is cut open where it is not near.
+  std::size_t start = 0;
+  while (start < edges && isNear(start)) ++start;
+  if (start == edges) return addOutline(corners, width, isClosed, path);
+  if (!isClosed) start = 0;
+  std::vector<QPointF> run;
+  for (std::size_t i = 0; i < edges; ++i) {
+    const std::size_t edge = (start + i) % edges;
+    if (isNear(edge)) {
+      if (run.empty()) run.push_back(corners[edge]);
+      run.push_back(endOf(edge));
+    } else {
+      addOutline(run, width, false, path);
+      run.clear();
+    }
+  }
+  addOutline(run, width, false, path);
+}
+
+bool isCovered(const QRectF& area, std::span<const QPointF> corners, double width) {
+  // All of the circle around a corner is covered.
+  const double covered = width / 2 - std::hypot(area.width(), area.height()) / 2 - kNear;
+  return covered > 0 && std::any_of(corners.begin(), corners.end(), [&](QPointF corner) {
+           const QPointF away = corner - area.center();
+           return std::hypot(away.x(), away.y()) < covered;
+         });
 }
 
 QPen roundPen(const QColor& colour, double width) {

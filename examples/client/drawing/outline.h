@@ -21,6 +21,17 @@ namespace whiteboard {
 /// @param isClosed whether the last corner is connected with the first.
 void addOutline(std::span<const QPointF> corners, double width, bool isClosed, QPainterPath& path);
 
+/// The same for what of the line may touch `area`.
+void addOutlineNear(std::span<const QPointF> corners, double width, bool isClosed,
+                    const QRectF& area, QPainterPath& path);
+
+/// How far from an area, beside half the width, a line still counts as near: more than antialiasing
+/// reaches, in view points.
+inline constexpr double kNear = 2;
+
+/// Whether the area is certainly covered by a line of this width through the corners.
+bool isCovered(const QRectF& area, std::span<const QPointF> corners, double width);
+
 /// The pen for painters that write shapes into files.
 QPen roundPen(const QColor& colour, double width);
 

@@ -14,6 +14,16 @@ namespace whiteboard {
 
 namespace vwb = VelWhiteBoard;
 
+namespace {
+
+/// What can be seen, in whole view points: what is clipped, is clipped to that.
+QRectF wholePoints(const QRectF& inked, vwb::Size board) {
+  if (inked.isNull()) return {};
+  return QRectF(seenOf(inked, board).toAlignedRect()).intersected(areaOf(board));
+}
+
+}  // namespace
+
 std::unique_ptr<Look> lookOf(const vwb::VelWbBaseVector& vector) {
   if (const auto* line = vwb::recordCast<const vwb::VelWbVecLine>(&vector)) {
     return std::make_unique<Stroke>(*line);
@@ -45,14 +55,12 @@ void Shape::update(std::size_t firstNew) {
 
 QRectF Shape::bounds(vwb::Size board) const {
   if (!look_ || !isDrawable(board)) return {};
-  const QRectF inked = look_->inked(board);
-  return inked.isNull() ? QRectF() : seenOf(inked, board);
+  return wholePoints(look_->inked(board), board);
 }
 
 QRectF Shape::boundsFrom(std::size_t firstNew, vwb::Size board) const {
   if (!look_ || !isDrawable(board)) return {};
-  const QRectF inked = look_->inkedFrom(firstNew, board);
-  return inked.isNull() ? QRectF() : seenOf(inked, board);
+  return wholePoints(look_->inkedFrom(firstNew, board), board);
 }
 
 bool Shape::isEraser() const {

@@ -37,7 +37,7 @@ class Shape {
   void update(std::size_t firstNew = 0);
 
   /// Where it may draw, in view points of a board of this size, widths and antialiasing included.
-  /// Never beyond the board; empty when nothing can be seen.
+  /// Whole view points, and never beyond the board; empty when nothing can be seen.
   QRectF bounds(VelWhiteBoard::Size board) const;
   /// Where it may draw otherwise than before the positions from `firstNew` on were added. For
   /// boxes: bounds.

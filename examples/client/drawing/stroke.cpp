@@ -16,10 +16,6 @@ namespace {
 
 constexpr std::size_t kChunk = 64;
 
-// How far from a part, beside half the width, a piece still counts as near: more than antialiasing
-// reaches, in view points.
-constexpr double kNear = 2;
-
 // Strokes of no more positions and no larger width are drawn in one piece.
 constexpr std::size_t kFew = 256;
 constexpr double kThin = 24;  // view points
@@ -215,24 +211,18 @@ bool Stroke::fill(QPainter& painter, vwb::Size board, const QRectF& area) const 
   const double width = widthOn(board);
   QPainterPath outline;
   outline.setFillRule(Qt::WindingFill);
-  // A place that is inside the circle around one corner is inside the stroke.
-  const double diagonal = std::hypot(area.width(), area.height());
-  const double covers = width / 2 - diagonal / 2 - kNear;
-  bool isCovered = false;
+  bool isFull = false;
   forRuns(grown(area, width / 2 + kNear), board, [&](const QPolygonF& run) {
-    isCovered = isCovered || (covers > 0 && std::any_of(run.begin(), run.end(), [&](QPointF at) {
-                                const QPointF away = at - area.center();
-                                return std::hypot(away.x(), away.y()) < covers;
-                              }));
-    if (!isCovered) addOutline(run, width, false, outline);
+    isFull = isFull || isCovered(area, run, width);
+    if (!isFull) addOutline(run, width, false, outline);
   });
   const QColor colour = isEraser(line_) ? Qt::black : colourOf(line_.color).value_or(ink());
-  if (isCovered) {
+  if (isFull) {
     painter.fillRect(grown(area, 1), colour);
   } else {
     painter.fillPath(outline, colour);
   }
-  return isCovered || !outline.isEmpty();
+  return isFull || !outline.isEmpty();
 }
 
 bool Stroke::hits(QPointF at, double tolerance, vwb::Size board) const {
