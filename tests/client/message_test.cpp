@@ -37,7 +37,9 @@ TEST(Message, IsNoneWithoutAPageThatAPageKeyNames) {
   const std::string vector = R"({"type":"clear","ID":"a"})";
   EXPECT_TRUE(decodeMessage("1_1\n" + vector));
   for (const std::string page : {"", "1", "1_", "_1", "01_1", " 1_1", "1_1 ", "1_1\r", "1_-1"}) {
-    EXPECT_FALSE(decodeMessage(page + "\n" + vector)) << page;
+    std::string text = page;
+    text.append("\n").append(vector);
+    EXPECT_FALSE(decodeMessage(text)) << page;
   }
 }
 

@@ -231,7 +231,7 @@ TEST(NatsBus, NotifiesOneWhoOnlyTakes) {
     const int before = told;
     bus.publish("1_1", box("a"));
     std::size_t taken = 0;
-    EXPECT_TRUE(eventually([&] {
+    ASSERT_TRUE(eventually([&] {
       if (told > before) taken += bus.take(10).size();
       return taken == 1;
     })) << "round "
