@@ -137,8 +137,10 @@ void Session::takeArrivals() {
 }
 
 void Session::file(const Arrival& arrival) {
-  // The lesson begins with it: its history takes the place of the local copy.
-  if (kind_ == Kind::kShared && arrival.sequence == 1) board_.clear();
+  // The lesson begins: its history takes the place of the local copy.
+  const std::uint64_t before = std::exchange(lastSequence_, arrival.sequence);
+  const bool begins = before == 0 || arrival.sequence <= before;
+  if (kind_ == Kind::kShared && begins) board_.clear();
   if (const auto page = vwb::recordPointerCast<vwb::VelWbVecSwitchPage>(arrival.vector)) {
     board_.addPage({page->WBID, page->curPage});
     if (turnsTogether_) isPenDown_ ? void(turnWhenPenIsUp_ = page) : board_.turnTo(page);

@@ -76,6 +76,7 @@ class Session : public QObject {
   std::string own_;      // how this participant's identifiers begin
   std::string session_;  // how those of this session begin
   std::uint64_t identifiers_ = 0;
+  std::uint64_t lastSequence_ = 0;  // 0 before the first arrival
   Undo undo_;
   BusStatus status_;
   bool turnsTogether_ = true;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "drawing/lettering.h"
 #include "window/tools/moving.h"
 
 namespace whiteboard {
@@ -29,18 +30,20 @@ QFont fontOf(const vwb::VelWbVecText& text, vwb::Size board) {
   return font;
 }
 
-/// The size of the box that a text needs, in view points, when it may be `widest` wide.
-QSizeF sizeFor(const QString& text, const QFont& font, double widest) {
-  const QFontMetricsF metrics(font);
-  const double margin = kMargin * metrics.height();
+/// The size of the box that a text needs, in view points, when it may be `widest` wide: measured as
+/// the page draws it.
+QSizeF sizeFor(const vwb::VelWbVecText& text, vwb::Size board, double widest) {
+  const Lettering lettering(text.fontName.value_or(""));
+  const double fontSize = text.fontSizeWith(board);
+  const double margins = 2 * kMargin * lettering.height();
+  const double limit = widest / fontSize - margins;
   double width = 0;
-  for (const QString& line : text.split('\n')) {
-    width = std::max(width, metrics.horizontalAdvance(line) * kSlack + 2 * margin);
+  for (const QString& line : lettering.linesOf(text.text.value_or(""), limit)) {
+    width = std::max(width, lettering.widthOf(line) * kSlack);
   }
-  width = std::min(widest, width);
-  const QRectF needed = metrics.boundingRect(QRectF(0, 0, width - 2 * margin, 1e6),
-                                             Qt::TextWordWrap | Qt::AlignLeft, text);
-  return {width, needed.height() + 2 * margin};
+  width = std::min(width, limit);
+  const auto lines = static_cast<double>(lettering.linesOf(text.text.value_or(""), width).size());
+  return QSizeF(width + margins, lines * lettering.lineSpacing() + margins) * fontSize;
 }
 
 }  // namespace
@@ -143,7 +146,7 @@ void TextTool::finish() {
   text->ts = vwb::VelWbVectorManager::shareManager().genTs();
   const vwb::Size board = view_.boardSize();
   if (isNew_) {
-    const QSizeF size = sizeFor(written, fontOf(*text, board), place.width());
+    const QSizeF size = sizeFor(*text, board, place.width());
     vwb::VWBToolManager::convertPoint({place.x(), place.y()}, {size.width(), size.height()}, *text,
                                       board);
   }
