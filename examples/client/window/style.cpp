@@ -2,12 +2,29 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QProxyStyle>
 #include <QStyleFactory>
 
 namespace whiteboard {
 
+namespace {
+
+/// A click on a slider jumps there, as one expects of a film.
+class Style : public QProxyStyle {
+ public:
+  Style() : QProxyStyle(QStyleFactory::create("Fusion")) {}
+
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* more) const override {
+    if (hint == SH_Slider_AbsoluteSetButtons) return Qt::LeftButton;
+    return QProxyStyle::styleHint(hint, option, widget, more);
+  }
+};
+
+}  // namespace
+
 void applyStyle(QApplication& application) {
-  application.setStyle(QStyleFactory::create("Fusion"));
+  application.setStyle(new Style);
   QPalette palette;
   palette.setColor(QPalette::Window, QColor(0xF7, 0xF8, 0xFA));
   palette.setColor(QPalette::WindowText, QColor(0x2F, 0x38, 0x46));
