@@ -2,6 +2,11 @@
 /// The whole public interface.
 #pragma once
 
+// An older standard gives one error here instead of hundreds below.
+#if defined(_MSVC_LANG) ? _MSVC_LANG < 202002L : __cplusplus < 202002L
+#error "VelWhiteBoard needs C++20: compile with -std=c++20 or newer"
+#else
+
 #include "VelWhiteBoard/foundation/queue/operation_queue.h"
 #include "VelWhiteBoard/foundation/queue/semaphore.h"
 #include "VelWhiteBoard/foundation/records/coder.h"
@@ -25,3 +30,5 @@
 #include "VelWhiteBoard/vectors/media_lists.h"
 #include "VelWhiteBoard/vectors/strokes.h"
 #include "VelWhiteBoard/vectors/vector_defines.h"
+
+#endif
