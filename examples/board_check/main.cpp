@@ -68,6 +68,7 @@ int runCommand(int argc, char** argv) {
   app.add_option("--recover", target, "Write a new board with all that can be saved")
       ->check(requireName)
       ->type_name("OUT");
+  app.set_version_flag("--version", "board-check " VELWHITEBOARD_VERSION_STRING);
   app.footer(kFooter);
   try {
     app.parse(argc, argv);

@@ -82,6 +82,7 @@ std::variant<Options, int> parseCommandLine(int argc, const char* const* argv) {
       ->type_name("WIDTHxHEIGHT")
       ->check(checkSize)
       ->capture_default_str();
+  app.set_version_flag("--version", "lesson " VELWHITEBOARD_VERSION_STRING);
   app.footer(kFooter);
   try {
     app.parse(argc, argv);
