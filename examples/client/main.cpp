@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QRandomGenerator>
 #include <QSaveFile>
 #include <QStandardPaths>
@@ -119,6 +120,11 @@ int runBoard(const Options& options) {
   const QString folder = isShared ? options.board + "/lesson-" + options.lesson : options.board;
   if (!QDir().mkpath(folder)) {
     return fail(kFailure, QObject::tr("cannot make the folder %1").arg(folder));
+  }
+  QLockFile lock(folder + "/lock");
+  lock.setStaleLockTime(0);
+  if (!lock.tryLock()) {
+    return fail(kFailure, QObject::tr("the board in %1 is open in another window").arg(folder));
   }
   std::unique_ptr<Bus> bus;
   if (isShared) {

@@ -165,12 +165,8 @@ const Shape* Scene::find(const std::string& ID) const {
 }
 
 const Shape* Scene::lens() const {
-  const Shape* found = nullptr;
-  anyFromTop([&](const Shape& shape) {
-    if (shape.isMagnifier()) found = &shape;
-    return found != nullptr;
-  });
-  return found;
+  // It never stays below another entry.
+  return !shapes_.empty() && shapes_.back()->isMagnifier() ? shapes_.back().get() : nullptr;
 }
 
 }  // namespace whiteboard

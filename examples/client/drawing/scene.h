@@ -47,7 +47,6 @@ class Scene {
   const Shape* find(const std::string& ID) const;
   /// The lens that is shown; null when there is none.
   const Shape* lens() const;
-  bool empty() const { return shapes_.empty() && ink_.empty(); }
 
  private:
   using Shapes = std::vector<std::unique_ptr<Shape>>;
@@ -64,7 +63,7 @@ class Scene {
 
   VelWhiteBoard::Size size_{1, 1};
   Shapes shapes_;  // lowest first
-  /// An entry may stand twice; both are drawn by one of the two, so one of them is here.
+  /// The uppermost shape of an entry, which may stand twice.
   std::unordered_map<const VelWhiteBoard::VelWbBaseVector*, Shape*> byEntry_;
   /// Own ink; null: the entry is hidden.
   std::map<std::string, std::unique_ptr<Shape>> ink_;

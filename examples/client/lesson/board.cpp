@@ -1,6 +1,8 @@
 #include "lesson/board.h"
 
 #include <chrono>
+#include <filesystem>
+#include <system_error>
 
 namespace whiteboard {
 
@@ -15,6 +17,8 @@ constexpr auto kSaveAfter = 1500ms;
 /// What arrives for pages that are not shown is filed this late: each filing writes the page.
 constexpr auto kFlushAfter = 1000ms;
 constexpr std::size_t kMostCollected = 5000;
+/// More are not listed: page numbers come from other machines.
+constexpr std::size_t kMostPages = 2000;
 
 Board::PageNumber numberOf(const vwb::VelWbVecSwitchPage& page) {
   return {page.WBID, page.curPage};
@@ -90,6 +94,7 @@ void Board::flush() {
 
 void Board::turnTo(const Page& page) {
   if (page_ && numberOf(*page) == number()) return;
+  if (page_) emit aboutToTurn();
   flush();
   page_ = page;
   pages_.insert(numberOf(*page));
@@ -98,6 +103,7 @@ void Board::turnTo(const Page& page) {
 }
 
 void Board::addPage(const PageNumber& page) {
+  if (pages_.size() >= kMostPages) return;
   if (pages_.insert(page).second) emit pagesChanged();
 }
 
@@ -110,6 +116,25 @@ void Board::clear() {
   saves_->forget();
   pages_ = {number()};
   emit pagesChanged();
+}
+
+void Board::beginAnew() {
+  forOtherPages_.clear();
+  writtenAfter_ = 0;
+  storage_->saveQueue()->waitUntilAllOperationsAreFinished();
+  const std::filesystem::path folder = storage_->folder();
+  const std::filesystem::path before = folder.string() + ".before";
+  std::error_code ignored;  // without the old copy the lesson goes on all the same
+  std::filesystem::remove_all(before, ignored);
+  std::filesystem::rename(folder, before, ignored);
+  storage_->clear();
+  saves_->forget();
+  pages_ = {number()};
+  emit pagesChanged();
+}
+
+bool Board::isUnsaved() const {
+  return isUnsaved_ || saves_->reports() < writtenAfter_ || !saves_->summary().problem.empty();
 }
 
 void Board::tell(const OwnInk::Change& change) {
@@ -126,8 +151,14 @@ void Board::inkReceived(const vwb::VelWbBaseVector& vector) { tell(ink_.received
 
 void Board::forgetInk(const std::string& ID) { tell(ink_.forget(ID)); }
 
+void Board::restoreInk(const std::string& ID, const std::optional<OwnInk::Ink>& before) {
+  tell(ink_.restore(ID, before));
+}
+
 void Board::save() {
   saveTimer_.stop();
+  // A save writes the page's two files.
+  if (isUnsaved_) writtenAfter_ = saves_->reports() + 2;
   storage_->saveFile(true);
   if (!saves_->summary().problem.empty()) storage_->retryFailedSaves();
   isUnsaved_ = false;

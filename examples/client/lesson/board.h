@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -50,8 +51,11 @@ class Board : public QObject {
   void turnTo(const Page& page);
   /// Lists a page of which nothing may be stored yet.
   void addPage(const PageNumber& page);
-  /// Forgets everything that is stored.
+  /// Forgets the pages that are listed.
   void clear();
+  /// Forgets everything, to be made anew from elsewhere. What was in the folder is kept beside it,
+  /// in "whiteBoard.before", until the next time. Waits for writes that are queued.
+  void beginAnew();
 
   const OwnInk& ink() const { return ink_; }
   /// Shows an own change at once.
@@ -59,10 +63,12 @@ class Board : public QObject {
   void inkSent(const VelWhiteBoard::VelWbBaseVector& change) { ink_.sent(change); }
   void inkReceived(const VelWhiteBoard::VelWbBaseVector& vector);
   void forgetInk(const std::string& ID);
+  void restoreInk(const std::string& ID, const std::optional<OwnInk::Ink>& before);
+  void holdInk(const std::string& ID) { ink_.hold(ID); }
 
   SaveState::Summary saveState() const { return saves_->summary(); }
   /// Whether something is not in the files yet, or could not be written.
-  bool isUnsaved() const { return isUnsaved_ || !saves_->summary().problem.empty(); }
+  bool isUnsaved() const;
   /// Begins to write everything that is not written.
   void save();
 
@@ -71,6 +77,8 @@ class Board : public QObject {
   void changed(const VelWhiteBoard::ChangeReport& report);
   /// The own ink with this identifier has changed from position `firstNew` on, or is gone.
   void inkChanged(const std::string& ID, std::size_t firstNew);
+  /// Another page is about to be shown; what is being done on this one ends now.
+  void aboutToTurn();
   /// Pages have come or gone, or another one is shown.
   void pagesChanged();
 
@@ -85,6 +93,8 @@ class Board : public QObject {
   OwnInk ink_;
   std::map<std::string, VelWhiteBoard::VectorList> forOtherPages_;
   bool isUnsaved_ = false;
+  /// The number of reports of writes with which the last save is in the files.
+  std::uint64_t writtenAfter_ = 0;
   QTimer saveTimer_;
   QTimer flushTimer_;
 };

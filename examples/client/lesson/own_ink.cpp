@@ -1,5 +1,7 @@
 #include "lesson/own_ink.h"
 
+#include <cstdint>
+#include <tuple>
 #include <utility>
 
 namespace whiteboard {
@@ -27,8 +29,10 @@ std::size_t apply(const vwb::VelWbBaseVector& change, vwb::VelWbBaseVector& show
   if (stroke == nullptr || piece == nullptr) return 0;
   const std::size_t before = stroke->path ? stroke->path->size() : 1;
   const bool moves = piece->offset.has_value() || stroke->offset.has_value();
+  const auto width = std::tie(stroke->pixel, stroke->ps, stroke->widthIndex);
+  const std::tuple<std::int64_t, std::int64_t, std::int64_t> widthBefore = width;
   stroke->append(change);
-  return moves ? 0 : before;
+  return moves || width != widthBefore ? 0 : before;
 }
 
 }  // namespace
@@ -66,10 +70,22 @@ OwnInk::Change OwnInk::received(const vwb::VelWbBaseVector& vector) {
   const std::string ID = targetOf(vector);
   const auto found = inks_.find(ID);
   if (found == inks_.end() || vector.ts < found->second.sentTs) return {};
-  // While the pen is down the next piece follows, and the whole stroke stays on top.
-  const auto* stroke = vwb::recordCast<const vwb::VelWbVecLine>(found->second.shown.get());
-  if (stroke != nullptr && !stroke->end) return {};
+  if (ID == held_) return {};
   inks_.erase(found);
+  return {ID, 0};
+}
+
+std::optional<OwnInk::Ink> OwnInk::copyOf(const std::string& ID) const {
+  const Ink* ink = find(ID);
+  if (ink == nullptr) return std::nullopt;
+  Ink copy = *ink;
+  if (copy.shown) copy.shown = copy.shown->copyWithZone();
+  return copy;
+}
+
+OwnInk::Change OwnInk::restore(const std::string& ID, const std::optional<Ink>& before) {
+  if (!before) return forget(ID);
+  inks_[ID] = *before;
   return {ID, 0};
 }
 

@@ -4,6 +4,7 @@
 #include <VelWhiteBoard/VelWhiteBoard.h>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace whiteboard {
@@ -40,6 +41,13 @@ class OwnInk {
   Change received(const VelWhiteBoard::VelWbBaseVector& vector);
   /// Shows the board's own entry again.
   Change forget(const std::string& ID);
+  /// While a pen draws a stroke, its ink stays when its first pieces come back. Empty: none.
+  void hold(const std::string& ID) { held_ = ID; }
+
+  /// A copy of the ink with an identifier, for `restore`; none when there is no such ink.
+  std::optional<Ink> copyOf(const std::string& ID) const;
+  /// Brings back what was shown when `before` was copied.
+  Change restore(const std::string& ID, const std::optional<Ink>& before);
   void clear() { inks_.clear(); }
 
   /// The ink with an identifier; null when there is none.
@@ -48,6 +56,7 @@ class OwnInk {
 
  private:
   std::map<std::string, Ink> inks_;
+  std::string held_;
 };
 
 }  // namespace whiteboard

@@ -45,6 +45,7 @@ void Player::seek(double position) {
   const double to = std::isfinite(position) ? std::clamp(position, 0.0, duration()) : 0.0;
   if (to < position_) setBack();
   fileUpTo(to);
+  if (isPlaying()) sinceLast_.restart();
 }
 
 void Player::setBack() {

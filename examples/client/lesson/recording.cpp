@@ -1,8 +1,6 @@
 #include "lesson/recording.h"
 
-#include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <condition_variable>
 #include <fstream>
 #include <mutex>
@@ -17,12 +15,27 @@ namespace {
 constexpr std::size_t kLongestLine = 1 << 20;
 constexpr const char* kPageBeforeAnySwitch = "1_1";
 
-/// Adds an event, no earlier than the one before.
-void add(Recording& recording, double time, std::string page, vwb::VectorPtr vector) {
-  const double earliest = recording.end();
-  const double at = std::isfinite(time) ? std::max(time, earliest) : earliest;
-  recording.events.push_back({at, std::move(page), std::move(vector)});
-}
+/// A pause that is longer is none: clocks differ, and a time may be any number.
+constexpr double kLongestPause = 3600;
+
+/// Fills a recording, event by event.
+class Recorder {
+ public:
+  explicit Recorder(Recording& recording) : recording_(recording) {}
+
+  /// @param time when the vector was made, by whatever clock; only its distance from the time
+  /// before counts.
+  void add(double time, std::string page, vwb::VectorPtr vector) {
+    const double passed = recording_.empty() ? 0 : time - last_;
+    last_ = time;
+    const double at = recording_.end() + (passed > 0 && passed <= kLongestPause ? passed : 0);
+    recording_.events.push_back({at, std::move(page), std::move(vector)});
+  }
+
+ private:
+  Recording& recording_;
+  double last_ = 0;
+};
 
 /// Something that another thread may wait for.
 class Bell {
@@ -55,6 +68,7 @@ ReadRecording readRecording(const std::string& file) {
     read.problem = "cannot open " + file;
     return read;
   }
+  Recorder recorder(read.recording);
   std::string page = kPageBeforeAnySwitch;
   for (std::string line; std::getline(input, line);) {
     if (line.empty()) continue;
@@ -67,7 +81,7 @@ ReadRecording readRecording(const std::string& file) {
     if (const auto* turn = vwb::recordCast<const vwb::VelWbVecSwitchPage>(vector.get())) {
       page = turn->pageInfo();
     }
-    add(read.recording, vector->ts, page, vector);
+    recorder.add(vector->ts, page, vector);
   }
   if (input.bad()) read.problem = "cannot read " + file;
   if (read.recording.empty() && read.problem.empty()) {
@@ -81,13 +95,14 @@ ReadRecording recordLesson(Bus& bus, double seconds) {
   const auto deadline = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                            std::chrono::duration<double>(seconds));
   ReadRecording read;
+  Recorder recorder(read.recording);
   const auto bell = std::make_shared<Bell>();
   bus.start([bell] { bell->ring(); });
   for (;;) {
     const BusStatus status = bus.status();
     for (std::vector<Arrival> arrivals; !(arrivals = bus.take(1000)).empty();) {
       for (Arrival& arrival : arrivals) {
-        add(read.recording, arrival.time, std::move(arrival.page), std::move(arrival.vector));
+        recorder.add(arrival.time, std::move(arrival.page), std::move(arrival.vector));
       }
     }
     if (status.kind == BusStatus::Kind::kLive) break;

@@ -14,7 +14,7 @@ namespace whiteboard {
 /// The vectors of a lesson in their order, each with the page for which it was made and its time.
 struct Recording {
   struct Event {
-    double time = 0;  ///< seconds since 1970-01-01, never less than that of the event before
+    double time = 0;  ///< seconds since the first event, never less than that of the event before
     std::string page;
     VelWhiteBoard::VectorPtr vector;
   };

@@ -14,6 +14,7 @@ std::shared_ptr<SaveState> SaveState::watch(vwb::VWBVectorStorage& board) {
 
 void SaveState::take(const vwb::WriteReport& report) {
   const std::lock_guard<std::mutex> hold(mutex_);
+  ++reports_;
   if (report.result.ok()) {
     failed_.erase(report.path);
     if (report.kind == vwb::WriteReport::Kind::kWritten) summary_.lastWritten = std::time(nullptr);
@@ -27,6 +28,11 @@ void SaveState::take(const vwb::WriteReport& report) {
 SaveState::Summary SaveState::summary() const {
   const std::lock_guard<std::mutex> hold(mutex_);
   return summary_;
+}
+
+std::uint64_t SaveState::reports() const {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  return reports_;
 }
 
 void SaveState::forget() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <VelWhiteBoard/VelWhiteBoard.h>
+#include <cstdint>
 #include <ctime>
 #include <memory>
 #include <mutex>
@@ -27,6 +28,8 @@ class SaveState {
   static std::shared_ptr<SaveState> watch(VelWhiteBoard::VWBVectorStorage& board);
 
   Summary summary() const;
+  /// How many files have been reported, written or not.
+  std::uint64_t reports() const;
   /// Forgets failures, after the board has been cleared.
   void forget();
 
@@ -34,6 +37,7 @@ class SaveState {
   void take(const VelWhiteBoard::WriteReport& report);
 
   mutable std::mutex mutex_;
+  std::uint64_t reports_ = 0;
   std::set<std::string> failed_;
   Summary summary_;
 };

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -29,12 +30,7 @@ std::string startClock(const std::string& user) {
 }  // namespace
 
 Session::Session(Board& board, std::unique_ptr<Bus> bus, Kind kind, const std::string& user)
-    : board_(board),
-      kind_(kind),
-      own_(user + '_'),
-      session_(startClock(user)),
-      undo_(user),
-      bus_(std::move(bus)) {
+    : board_(board), kind_(kind), session_(startClock(user)), undo_(user), bus_(std::move(bus)) {
   connect(&board_, &Board::changed, this,
           [this](const vwb::ChangeReport& report) { undo_.take(report, board_.storage()); });
   bus_->start([this] {
@@ -45,10 +41,6 @@ Session::Session(Board& board, std::unique_ptr<Bus> bus, Kind kind, const std::s
 }
 
 Session::~Session() { takeArrivals(); }
-
-bool Session::isOwn(const vwb::VelWbBaseVector& vector) const {
-  return vector.ID && vector.ID->starts_with(own_);
-}
 
 std::string Session::newIdentifier() {
   // Of equal length, so that their order is that in which they were made.
@@ -81,10 +73,12 @@ void Session::clearPage() {
 }
 
 void Session::turnTo(const Board::PageNumber& page) {
-  if (page == board_.number()) return;
+  if (page == board_.number() || isPenDown_) return;
   const Board::Page pageSwitch = pageSwitchTo(page);
   board_.turnTo(pageSwitch);
-  if (turnsTogether_) send(pageSwitch);
+  if (!turnsTogether_) return;
+  ++turnsUnderWay_;
+  send(pageSwitch);
 }
 
 void Session::turnToNext() {
@@ -99,13 +93,12 @@ void Session::turnToPrevious() {
 
 void Session::addPage() {
   const auto& [WBID, last] = *board_.pages().rbegin();
-  turnTo({WBID, last + 1});
+  if (last < std::numeric_limits<std::uint64_t>::max()) turnTo({WBID, last + 1});
 }
 
 void Session::setPenDown(bool down) {
   isPenDown_ = down;
-  if (down || !turnWhenPenIsUp_) return;
-  board_.turnTo(std::exchange(turnWhenPenIsUp_, nullptr));
+  if (!down) turnNow();
 }
 
 void Session::undo() {
@@ -125,7 +118,7 @@ void Session::takeArrivals() {
   taking.start();
   for (;;) {
     const std::vector<Arrival> arrivals = bus_->take(kArrivalsAtATime);
-    if (arrivals.empty()) return;
+    if (arrivals.empty()) return turnNow();
     for (const Arrival& arrival : arrivals) file(arrival);
     if (taking.elapsed() < kPortionMilliseconds) continue;
     // The rest later, after the window has had its turn.
@@ -140,14 +133,26 @@ void Session::file(const Arrival& arrival) {
   // The lesson begins: its history takes the place of the local copy.
   const std::uint64_t before = std::exchange(lastSequence_, arrival.sequence);
   const bool begins = before == 0 || arrival.sequence <= before;
-  if (kind_ == Kind::kShared && begins) board_.clear();
+  if (kind_ == Kind::kShared && begins) board_.beginAnew();
   if (const auto page = vwb::recordPointerCast<vwb::VelWbVecSwitchPage>(arrival.vector)) {
-    board_.addPage({page->WBID, page->curPage});
-    if (turnsTogether_) isPenDown_ ? void(turnWhenPenIsUp_ = page) : board_.turnTo(page);
-    return;
+    return turnAsOthers(page, arrival.isOwn);
   }
   board_.file(arrival.page, arrival.vector);
   if (arrival.isOwn) board_.inkReceived(*arrival.vector);
+}
+
+void Session::turnAsOthers(const Board::Page& page, bool isOwn) {
+  board_.addPage({page->WBID, page->curPage});
+  if (isOwn && turnsUnderWay_ > 0) --turnsUnderWay_;
+  // An own switch that is still under way comes after this one for everybody.
+  if (!turnsTogether_ || turnsUnderWay_ > 0) return;
+  turnLater_ = page;
+  turnNow();
+}
+
+void Session::turnNow() {
+  const bool isReady = !isPenDown_ && status_.kind != BusStatus::Kind::kCatchingUp;
+  if (isReady && turnLater_) board_.turnTo(std::exchange(turnLater_, nullptr));
 }
 
 void Session::updateStatus() {

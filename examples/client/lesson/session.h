@@ -33,9 +33,6 @@ class Session : public QObject {
 
   Board& board() { return board_; }
   const BusStatus& status() const { return status_; }
-  /// Whether this participant has made the vector.
-  bool isOwn(const VelWhiteBoard::VelWbBaseVector& vector) const;
-
   /// An identifier that no other vector of the lesson has.
   std::string newIdentifier();
   /// Shows a change at once, without sending it.
@@ -47,7 +44,7 @@ class Session : public QObject {
   void remove(const std::string& ID);
   void clearPage();
 
-  /// Shows a page, for everybody while pages are turned together.
+  /// Shows a page, for everybody while pages are turned together. Not while the pen is down.
   void turnTo(const Board::PageNumber& page);
   void turnToNext();
   void turnToPrevious();
@@ -69,11 +66,12 @@ class Session : public QObject {
  private:
   void takeArrivals();
   void file(const Arrival& arrival);
+  void turnAsOthers(const Board::Page& page, bool isOwn);
+  void turnNow();
   void updateStatus();
 
   Board& board_;
   Kind kind_;
-  std::string own_;      // how this participant's identifiers begin
   std::string session_;  // how those of this session begin
   std::uint64_t identifiers_ = 0;
   std::uint64_t lastSequence_ = 0;  // 0 before the first arrival
@@ -81,7 +79,11 @@ class Session : public QObject {
   BusStatus status_;
   bool turnsTogether_ = true;
   bool isPenDown_ = false;
-  Board::Page turnWhenPenIsUp_;
+  /// Where others have turned to while this participant could not follow: the pen was down, or the
+  /// lesson's history was coming in.
+  Board::Page turnLater_;
+  /// Own page switches that have not come back.
+  int turnsUnderWay_ = 0;
   std::atomic<bool> isNotified_ = false;
   std::unique_ptr<Bus> bus_;  // goes first, because it notifies
 };

@@ -24,6 +24,7 @@ constexpr double kShape = 16.0 / 9.0;
 constexpr double kMargin = 12;
 constexpr auto kFitAfter = 60ms;
 constexpr double kLensZoom = 2;
+constexpr std::size_t kMostStale = 64;
 const QColor kDesk(0xE9, 0xEC, 0xF1);
 const QColor kEdge(0xC9, 0xCF, 0xD8);
 
@@ -52,6 +53,9 @@ BoardView::BoardView(Board& board, QWidget* parent) : QWidget(parent), board_(bo
   connect(&board_, &Board::inkChanged, this, [this](const std::string& ID, std::size_t firstNew) {
     scene_.takeInk(ID, firstNew, board_.ink(), board_.pageKey());
     updateStale();
+  });
+  connect(&board_, &Board::aboutToTurn, this, [this] {
+    if (tool_ != nullptr) tool_->cancel();
   });
   takePage();
 }
@@ -115,6 +119,10 @@ void BoardView::fit() {
 
 void BoardView::updateStale() {
   const double ratio = layer_.devicePixelRatio();
+  if (const Shape* lens = scene_.lens()) {
+    // It enlarges what is below it.
+    update(lens->box(scene_.size()).translated(place_.topLeft()).toAlignedRect());
+  }
   for (const QRectF& part : scene_.takeStale()) {
     const QRectF pixels(part.x() * ratio, part.y() * ratio, part.width() * ratio,
                         part.height() * ratio);
@@ -127,6 +135,12 @@ void BoardView::updateStale() {
       stale_.push_back(aligned);
     }
     update(part.translated(place_.topLeft()).toAlignedRect().adjusted(-2, -2, 2, 2));
+  }
+  if (stale_.size() > kMostStale) {
+    // Nothing was painted for a while, or much has changed: one large part takes less time.
+    QRect all;
+    for (const QRect& part : stale_) all |= part;
+    stale_ = {all};
   }
 }
 
@@ -149,6 +163,8 @@ void BoardView::drawStale() {
 }
 
 void BoardView::paintEvent(QPaintEvent* event) {
+  // The window has been moved to a screen with other pixels.
+  if (layer_.devicePixelRatio() != devicePixelRatioF()) fitTimer_.start(kFitAfter);
   drawStale();
   {
     QPainter painter(this);
@@ -231,14 +247,18 @@ void BoardView::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) press(event->position());
 }
 
-void BoardView::mouseMoveEvent(QMouseEvent* event) { move(event->position()); }
+void BoardView::mouseMoveEvent(QMouseEvent* event) {
+  // The button came up where this window did not hear of it.
+  if (isDown_ && !event->buttons().testFlag(Qt::LeftButton)) return release(event->position());
+  move(event->position());
+}
 
 void BoardView::mouseReleaseEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton) release(event->position());
 }
 
 void BoardView::mouseDoubleClickEvent(QMouseEvent* event) {
-  if (tool_ == nullptr || event->button() != Qt::LeftButton) return;
+  if (tool_ == nullptr || isDown_ || event->button() != Qt::LeftButton) return;
   isDown_ = true;
   emit penDown(true);
   tool_->doubleClick(toBoard(event->position()));
@@ -261,19 +281,26 @@ void BoardView::tabletEvent(QTabletEvent* event) {
   event->accept();
 }
 
-bool BoardView::touch(const QTouchEvent& event) {
+bool BoardView::touch(QTouchEvent& event) {
   if (tool_ == nullptr || event.points().isEmpty()) return false;
-  // One finger draws. A second one changes nothing.
-  const QEventPoint& finger = event.points().first();
+  // The first finger draws. Others change nothing.
+  if (event.type() == QEvent::TouchBegin) finger_ = event.points().first().id();
+  const QEventPoint* finger = event.pointById(finger_);
+  if (finger == nullptr) return true;
   switch (event.type()) {
     case QEvent::TouchBegin:
-      press(finger.position());
+      press(finger->position());
       return true;
     case QEvent::TouchUpdate:
-      if (isDown_) move(finger.position());
+      if (!isDown_) return true;
+      if (finger->state() == QEventPoint::Released) {
+        release(finger->position());
+      } else {
+        move(finger->position());
+      }
       return true;
     case QEvent::TouchEnd:
-      release(finger.position());
+      release(finger->position());
       return true;
     default:
       tool_->cancel();

@@ -72,7 +72,7 @@ class BoardView : public QWidget {
   void updateStale();
   void drawStale();
   void paintLens(QPainter& painter) const;
-  bool touch(const QTouchEvent& event);
+  bool touch(QTouchEvent& event);
   void press(QPointF inView);
   void move(QPointF inView);
   void release(QPointF inView);
@@ -82,6 +82,7 @@ class BoardView : public QWidget {
   Scene scene_;
   Tool* tool_ = nullptr;
   bool isDown_ = false;
+  int finger_ = 0;  // that draws
   QRectF place_;
   QImage layer_;              // the entries, transparent where there is nothing
   std::vector<QRect> stale_;  // pixels of the layer that are to be drawn again

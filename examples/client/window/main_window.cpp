@@ -5,6 +5,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImage>
 #include <QImageReader>
@@ -20,6 +21,16 @@
 namespace whiteboard {
 
 namespace vwb = VelWhiteBoard;
+
+namespace {
+
+QImage readPicture(const QString& file) {
+  QImageReader reader(file);
+  reader.setAutoTransform(true);  // as the camera was held
+  return reader.read();
+}
+
+}  // namespace
 
 MainWindow::MainWindow(Session& session, bool isShared)
     : session_(session),
@@ -82,7 +93,7 @@ void MainWindow::addCommands(bool isShared) {
                   [this] { session_.turnToNext(); });
   command(Sign::kAdd, tr("New page"), QKeySequence("Ctrl+N"), [this] { session_.addPage(); });
   command(Sign::kClear, tr("Clear the page"), QKeySequence("Ctrl+Shift+Delete"),
-          [this] { session_.clearPage(); });
+          [this] { clearPage(); });
   bar.addSeparator();
   command(Sign::kExport, tr("Save pages as pictures"), QKeySequence("Ctrl+E"),
           [this] { exportPages(); });
@@ -120,7 +131,13 @@ void MainWindow::insert(const QImage& picture) {
 void MainWindow::chooseImage() {
   const QString file = QFileDialog::getOpenFileName(
       this, tr("Image"), QString(), tr("Pictures (*.png *.jpg *.jpeg *.bmp *.gif)"));
-  if (!file.isEmpty()) insert(QImageReader(file).read());
+  if (!file.isEmpty()) insert(readPicture(file));
+}
+
+void MainWindow::clearPage() {
+  const auto answer = QMessageBox::question(
+      this, tr("Clear the page"), tr("Clear this page for everybody? This cannot be undone."));
+  if (answer == QMessageBox::Yes) session_.clearPage();
 }
 
 void MainWindow::paste() {
@@ -137,17 +154,21 @@ void MainWindow::dropEvent(QDropEvent* event) {
     insert(qvariant_cast<QImage>(event->mimeData()->imageData()));
   } else {
     for (const QUrl& url : event->mimeData()->urls()) {
-      if (url.isLocalFile()) insert(QImageReader(url.toLocalFile()).read());
+      if (url.isLocalFile()) insert(readPicture(url.toLocalFile()));
     }
   }
-  event->acceptProposedAction();
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
 }
 
 void MainWindow::exportPages() {
-  const QString file = QFileDialog::getSaveFileName(
-      this, tr("Save pages as pictures"), tr("lesson.pdf"),
-      tr("All pages in one document (*.pdf);;This page (*.png);;This page (*.svg)"));
+  QString filter;
+  QString file = QFileDialog::getSaveFileName(
+      this, tr("Save pages as pictures"), tr("lesson"),
+      tr("All pages in one document (*.pdf);;This page (*.png);;This page (*.svg)"), &filter);
   if (file.isEmpty()) return;
+  const QString ending = filter.section("*", 1).chopped(1);
+  if (QFileInfo(file).suffix().isEmpty()) file += ending;
   const QString problem = savePages(session_.board(), file);
   if (!problem.isEmpty()) QMessageBox::warning(this, tr("Save pages as pictures"), problem);
 }

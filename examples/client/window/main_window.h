@@ -33,6 +33,7 @@ class MainWindow : public QMainWindow {
   QAction* addCommand(QToolBar& bar, const QIcon& icon, const QString& title,
                       const QKeySequence& keys);
   void updateCommands();
+  void clearPage();
   void paste();
   void chooseImage();
   void insert(const QImage& picture);

@@ -15,6 +15,14 @@ namespace {
 
 constexpr QSize kPageSize(1920, 1080);
 
+/// What stays on a page: no pointers and magnifiers.
+vwb::VectorList lasting(Board& board, const Board::PageNumber& page) {
+  vwb::VectorList entries = board.entries(page);
+  std::erase_if(entries,
+                [&](const vwb::VectorPtr& each) { return board.storage().ignoreVector(*each); });
+  return entries;
+}
+
 }  // namespace
 
 QString savePages(Board& board, const QString& file) {
@@ -23,12 +31,12 @@ QString savePages(Board& board, const QString& file) {
   bool isSaved = false;
   if (ending == "pdf") {
     std::vector<vwb::VectorList> pages;
-    for (const Board::PageNumber& page : board.pages()) pages.push_back(board.entries(page));
+    for (const Board::PageNumber& page : board.pages()) pages.push_back(lasting(board, page));
     isSaved = savePdf(file, pages, kPageSize, problem);
   } else if (ending == "png") {
-    isSaved = savePng(file, board.entries(board.number()), kPageSize, problem);
+    isSaved = savePng(file, lasting(board, board.number()), kPageSize, problem);
   } else if (ending == "svg") {
-    isSaved = saveSvg(file, board.entries(board.number()), kPageSize, problem);
+    isSaved = saveSvg(file, lasting(board, board.number()), kPageSize, problem);
   } else {
     return QObject::tr("The name of the file must end in .pdf, .png or .svg.");
   }

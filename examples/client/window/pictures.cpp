@@ -2,6 +2,7 @@
 
 #include <QBuffer>
 #include <QByteArray>
+#include <QPainter>
 #include <VelWhiteBoard/VelWhiteBoard.h>
 #include <algorithm>
 
@@ -33,8 +34,12 @@ QByteArray addressOf(QImage picture) {
   if (!lossless.isEmpty() && lossless.size() <= kMostBytes) {
     return "data:image/png;base64," + lossless.toBase64();
   }
+  // The other format has no transparency.
+  QImage opaque(picture.size(), QImage::Format_RGB32);
+  opaque.fill(Qt::white);
+  QPainter(&opaque).drawImage(0, 0, picture);
   for (const int quality : {90, 75, 60, 40, 20}) {
-    const QByteArray smaller = encoded(picture, "JPEG", quality);
+    const QByteArray smaller = encoded(opaque, "JPEG", quality);
     if (!smaller.isEmpty() && smaller.size() <= kMostBytes) {
       return "data:image/jpeg;base64," + smaller.toBase64();
     }

@@ -36,9 +36,9 @@ ReplayWindow::ReplayWindow(Board& board, Player& player)
   addDockWidget(Qt::RightDockWidgetArea, dock);
   setContextMenuPolicy(Qt::NoContextMenu);
   setWindowIcon(iconOf(Sign::kWindow));
-  connect(&player_, &Player::moved, this, &ReplayWindow::update);
-  connect(&player_, &Player::playingChanged, this, &ReplayWindow::update);
-  update();
+  connect(&player_, &Player::moved, this, &ReplayWindow::showState);
+  connect(&player_, &Player::playingChanged, this, &ReplayWindow::showState);
+  showState();
   resize(1100, 680);
 }
 
@@ -72,7 +72,7 @@ void ReplayWindow::addBar() {
   addToolBar(Qt::BottomToolBarArea, bar);
 }
 
-void ReplayWindow::update() {
+void ReplayWindow::showState() {
   const bool playing = player_.isPlaying();
   play_->setIcon(iconOf(playing ? Sign::kPause : Sign::kPlay));
   play_->setText(playing ? tr("Pause") : tr("Play"));

@@ -25,7 +25,7 @@ class ReplayWindow : public QMainWindow {
 
  private:
   void addBar();
-  void update();
+  void showState();
 
   Player& player_;
   BoardView* view_;

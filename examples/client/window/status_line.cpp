@@ -23,7 +23,8 @@ QString connectionText(const BusStatus& status) {
   const QString problem = QString::fromStdString(status.problem);
   switch (status.kind) {
     case BusStatus::Kind::kLive:
-      return QObject::tr("Connected");
+      return problem.isEmpty() ? QObject::tr("Connected")
+                               : QObject::tr("Connected: %1").arg(problem);
     case BusStatus::Kind::kCatchingUp:
       return QObject::tr("Catching up");
     case BusStatus::Kind::kRefused:
@@ -56,10 +57,10 @@ void StatusLine::update() {
   const BusStatus& status = session_.status();
   QString text = isShared_ ? connectionText(status) : tr("On this computer");
   if (status.unsent > 0) text += tr(" - %1 to send").arg(status.unsent);
-  if (status.dropped > 0) text += tr(" - %1 bad messages dropped").arg(status.dropped);
+  if (status.dropped > 0) text += tr(" - %1 messages dropped").arg(status.dropped);
   const bool isGood = !isShared_ || status.kind == BusStatus::Kind::kLive;
-  const bool isBad = status.kind == BusStatus::Kind::kRefused;
-  say(*connection_, text, isGood ? Mood::kGood : isBad ? Mood::kBad : Mood::kWaiting);
+  const bool isBad = status.kind == BusStatus::Kind::kRefused || !status.problem.empty();
+  say(*connection_, text, isBad ? Mood::kBad : isGood ? Mood::kGood : Mood::kWaiting);
 
   const SaveState::Summary saves = session_.board().saveState();
   if (!saves.problem.empty()) {

@@ -45,8 +45,11 @@ Toolbox::Toolbox(Session& session, BoardView& view, QWidget* parent)
     return std::make_unique<ShapeTool>(session_, view_, std::string(kind));
   };
   auto text = std::make_unique<TextTool>(session_, view_);
-  auto select = std::make_unique<SelectTool>(
-      session_, view_, [written = text.get()](const std::string& ID) { written->edit(ID); });
+  auto select = std::make_unique<SelectTool>(session_, view_,
+                                             [this, writing = text.get()](const std::string& ID) {
+                                               take("Text");
+                                               writing->edit(ID);
+                                             });
 
   add("Select", iconOf(Sign::kSelect), "S", std::move(select));
   tools_->addSeparator();

@@ -67,6 +67,9 @@ vwb::VectorPtr resizeOf(const vwb::VelWbBaseVector& entry, const QRectF& to, vwb
   const auto update = entry.copyWithZone();
   auto* box = vwb::recordCast<vwb::VelWbVecSquare>(update.get());
   box->path.reset();
+  // The content stays as it is on the board, and need not travel again.
+  if (auto* file = vwb::recordCast<vwb::VelWbVecFile>(box)) file->url.reset();
+  if (auto* text = vwb::recordCast<vwb::VelWbVecText>(box)) text->text.reset();
   box->ts = vwb::VelWbVectorManager::shareManager().genTs();
   vwb::VWBToolManager::convertPoint({to.x(), to.y()}, {to.width(), to.height()}, *box, board);
   if (auto* diagram = vwb::recordCast<vwb::VelWbVecDiagram>(box)) mapPoints(*diagram, *before);

@@ -47,7 +47,12 @@ void SelectTool::select(const std::string& ID) {
 QRectF SelectTool::frame() const {
   const vwb::VectorPtr selected = entry();
   if (!selected) return {};
-  if (isResizable(*selected)) return frameOf(*selected, view_.boardSize());
+  if (isResizable(*selected)) {
+    // Records come from other machines, and may have any size.
+    const QRectF page(0, 0, view_.boardSize().width, view_.boardSize().height);
+    const QRectF around = page.adjusted(-page.width(), -page.height(), page.width(), page.height());
+    return frameOf(*selected, view_.boardSize()) & around;
+  }
   const Shape* shape = view_.scene().find(selected_);
   return shape != nullptr ? shape->bounds(view_.boardSize()) : QRectF();
 }
@@ -60,17 +65,24 @@ void SelectTool::press(QPointF at) {
     const auto corners = cornersOf(frame());
     for (std::size_t i = 0; i < corners.size(); ++i) {
       if ((corners[i] - at).manhattanLength() > kHandle) continue;
-      drag_ = Drag::kResize;
       fixedCorner_ = corners[(i + 2) % corners.size()];
-      before_ = selected->copyWithZone();
-      return;
+      return begin(Drag::kResize, *selected);
     }
   }
   const Shape* hit = view_.scene().at(at, kTolerance);
   if (hit == nullptr || !hit->vector()->ID) return select({});
   select(*hit->vector()->ID);
-  drag_ = Drag::kMove;
-  before_ = hit->vector()->copyWithZone();
+  begin(Drag::kMove, *hit->vector());
+}
+
+void SelectTool::begin(Drag drag, const vwb::VelWbBaseVector& entry) {
+  drag_ = drag;
+  before_ = entry.copyWithZone();
+  inkBefore_ = session_.board().ink().copyOf(selected_);
+}
+
+bool SelectTool::isThere() const {
+  return inkBefore_.has_value() || session_.board().storage().entryWithID(selected_) != nullptr;
 }
 
 vwb::VectorPtr SelectTool::changeAt(QPointF at) const {
@@ -84,8 +96,14 @@ vwb::VectorPtr SelectTool::changeAt(QPointF at) const {
 }
 
 void SelectTool::move(QPointF at) {
-  if (drag_ == Drag::kNone || (at - from_).manhattanLength() < kSmallestMove) return;
-  if (const vwb::VectorPtr change = changeAt(at)) session_.show(*change);
+  if (drag_ == Drag::kNone) return;
+  const vwb::VectorPtr change =
+      (at - from_).manhattanLength() < kSmallestMove ? nullptr : changeAt(at);
+  if (change) {
+    session_.show(*change);
+  } else {
+    session_.board().restoreInk(selected_, inkBefore_);
+  }
   view_.toolChanged();
 }
 
@@ -95,13 +113,18 @@ void SelectTool::release(QPointF at) {
       (at - from_).manhattanLength() < kSmallestMove ? nullptr : changeAt(at);
   drag_ = Drag::kNone;
   before_ = nullptr;
-  if (change) session_.draw(change);
+  if (change && isThere()) {
+    session_.draw(change);
+  } else {
+    session_.board().restoreInk(selected_, inkBefore_);
+  }
   view_.toolChanged();
 }
 
 void SelectTool::doubleClick(QPointF at) {
   press(at);
   drag_ = Drag::kNone;
+  before_ = nullptr;
   const vwb::VectorPtr selected = entry();
   if (selected && vwb::recordCast<const vwb::VelWbVecText>(selected.get()) != nullptr) {
     editText_(selected_);
@@ -109,7 +132,7 @@ void SelectTool::doubleClick(QPointF at) {
 }
 
 void SelectTool::cancel() {
-  if (drag_ != Drag::kNone && before_) session_.board().forgetInk(selected_);
+  if (drag_ != Drag::kNone) session_.board().restoreInk(selected_, inkBefore_);
   drag_ = Drag::kNone;
   before_ = nullptr;
   select({});
@@ -123,6 +146,7 @@ void SelectTool::remove() {
 }
 
 bool SelectTool::key(QKeyEvent& event) {
+  if (drag_ != Drag::kNone) return event.key() == Qt::Key_Escape ? (cancel(), true) : true;
   const double step = event.modifiers().testFlag(Qt::ShiftModifier) ? 10 : 1;
   const auto nudge = [&](double x, double y) {
     const vwb::VectorPtr selected = entry();

@@ -4,6 +4,7 @@
 #include <QRectF>
 #include <VelWhiteBoard/VelWhiteBoard.h>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "lesson/session.h"
@@ -40,6 +41,9 @@ class SelectTool : public Tool {
   void remove();
   /// The frame around the selected entry.
   QRectF frame() const;
+  void begin(Drag drag, const VelWhiteBoard::VelWbBaseVector& entry);
+  /// Whether others have left the entry on the page.
+  bool isThere() const;
   /// What the drag so far makes of the entry; null when nothing.
   VelWhiteBoard::VectorPtr changeAt(QPointF at) const;
 
@@ -52,6 +56,8 @@ class SelectTool : public Tool {
   /// The corner that stays while a box is resized.
   QPointF fixedCorner_;
   VelWhiteBoard::VectorPtr before_;
+  /// The own ink of the entry when the drag began; none when there was none.
+  std::optional<OwnInk::Ink> inkBefore_;
 };
 
 }  // namespace whiteboard

@@ -25,6 +25,13 @@ std::shared_ptr<vwb::VelWbVecLine> StrokeTool::pieceAt(QPointF at) const {
   auto piece =
       vwb::recordPointerCast<vwb::VelWbVecLine>(vwb::VWBToolManager::genVectorWithTool(tool_, ID_));
   vwb::VWBToolManager::convertPoint({at.x(), at.y()}, *piece, view_.boardSize());
+  if (first_) {
+    // Settings that are changed while the pen is down count for the next stroke.
+    piece->color = first_->color;
+    piece->pixel = first_->pixel;
+    piece->ps = first_->ps;
+    piece->widthIndex = first_->widthIndex;
+  }
   piece->path.emplace();
   piece->path->push_back({piece->x, piece->y, piece->ts});
   return piece;
@@ -47,7 +54,9 @@ void StrokeTool::press(QPointF at) {
   ID_ = session_.newIdentifier();
   last_ = at;
   above_ = at;
-  add(pieceAt(at));
+  session_.board().holdInk(ID_);
+  first_ = pieceAt(at);
+  add(vwb::recordPointerCast<vwb::VelWbVecLine>(vwb::VectorPtr(first_->copyWithZone())));
   sendWaiting();
   timer_.start();
 }
@@ -65,9 +74,11 @@ void StrokeTool::release(QPointF at) {
   timer_.stop();
   const auto piece = pieceAt(at);
   piece->end = true;
+  session_.board().holdInk({});
   add(piece);
   sendWaiting();
   ID_.clear();
+  first_ = nullptr;
 }
 
 void StrokeTool::cancel() {

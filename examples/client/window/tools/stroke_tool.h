@@ -37,7 +37,8 @@ class StrokeTool : public Tool {
   Session& session_;
   BoardView& view_;
   std::uint64_t tool_;
-  std::string ID_;  // of the stroke that is drawn; empty: none
+  std::string ID_;                                      // of the stroke that is drawn; empty: none
+  std::shared_ptr<VelWhiteBoard::VelWbVecLine> first_;  // piece of that stroke
   std::shared_ptr<VelWhiteBoard::VelWbVecLine> waiting_;  // shown, not sent
   QPointF last_;
   QPointF above_;

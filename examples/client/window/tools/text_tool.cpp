@@ -19,13 +19,20 @@ namespace {
 constexpr double kMargin = 0.25;
 /// A new text is no wider than this part of the board.
 constexpr double kWidest = 0.5;
+/// For a text of another client that tells no size.
+constexpr double kUsualSize = 20;
+/// What the page draws of a text.
+constexpr int kLongestText = 10000;
+/// What a box that keeps its place has instead of one.
+constexpr double kNotGiven = -100;
 /// Letters of another client may be a little wider.
 constexpr double kSlack = 1.04;
 
 QFont fontOf(const vwb::VelWbVecText& text, vwb::Size board) {
   QFont font(QString::fromStdString(text.fontName.value_or("")));
   if (!text.fontName || text.fontName->empty()) font.setStyleHint(QFont::SansSerif);
-  font.setPixelSize(std::clamp(static_cast<int>(text.fontSizeWith(board)), 6, 400));
+  const double size = drawableFontSize(text.fontSizeWith(board), kUsualSize);
+  font.setPixelSize(static_cast<int>(std::clamp(size, 6.0, 400.0)));
   font.setHintingPreference(QFont::PreferNoHinting);
   return font;
 }
@@ -119,17 +126,18 @@ void TextTool::open(const QRectF& place) {
                    QColor(QString::fromStdString(text_->color.value_or("#303033")).left(7)));
   editor_->setPalette(palette);
   editor_->setPlainText(QString::fromStdString(text_->text.value_or("")));
-  const QPointF corner = view_.boardRect().topLeft() + place.topLeft();
-  editor_->setGeometry(static_cast<int>(corner.x()), static_cast<int>(corner.y()),
-                       std::max(120, static_cast<int>(place.width())),
-                       static_cast<int>(std::max(place.height(), line * 2.5)));
+  const QRectF wanted(place.topLeft(),
+                      QSizeF(std::max(120.0, place.width()), std::max(place.height(), line * 2.5)));
+  const QRectF page(QPointF(0, 0), view_.boardRect().size());
+  const QRectF shown = wanted.intersects(page) ? wanted & page : QRectF(20, 20, 200, line * 3);
+  editor_->setGeometry(shown.translated(view_.boardRect().topLeft()).toRect());
   editor_->show();
   editor_->setFocus();
 }
 
 void TextTool::finish() {
   if (!editor_ || !text_) return;
-  const QString written = editor_->toPlainText();
+  const QString written = editor_->toPlainText().left(kLongestText);
   const QRectF place(QPointF(editor_->pos()) - view_.boardRect().topLeft(),
                      QSizeF(editor_->size()));
   editor_->hide();
@@ -149,6 +157,11 @@ void TextTool::finish() {
     const QSizeF size = sizeFor(*text, board, place.width());
     vwb::VWBToolManager::convertPoint({place.x(), place.y()}, {size.width(), size.height()}, *text,
                                       board);
+  }
+  // An edit leaves the box where others may have moved it meanwhile, if it is still there.
+  if (!isNew_ && session_.board().shownEntry(*text->ID)) {
+    text->x = text->y = kNotGiven;
+    text->w = text->h = 0;
   }
   session_.draw(text);
 }
