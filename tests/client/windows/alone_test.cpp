@@ -121,6 +121,99 @@ TEST_F(AWindow, MovesAStrokeByItsOffset) {
   EXPECT_NEAR((*stroke->offset)[1].get<double>(), 0.2, 0.005);
 }
 
+TEST_F(AWindow, LeavesAnEntryThatIsDraggedOutAndBack) {
+  someone_.take("Rectangle");
+  someone_.drag(0.2, 0.2, 0.4, 0.4);
+  const auto before = textsOf(someone_.entries());
+  someone_.take("Select");
+  someone_.press(0.2, 0.3);
+  someone_.moveTo(0.5, 0.6);
+  someone_.moveTo(0.2, 0.3);
+  someone_.release(0.2, 0.3);
+  EXPECT_EQ(textsOf(someone_.entries()), before);
+  EXPECT_TRUE(someone_.board().ink().inks().empty());
+}
+
+TEST_F(AWindow, GivesUpADragWithEscape) {
+  someone_.take("Rectangle");
+  someone_.drag(0.2, 0.2, 0.4, 0.4);
+  const auto before = textsOf(someone_.entries());
+  someone_.take("Select");
+  someone_.press(0.2, 0.3);
+  someone_.moveTo(0.5, 0.6);
+  QTest::keyClick(&someone_.view(), Qt::Key_Delete);  // not while it is dragged
+  QTest::keyClick(&someone_.view(), Qt::Key_Escape);
+  someone_.release(0.5, 0.6);
+  EXPECT_EQ(textsOf(someone_.entries()), before);
+  EXPECT_TRUE(someone_.board().ink().inks().empty());
+}
+
+TEST_F(AWindow, KeepsThePictureOfAnImageThatIsMoved) {
+  QImage picture(80, 45, QImage::Format_RGB32);
+  picture.fill(Qt::red);
+  QGuiApplication::clipboard()->setImage(picture);
+  for (QAction* action : someone_.window().actions()) {
+    if (action->text() == "Paste") action->trigger();
+  }
+  someone_.drag(0.5, 0.5, 0.6, 0.6);
+  const auto image = vwb::recordPointerCast<vwb::VelWbVecFile>(only());
+  ASSERT_TRUE(image);
+  EXPECT_NEAR(image->x, -0.1, 0.005);
+  EXPECT_TRUE(image->url.value_or("").starts_with("data:image/png;base64,"));
+}
+
+TEST_F(AWindow, MovesAStrokeThatHasNoEnd) {
+  auto stroke = vwb::VelWbVecLine::initWithType("line");
+  stroke->ID = "crashed_1";
+  stroke->pixel = 4;
+  stroke->ps = 400;
+  stroke->path.emplace();
+  for (int i = 0; i < 10; ++i) stroke->path->push_back({-0.3 + 0.02 * i, 0, 1.0 + i});
+  someone_.board().file("1_1", stroke);
+  someone_.take("Select");
+  someone_.drag(0.3, 0.5, 0.3, 0.7);
+  EXPECT_TRUE(someone_.board().ink().inks().empty());
+  EXPECT_TRUE(vwb::recordPointerCast<vwb::VelWbVecLine>(only())->offset.has_value());
+}
+
+TEST_F(AWindow, KeepsWhatATextEditorHoldsWhenThePageIsTurned) {
+  someone_.take("Text");
+  someone_.click(0.3, 0.3);
+  QWidget* editor = someone_.view().findChild<QPlainTextEdit*>();
+  ASSERT_NE(editor, nullptr);
+  QTest::keyClicks(editor, "First page");
+  someone_.session().addPage();
+  EXPECT_TRUE(someone_.entries().empty());
+  someone_.session().turnToPrevious();
+  EXPECT_EQ(vwb::recordPointerCast<vwb::VelWbVecText>(only())->text, "First page");
+}
+
+TEST_F(AWindow, TurnsNoPageWhileThePenIsDown) {
+  someone_.take("Pen");
+  someone_.press(0.5, 0.5);
+  someone_.session().addPage();
+  someone_.moveTo(0.6, 0.6);
+  someone_.release(0.6, 0.6);
+  EXPECT_EQ(someone_.board().number().second, 1u);
+  EXPECT_TRUE(vwb::recordPointerCast<vwb::VelWbVecLine>(only())->end);
+}
+
+TEST_F(AWindow, TakesAnEditorThatADoubleClickHasOpened) {
+  someone_.take("Text");
+  someone_.click(0.3, 0.3);
+  QTest::keyClicks(someone_.view().findChild<QPlainTextEdit*>(), "Old");
+  someone_.take("Select");
+  EXPECT_EQ(vwb::recordPointerCast<vwb::VelWbVecText>(only())->text, "Old");
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  QTest::mouseDClick(&someone_.view(), Qt::LeftButton, Qt::NoModifier, someone_.at(0.32, 0.33));
+  QWidget* editor = someone_.view().findChild<QPlainTextEdit*>();
+  ASSERT_NE(editor, nullptr);
+  QTest::keyClick(editor, Qt::Key_End);
+  QTest::keyClicks(editor, "er");
+  someone_.take("Pen");
+  EXPECT_EQ(vwb::recordPointerCast<vwb::VelWbVecText>(only())->text, "Older");
+}
+
 TEST_F(AWindow, UndoesAndRedoesWhatWasDrawn) {
   someone_.take("Pen");
   someone_.drag(0.2, 0.2, 0.4, 0.2);

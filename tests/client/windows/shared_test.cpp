@@ -1,5 +1,6 @@
 // Two windows in one lesson, with a real server between them.
 #include <cerrno>
+#include <set>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -173,6 +174,53 @@ TEST_F(ALesson, TurnsThePagesOfEverybodyWhoTurnsTogether) {
   EXPECT_TRUE(soon([&] {
     return textsOf(pupil->board().entries({1, 2})) == textsOf(teacher->entries());
   }));
+}
+
+TEST_F(ALesson, EndsOnThePageThatWasTurnedToLast) {
+  const auto teacher = enter("teacher");
+  const auto pupil = enter("pupil");
+  for (int i = 0; i < 5; ++i) teacher->session().addPage();
+  EXPECT_EQ(teacher->board().number().second, 6u);
+  std::set<std::uint64_t> shown;
+  QObject::connect(&teacher->board(), &Board::pagesChanged, &teacher->window(),
+                   [&] { shown.insert(teacher->board().number().second); });
+  ASSERT_TRUE(soon([&] { return teacher->isSettled() && pupil->board().number().second == 6; }));
+  QTest::qWait(50);
+  EXPECT_EQ(teacher->board().number().second, 6u);
+  for (std::uint64_t page = 1; page < 6; ++page) EXPECT_EQ(shown.count(page), 0u);
+}
+
+TEST_F(ALesson, IsTheSameWhenAPupilComesBackWhoHasNotSeenAPage) {
+  const auto teacher = enter("teacher");
+  auto pupil = enter("pupil");
+  pupil->session().setTurnsTogether(false);
+  teacher->session().addPage();
+  drawOfEverything(*teacher);
+  ASSERT_TRUE(soon([&] {
+    return textsOf(pupil->board().entries({1, 2})) == textsOf(teacher->entries());
+  }));
+  const auto writing = pupil->board().storage().saveQueue();
+  pupil.reset();
+  writing->waitUntilAllOperationsAreFinished();
+  pupil = enter("pupil");
+  ASSERT_TRUE(soon([&] { return pupil->board().number().second == 2; }));
+  expectEqual(*teacher, *pupil);
+}
+
+TEST_F(ALesson, DoesNotBringBackWhatWasRemovedDuringADrag) {
+  const auto teacher = enter("teacher");
+  const auto pupil = enter("pupil");
+  teacher->take("Rectangle");
+  teacher->drag(0.4, 0.4, 0.6, 0.6);
+  expectEqual(*teacher, *pupil);
+  pupil->take("Select");
+  pupil->press(0.4, 0.5);
+  pupil->moveTo(0.5, 0.6);
+  teacher->session().remove(*teacher->entries().front()->ID);
+  ASSERT_TRUE(soon([&] { return pupil->entries().empty(); }));
+  pupil->release(0.6, 0.7);
+  expectEqual(*teacher, *pupil);
+  EXPECT_TRUE(pupil->entries().empty());
 }
 
 TEST_F(ALesson, ShowsAPointerUntilTheNextVector) {

@@ -127,7 +127,8 @@ void SelectTool::doubleClick(QPointF at) {
   before_ = nullptr;
   const vwb::VectorPtr selected = entry();
   if (selected && vwb::recordCast<const vwb::VelWbVecText>(selected.get()) != nullptr) {
-    editText_(selected_);
+    const std::string ID = selected_;  // taking the other tool ends the selection
+    editText_(ID);
   }
 }
 
