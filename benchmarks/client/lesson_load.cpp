@@ -10,7 +10,8 @@
 // do not write are subscriptions on few connections. `--pieces-per-second` counts for each writer;
 // 0: as fast as the stream takes them, in which case `--pieces` of all writers end it too. A stroke
 // has `--stroke` pieces; pieces that wait at their writer are joined, except with 1. `--late 1`
-// times one who joins at the end. `--participants 0` opens the lessons, and nothing else.
+// times one who joins at the end. `--participants 0` opens the lessons, and nothing else; with
+// `--flood N` it sends N pieces then, as fast as it goes.
 //
 // The exit code is 0 when everybody received everything once and in order, 1 when not, 2 when it
 // could not be tried.
@@ -47,7 +48,8 @@ struct Options {
       {"writers", "1"},      {"seconds", "10"},  {"pieces-per-second", "40"},
       {"stroke", "40"},      {"replicas", "1"},  {"readers", "bus"},
       {"connections", "8"},  {"server-pid", ""}, {"name", "load" + std::to_string(::getpid())},
-      {"pieces", "1000000"}, {"drain", "20"},    {"late", "0"}};
+      {"pieces", "1000000"}, {"drain", "20"},    {"late", "0"},
+      {"flood", "0"}};
 
   const std::string& text(const std::string& name) const { return texts.at(name); }
   std::size_t number(const std::string& name) const {
@@ -273,6 +275,7 @@ bool measure(const Options& options) {
   const std::vector<std::string> own{std::to_string(::getpid())};
   Run run(options);
   if (options.number("participants") == 0) {
+    const load::Usage before = load::usageOf(server);
     const std::int64_t begin = now();
     for (std::size_t i = 0; i < options.number("lessons"); ++i) {
       whiteboard::NatsSession(options.text("url"), run.lesson(i), "")
@@ -280,6 +283,15 @@ bool measure(const Options& options) {
     }
     std::printf("opened in %.2f s; server %.0f MB\n", static_cast<double>(now() - begin) / 1e9,
                 load::usageOf(server).memory / 1e6);
+    if (options.number("flood") > 0) {
+      std::vector<std::string> lessons;
+      for (std::size_t i = 0; i < options.number("lessons"); ++i) lessons.push_back(run.lesson(i));
+      const double time = load::flood(options.text("url"), lessons, options.number("flood"));
+      std::printf("sent %zu pieces in %.2f s (%.0f/s); server %.1f s of a core\n",
+                  options.number("flood"), time,
+                  static_cast<double>(options.number("flood")) / time,
+                  load::usageOf(server).seconds - before.seconds);
+    }
     return true;
   }
   open(run);

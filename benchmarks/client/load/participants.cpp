@@ -5,6 +5,8 @@
 #include <string_view>
 #include <utility>
 
+#include "lesson/message.h"
+
 namespace load {
 
 namespace {
@@ -153,6 +155,40 @@ void Readers::add(const std::string& lesson, Receipt& receipt) {
             "subscribe to the stream");
   }
   subscriptions_.push_back(made);
+}
+
+double flood(const std::string& url, const std::vector<std::string>& lessons, std::size_t pieces) {
+  natsConnection* connection = nullptr;
+  require(natsConnection_ConnectTo(&connection, url.c_str()), "connect");
+  const std::unique_ptr<natsConnection, decltype(&natsConnection_Destroy)> owner(
+      connection, &natsConnection_Destroy);
+  jsOptions options;
+  jsOptions_Init(&options);
+  options.PublishAsync.MaxPending = 1000;
+  jsCtx* made = nullptr;
+  require(natsConnection_JetStream(&made, connection, &options), "use JetStream");
+  const std::unique_ptr<jsCtx, decltype(&jsCtx_Destroy)> context(made, &jsCtx_Destroy);
+  Pieces source(0, pieces, 1);
+  const std::int64_t begin = now();
+  for (std::size_t i = 0; i < pieces; ++i) {
+    const std::string subject = "lesson." + lessons[i % lessons.size()];
+    const std::string text = whiteboard::encodeMessage("42_1", *source.next());
+    const std::string id = "flood-" + std::to_string(i);
+    jsPubOptions publish;
+    jsPubOptions_Init(&publish);
+    publish.MsgId = id.c_str();
+    require(js_PublishAsync(made, subject.c_str(), text.data(), static_cast<int>(text.size()),
+                            &publish),
+            "send");
+  }
+  require(js_PublishAsyncComplete(made, nullptr), "send everything");
+  const std::int64_t end = now();
+  natsMsgList refused{};
+  if (js_PublishAsyncGetPendingList(&refused, made) == NATS_OK) {
+    natsMsgList_Destroy(&refused);
+    throw std::runtime_error("the streams do not take all pieces");
+  }
+  return static_cast<double>(end - begin) / 1e9;
 }
 
 }  // namespace load

@@ -72,4 +72,9 @@ class Readers {
   std::vector<natsSubscription*> subscriptions_;
 };
 
+/// Sends so many pieces to lessons that are open already, in turns, on one connection, without
+/// waiting for the answer to each. Returns how long it took until the streams had all, in seconds.
+/// @throws std::runtime_error when the streams do not take all of them.
+double flood(const std::string& url, const std::vector<std::string>& lessons, std::size_t pieces);
+
 }  // namespace load
