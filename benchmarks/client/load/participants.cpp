@@ -108,13 +108,15 @@ void Buses::collect() {
   }
 }
 
-Readers::Readers(Kind kind, std::string url, std::size_t connections) : kind_(kind) {
+Readers::Readers(Kind kind, const std::string& url, std::size_t connections) : kind_(kind) {
+  // Of several servers the first one.
+  const std::string first = url.substr(0, url.find(','));
   require(nats_Open(-1), "use the library");
   require(nats_SetMessageDeliveryPoolSize(2), "use two threads");
   for (std::size_t i = 0; i < connections; ++i) {
     natsOptions* options = nullptr;
     require(natsOptions_Create(&options), "prepare a connection");
-    natsOptions_SetURL(options, url.c_str());
+    natsOptions_SetURL(options, first.c_str());
     natsOptions_UseGlobalMessageDelivery(options, true);
     natsConnection* connection = nullptr;
     const natsStatus status = natsConnection_Connect(&connection, options);

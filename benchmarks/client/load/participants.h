@@ -57,7 +57,7 @@ class Readers {
     kPlain,      ///< to the subject: the server sends what comes, and keeps nothing
   };
 
-  Readers(Kind kind, std::string url, std::size_t connections);
+  Readers(Kind kind, const std::string& url, std::size_t connections);
   ~Readers();
   Readers(const Readers&) = delete;
   Readers& operator=(const Readers&) = delete;

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <string>
+#include <utility>
 
 namespace load {
 
@@ -46,7 +48,11 @@ vwb::VectorPtr Pieces::next() {
   const std::size_t piece = count_.load();
   if (piece == sentAt_.size()) return nullptr;
   auto made = vwb::VelWbVecLine::initWithType(vwb::VelWBVectorStrMarkerPen);
-  made->ID = "u" + std::to_string(writer_) + "_" + std::to_string(piece / ofStroke_);
+  std::string ID = "u";
+  ID += std::to_string(writer_);
+  ID += '_';
+  ID += std::to_string(piece / ofStroke_);
+  made->ID = std::move(ID);
   made->color = "#FF3467FF";
   made->pixel = 2;
   made->ps = 400;
