@@ -42,6 +42,25 @@ TEST(NatsTrouble, TellsThatNobodyAnswers) {
   EXPECT_EQ(one.status().kind, Kind::kConnecting);
 }
 
+TEST(NatsTrouble, FindsTheServerThatAnswersAmongSeveral) {
+  const NatsServer server;
+  const std::string dead = deadUrl();
+  Participant last(dead + "," + server.url());
+  Participant first(server.url() + "," + dead);
+  last.publish("a");
+  ASSERT_TRUE(first.has(1));
+  EXPECT_TRUE(last.isLive());
+  EXPECT_EQ(last.status().problem, "");
+  const Participant none(dead + "," + dead);
+  EXPECT_TRUE(none.tells("no server answers"));
+}
+
+TEST(NatsTrouble, TellsThatOneServerCannotKeepALessonThreeTimes) {
+  const NatsServer server;
+  const Participant one(NatsBus::Options{server.url(), "maths", "", "", 3});
+  EXPECT_TRUE(one.tells("Cannot open the lesson"));
+}
+
 TEST(NatsTrouble, BeginsAnewWhenTheServerHasLostTheLesson) {
   NatsServer server;
   Participant one(server.url());

@@ -30,7 +30,8 @@ class NatsBusState;
 class NatsBus : public Bus {
  public:
   struct Options {
-    /// `nats://host:port` or `tls://host:port`.
+    /// `nats://host:port` or `tls://host:port`; several of one cluster with commas between them.
+    /// One of them is connected to, by chance, and another one when it does not answer.
     std::string url;
     /// See `isLessonName`.
     std::string lesson;
@@ -39,6 +40,9 @@ class NatsBus : public Bus {
     /// A file of this lesson and this participant. What is unsent at the end is written there, and
     /// is sent at the next start; the file stays until all of it has been sent. Empty: it is lost.
     std::string unsentFile;
+    /// How many servers of a cluster keep the lesson: 1, 3 or 5. It counts when the lesson is made;
+    /// a server that is alone makes a lesson with 1 only.
+    int replicas = 1;
   };
 
   /// @throws std::invalid_argument for a name that no lesson may have.

@@ -47,7 +47,7 @@ void NatsReader::serve() {
   const NatsBus::Options& options = state_.options();
   const auto session = std::make_shared<NatsSession>(options.url, options.lesson, options.token);
   state_.connected(session);
-  const StreamState stream = session->openStream();
+  const StreamState stream = session->openStream(options.replicas);
   target_ = stream.messages == 0 ? 0 : stream.last;
   next_ = state_.opened(stream);
   isFirst_ = true;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <sstream>
 #include <utility>
+#include <vector>
 
 #include "lesson/nats_texts.h"
 
@@ -33,12 +35,23 @@ void ignoreError(natsConnection*, natsSubscription*, natsStatus, void*) {}
 
 using OptionsOwner = std::unique_ptr<natsOptions, decltype(&natsOptions_Destroy)>;
 
+/// What is between the commas.
+std::vector<std::string> partsOf(const std::string& list) {
+  std::vector<std::string> parts;
+  std::istringstream rest(list);
+  for (std::string part; std::getline(rest, part, ',');) parts.push_back(part);
+  return parts;
+}
+
 OptionsOwner optionsFor(const std::string& url, const std::string& token) {
   natsOptions* made = nullptr;
   require(natsOptions_Create(&made), "prepare a connection");
   OptionsOwner options(made, &natsOptions_Destroy);
   const auto set = [](natsStatus status) { require(status, "use these settings"); };
-  set(natsOptions_SetURL(made, url.c_str()));
+  const std::vector<std::string> servers = partsOf(url);
+  std::vector<const char*> texts;
+  for (const std::string& server : servers) texts.push_back(server.c_str());
+  set(natsOptions_SetServers(made, texts.data(), static_cast<int>(texts.size())));
   if (url.starts_with("tls://")) set(natsOptions_SetSecure(made, true));
   if (!token.empty()) set(natsOptions_SetToken(made, token.c_str()));
   set(natsOptions_SetName(made, "whiteboard"));
@@ -52,13 +65,14 @@ OptionsOwner optionsFor(const std::string& url, const std::string& token) {
 }
 
 /// What cannot be undone by one participant is forbidden to all: the order has no gaps.
-jsStreamConfig configOf(const char* stream, const char** subject) {
+jsStreamConfig configOf(const char* stream, const char** subject, int replicas) {
   jsStreamConfig config;
   jsStreamConfig_Init(&config);
   config.Name = stream;
   config.Subjects = subject;
   config.SubjectsLen = 1;
   config.Storage = js_FileStorage;
+  config.Replicas = replicas;
   config.Discard = js_DiscardNew;
   config.DenyDelete = true;
   config.DenyPurge = true;
@@ -105,14 +119,14 @@ NatsSession::NatsSession(const std::string& url, const std::string& lesson,
 // A subscription to an open connection would ask the server to remove it, and wait.
 NatsSession::~NatsSession() { close(); }
 
-StreamState NatsSession::openStream() {
+StreamState NatsSession::openStream(int replicas) {
   jsStreamInfo* info = nullptr;
   auto code = jsErrCode(0);
   natsStatus status = js_GetStreamInfo(&info, jetStream_.get(), stream_.c_str(), nullptr, &code);
   if (status == NATS_NOT_FOUND || code == JSStreamNotFoundErr) {
     code = jsErrCode(0);
     const char* subject = subject_.c_str();
-    jsStreamConfig config = configOf(stream_.c_str(), &subject);
+    jsStreamConfig config = configOf(stream_.c_str(), &subject, replicas);
     // Two who do so at once both succeed.
     status = js_AddStream(&info, jetStream_.get(), &config, nullptr, &code);
   }

@@ -80,6 +80,7 @@ struct SendResult {
 class NatsSession {
  public:
   /// Connects. May take seconds, much longer when names are resolved slowly.
+  /// @param url one or more, as `NatsBus::Options` has it.
   /// @param token empty for none.
   /// @throws NatsFailure
   NatsSession(const std::string& url, const std::string& lesson, const std::string& token);
@@ -88,9 +89,9 @@ class NatsSession {
   NatsSession(const NatsSession&) = delete;
   NatsSession& operator=(const NatsSession&) = delete;
 
-  /// Looks up the lesson's stream, and makes it if there is none.
+  /// Looks up the lesson's stream, and makes it if there is none, on so many servers.
   /// @throws NatsFailure
-  StreamState openStream();
+  StreamState openStream(int replicas = 1);
   /// From here on `next` returns the stream's messages from that sequence on. Once only.
   /// @throws NatsFailure
   void subscribe(std::uint64_t from);
