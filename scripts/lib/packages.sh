@@ -4,7 +4,7 @@ library_packages=(build-essential cmake ninja-build pkg-config
   nlohmann-json3-dev libsimdjson-dev libexpat1-dev)
 example_packages=(libcli11-dev libcairo2-dev fonts-dejavu-core)
 test_packages=(libgtest-dev libgmock-dev locales python3 python3-cairo valgrind groff-base)
-client_packages=(qt6-base-dev libqt6svg6-dev libnats-dev nats-server)
+client_packages=(qt6-base-dev qt6-svg-dev libnats-dev nats-server)
 # For tests of windows: a display in memory.
 client_test_packages=(xvfb xauth)
 bench_packages=(libbenchmark-dev libsqlite3-dev python3)
