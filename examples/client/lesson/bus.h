@@ -39,7 +39,7 @@ struct BusStatus {
   double created = 0;
   /// How many vectors wait to be sent.
   std::size_t unsent = 0;
-  /// How many messages were dropped, because they were none.
+  /// How many messages were dropped: others' that are not valid, own ones that are not accepted.
   std::uint64_t dropped = 0;
 };
 

@@ -88,8 +88,8 @@ TEST_F(AReplay, TakesPositionsOutsideTheLessonAsItsEnds) {
 }
 
 TEST_F(AReplay, PlaysFasterWhenItIsTold) {
-  player_.setSpeed(1000);  // becomes 60
-  player_.seek(player_.duration() - 3);
+  ASSERT_GT(player_.duration(), 45);  // at its own speed it does not end while we wait
+  player_.setSpeed(1000);             // becomes 60
   player_.play();
   EXPECT_TRUE(player_.isPlaying());
   EXPECT_TRUE(soon([&] { return player_.isAtEnd(); }));
