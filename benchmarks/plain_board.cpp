@@ -37,6 +37,12 @@ void PlainBoard::take(const std::string& text) {
   log_.push_back(text);
 }
 
+std::size_t PlainBoard::positionCount() const {
+  std::size_t numbers = 0;
+  for (const auto& [identifier, entry] : entries_) numbers += entry.positions.size();
+  return numbers / kNumbersOfAPosition;
+}
+
 PlainBoard::Members PlainBoard::membersOf(const simdjson::dom::object& object) {
   Members members;
   for (const auto& [key, value] : object) {

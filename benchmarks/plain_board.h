@@ -24,6 +24,8 @@ class PlainBoard {
   void take(const std::string& text);
   std::size_t entryCount() const { return entries_.size(); }
   std::size_t logSize() const { return log_.size(); }
+  /// The positions of all entries; counts them.
+  std::size_t positionCount() const;
 
  private:
   /// The members that the state needs. Texts are valid until the next one is parsed.
