@@ -50,7 +50,13 @@ test_under_asan_ubsan() {
 
 fuzz_a_minute_each() {
   build_fuzzers
-  fuzz_all 60
+  step "Fuzzing for a minute: ${fuzz_targets[*]}"
+  local target processes=() process
+  for target in "${fuzz_targets[@]}"; do
+    fuzz "$target" 60 1 &
+    processes+=($!)
+  done
+  for process in "${processes[@]}"; do wait "$process"; done
 }
 
 test_under_tsan() {
