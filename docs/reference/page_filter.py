@@ -16,6 +16,8 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 # Where links to a folder lead.
 PAGES_OF_FOLDERS = {"VelWhiteBoard": "modules.html"}
+# Documents whose heading says too little among others.
+TITLES = {"README.md": "About the library"}
 # Classes whose names are English words. Doxygen would take each such word at the start of a sentence for
 # the class.
 WORDS = "Coder|Path|Point|Property|Record|Rect|Size"
@@ -40,6 +42,11 @@ def page_label(path):
     return "page_" + name.lower().replace("-", "_")
 
 
+def title(path):
+    """What a document is called."""
+    return TITLES.get(path) or HEADING.search((ROOT / path).read_text(encoding="utf-8")).group(2)
+
+
 def label(path, heading):
     return f"{page_label(path)}_{heading.replace('-', '_')}" if heading else page_label(path)
 
@@ -55,13 +62,19 @@ class Page:
         self.kept.append(match.group())
         return f"\0{len(self.kept) - 1}\0"
 
-    def restored(self, text):
-        while KEPT.search(text):
-            text = KEPT.sub(lambda match: self.kept[int(match.group(1))], text)
-        return text
+    def restored(self, text, links=False):
+        """Puts back what was kept; with `links`, code that is the name of a class leads to the class."""
+        def put(match):
+            kept = self.kept[int(match.group(1))]
+            name = kept.strip("`")
+            linked = f'<code>@ref VelWhiteBoard::{name} "{name}"</code>'
+            return linked if links and name in CLASSES else kept
+
+        return KEPT.sub(put, text)
 
     def link(self, match):
         mark, text, target = match.groups()
+        text = self.restored(text)
         if mark:  # Doxygen finds pictures by their names alone
             return f"![{text}]({pathlib.PurePosixPath(target).name})"
         if re.match(r"[a-z]+:", target):
@@ -69,14 +82,18 @@ class Page:
         file, _, heading = target.partition("#")
         place = os.path.normpath(os.path.join(os.path.dirname(self.path), file)) if file else self.path
         if place.endswith(".md") and page_label(place) in PAGES:
-            return f"[{text}](@ref {label(place, heading)})"
+            shown = title(place) if text.endswith(".md") else text
+            return f"[{shown}](@ref {label(place, heading)})"
         if place in PAGES_OF_FOLDERS:
             return f"[{text}]({PAGES_OF_FOLDERS[place]})"
-        return text if self.restored(text).strip("`") == place else f"{text} (`{place}`)"
+        return text if text.strip("`") == place else f"{text} (`{place}`)"
 
     def heading(self, match):
         marks, text = match.groups()
-        name = label(self.path, "" if marks == "#" else slug(self.restored(text)))
+        text = self.restored(text)
+        if marks == "#":
+            text = TITLES.get(self.path, text)
+        name = label(self.path, "" if marks == "#" else slug(text))
         return f"{marks} {text} {{#{name}}}"
 
     def filtered(self):
@@ -86,7 +103,7 @@ class Page:
         text = HEADING.sub(self.heading, LINK.sub(self.link, text))
         text = re.sub(r"(?<![\w#&{])#(?=\w)", r"\\#", text)  # a colour, no link
         text = re.sub(rf"(?<![\w:%/.-])(?=({WORDS})\b(?!::))", "%", text)
-        return self.restored(text)
+        return self.restored(text, links=True)
 
 
 def documents():
@@ -94,6 +111,10 @@ def documents():
     return [*ROOT.glob("*.md"), *ROOT.glob("docs/*.md")]
 
 
+CLASSES = set()
+for header in ROOT.glob("VelWhiteBoard/**/*.h"):
+    text = header.read_text(encoding="utf-8")
+    CLASSES.update(re.findall(r"^class VELWHITEBOARD_EXPORT (\w+)", text, re.MULTILINE))
 PAGES = {page_label(file.relative_to(ROOT).as_posix()) for file in documents()}
 
 if __name__ == "__main__":

@@ -21,6 +21,13 @@ check_format() {
   check_documents_of .
 }
 
+# Every public member documented, no link of the pages broken.
+check_reference() {
+  step "Reference"
+  build_reference
+  python3 -B tests/reference/check_pages.py "$reference_pages"
+}
+
 build_with_gcc_without_warnings() {
   step "Building with GCC, warnings are errors"
   cmake --preset dev -B "$ci_gcc" --log-level=WARNING \
