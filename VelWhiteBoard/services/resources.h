@@ -29,7 +29,7 @@ class VELWHITEBOARD_EXPORT VelImageResource : public RecordOf<VelImageResource, 
 
   static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
-  /// Calls `visit` with each declared property, in the order of its files.
+  /// Calls `visit` with each property in turn.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     visit(property<&VelImageResource::fileID>("fileID"));
@@ -84,7 +84,7 @@ class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoard
   /// images.
   static std::map<std::string, const RecordClass*> modelContainerPropertyGenericClass();
 
-  /// Calls `visit` with each declared property, in the order of its files.
+  /// Calls `visit` with each property in turn.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     visit(property<&VelWhiteBoardResource::WBID>("WBID"));

@@ -111,7 +111,7 @@ class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Re
   /// vector's. An absent one never matches, an empty one does.
   bool isSameStroke(const VelWbBaseVector& update) const;
 
-  /// Calls `visit` with each declared property, in the order of its files.
+  /// Calls `visit` with each property in turn.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     visit(property<&VelWbBaseVector::type>("type"));

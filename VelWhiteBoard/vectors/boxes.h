@@ -38,7 +38,7 @@ class VELWHITEBOARD_EXPORT VelWbVecSquare : public VectorOf<VelWbVecSquare, VelW
   /// @throws std::bad_alloc with nothing changed.
   virtual void merge(const VelWbBaseVector& update);
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecPoint::properties(visit);
@@ -67,7 +67,7 @@ class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVec
 
   void merge(const VelWbBaseVector& update) override;
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecSquare::properties(visit);
@@ -94,7 +94,7 @@ class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbV
   std::int64_t manualPlayTs = 0;
   /// Playback time of automatic play; always taken from an update.
   std::int64_t autoPlayTs = 0;
-  /// Whether it plays, as the sender defines it; in an update empty: not given.
+  /// A text of the sender's; in an update empty: not given.
   std::optional<std::string> status;
   /// Length of the media; merging never changes it.
   std::int64_t duration = 0;
@@ -107,7 +107,7 @@ class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbV
 
   void merge(const VelWbBaseVector& update) override;
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecFile::properties(visit);
@@ -131,8 +131,7 @@ class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbV
 /// @ingroup boxes
 class VELWHITEBOARD_EXPORT VelWbVecText : public VectorOf<VelWbVecText, VelWbVecSquare> {
  public:
-  /// The letters, a line feed at the end of each line but the last; in an update empty: not given,
-  /// so merging cannot clear a text.
+  /// The text; a line feed ends a line. In an update empty: not given, so merging cannot clear it.
   std::optional<std::string> text;
   /// Font size in the sender's view points; in an update 0 or less: not given.
   double fontSize = 0;
@@ -154,7 +153,7 @@ class VELWHITEBOARD_EXPORT VelWbVecText : public VectorOf<VelWbVecText, VelWbVec
   /// thread.
   double fontSizeWith(Size size) const;
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecSquare::properties(visit);

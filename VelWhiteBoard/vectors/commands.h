@@ -21,7 +21,7 @@ class VELWHITEBOARD_EXPORT VelWbVecRemove : public VectorOf<VelWbVecRemove, VelW
 
   static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -45,7 +45,7 @@ class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbB
 
   static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -99,7 +99,7 @@ class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
   /// Any thread.
   static std::shared_ptr<VelWbVecSwitchPage> pageFromInfo(std::string_view info);
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -129,7 +129,7 @@ class VELWHITEBOARD_EXPORT VelWbVecOffset : public VectorOf<VelWbVecOffset, VelW
 
   static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -152,7 +152,7 @@ class VELWHITEBOARD_EXPORT VelWbCaptureInfo : public VectorOf<VelWbCaptureInfo, 
 
   static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecSquare::properties(visit);

@@ -52,7 +52,7 @@ class VELWHITEBOARD_EXPORT VelWbVecDiagram : public VectorOf<VelWbVecDiagram, Ve
   /// `pixel` or `ps` is not given. Any thread.
   double lineWidthWith(Size size) const;
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecSquare::properties(visit);
@@ -81,7 +81,7 @@ class VELWHITEBOARD_EXPORT VelWbVecCircle : public VectorOf<VelWbVecCircle, VelW
 
   void merge(const VelWbBaseVector& update) override;
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecDiagram::properties(visit);

@@ -18,7 +18,7 @@ namespace VelWhiteBoard {
 /// @ingroup media_lists
 class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem, Record> {
  public:
-  /// Identifier, unique as far as the clients make it so; the library does not read it.
+  /// Identifier, chosen by the client; the library does not read it.
   std::optional<std::string> ID;
   /// The user who owns the item.
   std::int64_t owner = 0;
@@ -38,7 +38,7 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem
   /// The field-by-field copy; it leaves nothing out.
   std::shared_ptr<VelWbVecMediaItem> mutableCopyWithZone() const;
 
-  /// Calls `visit` with each declared property, in the order of its files.
+  /// Calls `visit` with each property in turn.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     visit(property<&VelWbVecMediaItem::ID>("ID"));
@@ -72,7 +72,7 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaList : public VectorOf<VelWbVecMediaList
   /// items.
   static std::map<std::string, const RecordClass*> modelContainerPropertyGenericClass();
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);

@@ -59,7 +59,7 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
   /// When the stroke began, in seconds: the time of its first position, or `ts` when that has none.
   double startTimeStamp() const;
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -113,10 +113,11 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   double lineWidth() const;
   /// The width in view points on a board of the given size, in view points; only its width counts.
   /// Any value is accepted. When `pixel` or `ps` is not given, the tool manager's table for the
-  /// type decides instead, so this, too, is to be called on the tool manager's thread.
+  /// type decides instead, so this, too, is to be called on the tool manager's thread. A
+  /// `widthIndex` outside the table means entry 0, a type without a table 2 points of `wbBaseSize`.
   double lineWidthWith(Size size) const;
 
-  /// Calls `visit` with each declared property, the base's first.
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecPoint::properties(visit);

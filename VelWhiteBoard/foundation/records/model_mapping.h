@@ -65,7 +65,7 @@ VELWHITEBOARD_EXPORT std::string modelToJSONString(const Record& record);
 /// The same, added at the end of `text`.
 VELWHITEBOARD_EXPORT void appendJSON(const Record& record, std::string& text);
 
-/// How the types below find the pointer that they return.
+/// Finds the type of the pointer that `modelWithJSON` and its like return.
 namespace model_mapping {
 
 /// The class that the pointer returned for a `T` refers to. The rule may have chosen another class

@@ -21,7 +21,7 @@ struct WriteReport {
   };
 
   Kind kind = Kind::kWritten;  ///< What was to be done.
-  std::string path;            ///< The file, as the storage names it.
+  std::string path;            ///< The file; `result` may name its temporary or its folder.
   /// Whether the file holds what was to be written and, if not, the step that failed and the
   /// system's error number. After `FileStep::kSyncFolder` the file is written, but a power cut may
   /// still undo that.
