@@ -86,6 +86,8 @@ class Page:
             return f"[{shown}](@ref {label(place, heading)})"
         if place in PAGES_OF_FOLDERS:
             return f"[{text}]({PAGES_OF_FOLDERS[place]})"
+        if not (ROOT / place).exists():
+            return f"[{text}](@ref missing_file_{slug(place)})"  # Doxygen says that it finds nothing
         return text if text.strip("`") == place else f"{text} (`{place}`)"
 
     def heading(self, match):

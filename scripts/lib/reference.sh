@@ -1,7 +1,9 @@
 # Building the reference; sourced after common.sh.
-reference_pages=build/docs/html
+reference=build/docs
+reference_pages=$reference/html
 
-# build_reference: the pages of the public headers and of the documents. A warning is an error.
+# build_reference: the pages of the public headers and of the documents. A warning is an error, and so is
+# anything public without documentation.
 build_reference() {
   local theme=/usr/share/doxygen-awesome-css
   [[ -f $theme/doxygen-awesome.css ]] || fail "the theme is missing: $theme"
@@ -9,9 +11,10 @@ build_reference() {
   headers=$(sed -n '/^set(public_headers$/,/^)$/s|^  |VelWhiteBoard/|p' VelWhiteBoard/CMakeLists.txt | tr '\n' ' ')
   version=$(sed -n 's/^  VERSION \([0-9.]*\)$/\1/p' CMakeLists.txt)
   [[ -n $headers && -n $version ]] || fail "the public headers or the version are not where they were"
-  rm -rf "$reference_pages"  # no page of yesterday
-  mkdir -p "$(dirname "$reference_pages")"
-  VELWB_PUBLIC_HEADERS=$headers VELWB_VERSION=$version VELWB_DOCS=$(dirname "$reference_pages") \
-    VELWB_DOCS_THEME=$theme doxygen docs/reference/Doxyfile
+  rm -rf "$reference"  # no page of yesterday
+  mkdir -p "$reference"
+  VELWB_PUBLIC_HEADERS=$headers VELWB_VERSION=$version VELWB_DOCS=$reference VELWB_DOCS_THEME=$theme \
+    doxygen docs/reference/Doxyfile
+  python3 -B tests/reference/check_documented.py "$reference/xml" $headers
   python3 -B docs/reference/mend_pages.py "$reference_pages"
 }

@@ -30,6 +30,10 @@ class PageFilter(unittest.TestCase):
         self.assertEqual(self.filtered("[`examples/lesson`](../examples/lesson), [it](../tests/guide)"),
                          "`examples/lesson`, it (`tests/guide`)")
 
+    def test_a_link_to_nothing_is_left_to_doxygen_to_complain_of(self):
+        self.assertIn("(@ref missing_file_", self.filtered("[a](gone.md)"))
+        self.assertIn("(@ref missing_file_", self.filtered("[a](../tests/gone)"))
+
     def test_a_link_to_another_site_stays(self):
         self.assertEqual(self.filtered("[a](https://example.org/b#c)"), "[a](https://example.org/b#c)")
 

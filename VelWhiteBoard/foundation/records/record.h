@@ -32,7 +32,7 @@ class DictionaryKeys {
   virtual std::optional<std::string_view> text(std::string_view key) const = 0;
 
  protected:
-  ~DictionaryKeys() = default;
+  ~DictionaryKeys() = default;  ///< Not destroyed through this class.
 };
 
 /// A class of records: its name, its base and its properties. One object for each class, compared
