@@ -38,7 +38,7 @@ class CheckDocumented(unittest.TestCase):
 
     def test_what_is_private_or_deleted_needs_none(self):
         self.assertEqual(undocumented(TEXT + member("function", "f", NONE, "private")), [])
-        self.assertEqual(undocumented(TEXT + member("function", "f", NONE, arguments="(const C &)=delete")), [])
+        self.assertEqual(undocumented(TEXT + member("function", "f", NONE, arguments="(const C &amp;)=delete")), [])
         self.assertEqual(undocumented(NONE + member("function", "f", NONE), visible="private"), [])
 
 
