@@ -21,11 +21,9 @@ check_format() {
   check_documents_of .
 }
 
-# Every public member documented, no link of the pages broken.
 check_reference() {
-  step "Reference"
+  step "Building the reference, warnings and broken links are errors"
   build_reference
-  python3 -B tests/reference/check_pages.py "$reference_pages"
 }
 
 build_with_gcc_without_warnings() {
