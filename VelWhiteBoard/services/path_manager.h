@@ -36,6 +36,7 @@ namespace VelWhiteBoard {
 ///
 /// Every operation may be called from any thread, as long as no other thread changes the process's
 /// environment meanwhile.
+/// @ingroup directories
 class VELWHITEBOARD_EXPORT VWBPathManager {
  public:
   /// The one object.
@@ -90,6 +91,7 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   bool isFolderExistWithSuffix(const std::string& suffix);
   /// Whether a folder lies at the given directory followed by `suffix` as plain text: without a
   /// separator, unlike `isFileExistWithSuffix`.
+  /// @param suffix begins with a separator, unless it goes on with the directory's name.
   /// @param domain a directory code.
   bool isFolderExistWithSuffix(const std::string& suffix, std::uint64_t domain);
   /// Whether a folder lies at the path.
@@ -99,6 +101,7 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   bool isFileExistWithSuffix(const std::string& suffix);
   /// Whether something other than a folder lies at the given directory with `suffix` as a path
   /// component: with exactly one separator between the two, unlike `isFolderExistWithSuffix`.
+  /// @param suffix the name of a file, or a relative path.
   /// @param domain a directory code.
   bool isFileExistWithSuffix(const std::string& suffix, std::uint64_t domain);
   /// Whether something other than a folder lies at the path.
@@ -109,6 +112,7 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   /// Makes the folder directory / `rootFolder` / `suffix`, with all missing folders above it; empty
   /// parts are left out. Returns its path, also when it existed already; absent when there is no
   /// such directory or the folder cannot be made.
+  /// @param suffix the name of a folder, or a relative path.
   /// @param domain a directory code.
   std::optional<std::string> createFolderWithSuffix(const std::string& suffix,
                                                     std::uint64_t domain);

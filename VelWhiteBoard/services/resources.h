@@ -17,6 +17,7 @@
 namespace VelWhiteBoard {
 
 /// One page image of a resource. Clients do not derive classes from it.
+/// @ingroup courseware
 class VELWHITEBOARD_EXPORT VelImageResource : public RecordOf<VelImageResource, Record> {
  public:
   /// Identifier of the image file.
@@ -26,8 +27,9 @@ class VELWHITEBOARD_EXPORT VelImageResource : public RecordOf<VelImageResource, 
   /// Identifier of the page image.
   std::uint64_t id = 0;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
+  /// Calls `visit` with each property in turn.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     visit(property<&VelImageResource::fileID>("fileID"));
@@ -40,6 +42,7 @@ class VELWHITEBOARD_EXPORT VelImageResource : public RecordOf<VelImageResource, 
 ///
 /// A plain record that the client receives as a dictionary; nothing else in the library reads it.
 /// It takes no lock. Clients do not derive classes from it.
+/// @ingroup courseware
 class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoardResource, Record> {
  public:
   /// The board that shows the resource.
@@ -58,11 +61,12 @@ class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoard
   std::uint64_t size = 0;
   /// Number of pages as the sender states it; `getTotalPage()` does not read it.
   std::uint64_t totalPage = 0;
-  /// Width and height of a page, in the sender's unit.
+  /// Width of a page, in the sender's unit.
   std::int64_t width = 0;
+  /// Height of a page, in the same unit.
   std::int64_t height = 0;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   /// The display title. Without one the default "白板", which is returned but never stored.
   std::string title() const;
@@ -80,6 +84,7 @@ class VELWHITEBOARD_EXPORT VelWhiteBoardResource : public RecordOf<VelWhiteBoard
   /// images.
   static std::map<std::string, const RecordClass*> modelContainerPropertyGenericClass();
 
+  /// Calls `visit` with each property in turn.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     visit(property<&VelWhiteBoardResource::WBID>("WBID"));

@@ -26,6 +26,7 @@ class VelWbVecPoint;
 /// semaphore may still call the rest. An operation that does not wait reads `createTs`, `serverTs`
 /// and `localTs` atomically one by one, so it may see one of them from before a synchronisation and
 /// another from after it.
+/// @ingroup lesson_clock
 class VELWHITEBOARD_EXPORT VelWbVectorManager {
  public:
   /// The one object.

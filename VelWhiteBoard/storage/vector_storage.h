@@ -53,23 +53,25 @@ namespace VelWhiteBoard {
 ///
 /// Failures are silent: a file that cannot be read is an empty list, a write that fails leaves the
 /// file that was there. Nothing that could not be read is lost: before such a file is replaced, it
-/// is moved aside as NAME`.damaged`, or `.damaged-2` and so on. A write that is under way has its
-/// contents in NAME`.tmp`, which a crash may leave and the next opening removes. An operation that
-/// throws `std::bad_alloc` has changed nothing, with three exceptions: `appendVectors` and `clear`
-/// say what they leave, and `switchPage` may have queued the writing of the page that stays
+/// is moved aside as `NAME.damaged`, or `NAME.damaged-2` and so on. A write that is under way has
+/// its contents in `NAME.tmp`, which a crash may leave and the next opening removes. An operation
+/// that throws `std::bad_alloc` has changed nothing, with three exceptions: `appendVectors` and
+/// `clear` say what they leave, and `switchPage` may have queued the writing of the page that stays
 /// current. A null vector or page is ignored.
 ///
 /// Not meant to be derived from.
+/// @ingroup storage
 class VELWHITEBOARD_EXPORT VWBVectorStorage {
  public:
+  /// Shared reference to a page.
   using SwitchPagePtr = std::shared_ptr<VelWbVecSwitchPage>;
-  /// Page key -> list.
+  /// Lists by page key.
   using ListsByPage = std::unordered_map<std::string, VectorList>;
 
   /// Opens, or creates, the board in the folder "whiteBoard" below `path`. The new storage ignores
   /// changes, has no current page, and knows the visited pages from the board's "page.plist".
   static std::shared_ptr<VWBVectorStorage> initWithPath(const std::string& path);
-  ~VWBVectorStorage();
+  ~VWBVectorStorage();  ///< Saves nothing; writes that are queued run to their end.
   VWBVectorStorage(const VWBVectorStorage&) = delete;
   VWBVectorStorage& operator=(const VWBVectorStorage&) = delete;
 
@@ -206,63 +208,78 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
 
   /// While true, vectors are dropped and page switches are not recorded; true at first.
   bool ignoreChanges() const;
+  /// For what is saved from here on.
   void setIgnoreChanges(bool ignore);
 
   /// Whether a vector was accepted on the current page. Only then does `saveFile` queue a write,
   /// which leaves this true. Cleared by a page switch, `reload`, `clear`, and `clearPage` of the
   /// current page.
   bool hasNewChange() const;
+  /// Decides whether `saveFile` queues a write.
   void setHasNewChange(bool changed);
 
   /// The board's folder.
   std::string folder() const;
+  /// Where a page's files are looked for when it is next read or made current; nothing is moved.
+  /// `pageFile`, `wholeFile` and `snapFile` stay.
   void setFolder(const std::string& path);
 
   /// The file of the visited pages.
   std::string pageFile() const;
+  /// Writes of the visited pages go there, queued ones too; nothing is read or moved.
   void setPageFile(const std::string& path);
 
   /// The file of the current page's whole list; none before the first switch.
   std::optional<std::string> wholeFile() const;
+  /// For saves of the current page, up to the next switch; an absent path: not written.
   void setWholeFile(const std::optional<std::string>& path);
 
   /// The file of the current page's snap list; none before the first switch.
   std::optional<std::string> snapFile() const;
+  /// For saves of the current page, up to the next switch; an absent path: not written.
   void setSnapFile(const std::optional<std::string>& path);
 
   /// The pages visited, oldest first. What "page.plist" holds of each is the record as it was when
   /// a switch was recorded last.
   std::vector<SwitchPagePtr> pageArray() const;
+  /// Writes no file; the next recorded switch does.
   void setPageArray(const std::vector<SwitchPagePtr>& pages);
 
   /// The cached whole lists.
   ListsByPage wholeVectorss() const;
+  /// Replaces all of them: a page that is missing has no whole list in memory any more.
   void setWholeVectorss(const ListsByPage& lists);
 
   /// The cached snap lists.
   ListsByPage snapVectorss() const;
+  /// Replaces all of them: a page that is missing has no snap list in memory any more.
   void setSnapVectorss(const ListsByPage& lists);
 
-  /// Identifier -> entry of the current page's snap list.
+  /// The entries of the current page's snap list, by identifier.
   std::unordered_map<std::string, VectorPtr> snapQuery() const;
+  /// The snap list itself stays.
   void setSnapQuery(const std::unordered_map<std::string, VectorPtr>& query);
 
   /// Keys of pages that `hasVectorsWithPage` takes to have files. The library never adds one;
   /// `clearPage` and `reload` take them out.
   std::vector<std::string> pageCacheList() const;
+  /// Any texts; nothing is read.
   void setPageCacheList(const std::vector<std::string>& keys);
 
   /// When a save of the current page was last queued, timed or forced. `reload` and `clear` make it
   /// now.
   std::chrono::system_clock::time_point lastSaveDate() const;
+  /// The 20 seconds of timed saves count from `date`.
   void setLastSaveDate(std::chrono::system_clock::time_point date);
 
   /// Runs every write and deletion of files, one at a time.
   std::shared_ptr<OperationQueue> saveQueue() const;
+  /// For writes that are queued from here on; those of the old queue stay there.
   void setSaveQueue(std::shared_ptr<OperationQueue> queue);
 
   /// The lock of the operations that change the board.
   std::shared_ptr<Semaphore> semphore() const;
+  /// Later operations use the new one; whoever holds or awaits the old one keeps it.
   void setSemphore(std::shared_ptr<Semaphore> semaphore);
 
   /// @}

@@ -31,18 +31,17 @@ using VectorPtr = std::shared_ptr<VelWbBaseVector>;
 /// thread. Asking a stroke or diagram for its `lineWidth` reads these settings too.
 ///
 /// An invalid setting is ignored without a report and the old value stays. Apart from
-/// std::bad_alloc, these throw, and change nothing then:
-///
-/// - the lookups `lineWidth`, `markerWidth`, `eraserWidth` and `colorStringWithIndex`, and their
-///   twins: std::out_of_range when the index equals the length of the table;
-/// - the factory, for the types "line", "eraser", "markerPen" and "diagram": std::out_of_range when
-///   the width index of that tool equals the length of its table;
-/// - `setTextColor`: std::invalid_argument when the colour is absent.
+/// std::bad_alloc only these throw, and change nothing then: the look-ups of widths and colours,
+/// and the factory for the types "line", "eraser", "markerPen" and "diagram", std::out_of_range
+/// when an index equals the length of its table; `setTextColor` std::invalid_argument when the
+/// colour is absent.
 ///
 /// Not meant as a base class.
+/// @ingroup tools
 class VELWHITEBOARD_EXPORT VWBToolManager {
  public:
-  // ---- The one object ----------------------------------------------------------------------
+  /// @name The one object
+  /// @{
 
   /// The shared object, made on the first call. Safe from any thread.
   static VWBToolManager& sharedManager();
@@ -51,25 +50,24 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
 
   /// Resets every property to its initial value, `version` and the board sizes included.
   VWBToolManager& init();
-  /// The receiver itself: there is only one object.
-  VWBToolManager& copy();
-  /// The receiver itself.
-  VWBToolManager& mutableCopy();
+  VWBToolManager& copy();         ///< The receiver itself: there is only one object.
+  VWBToolManager& mutableCopy();  ///< The receiver itself.
 
   VWBToolManager(const VWBToolManager&) = delete;
   VWBToolManager(VWBToolManager&&) = delete;
   VWBToolManager& operator=(const VWBToolManager&) = delete;
   VWBToolManager& operator=(VWBToolManager&&) = delete;
 
-  // ---- Settings (settings.cpp) -------------------------------------------------------------
+  /// @}
+  /// @name Settings
+  /// @{
 
   /// Restores what the user chooses: the colours, the width indexes, `tool`, `textFontSize`, the
   /// page and board counters. `version`, the board sizes, `markerColorAlpha` and the tables stay.
   static void setToDefault();
-  /// Instance twin of `setToDefault`.
-  void _setToDefault();
+  void _setToDefault();  ///< Instance twin of `setToDefault`.
 
-  /// The palette: seven colours of the form #RRGGBB in upper case. Lives as long as the process.
+  /// The palette: seven colours of the form `#RRGGBB` in upper case. Lives as long as the process.
   const std::vector<std::string>& colorArr() const;
 
   /// The width tables, in points of the base board size:
@@ -82,11 +80,11 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   ///
   /// Tables never change: a reference from before `setVersion` stays valid, to the old table.
   const std::vector<double>& lineWidthArr() const;
-  const std::vector<double>& markerWidthArr() const;
-  const std::vector<double>& eraserWidthArr() const;
+  const std::vector<double>& markerWidthArr() const;  ///< The marker's row of the table.
+  const std::vector<double>& eraserWidthArr() const;  ///< The eraser's row of the table.
 
-  double textFontMaxSize() const;              ///< 72.0
-  double textFontMinSize() const;              ///< 8.0
+  double textFontMaxSize() const;              ///< 72.0, in view points
+  double textFontMinSize() const;              ///< 8.0, in view points
   std::uint64_t whiteBoardTotalCount() const;  ///< 10; stored for the host, never checked here
 
   /// Which of the two generations of widths and coordinate rules is in force. 1 selects the width
@@ -99,66 +97,65 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   void setVersion(std::uint64_t version);
 
   /// The board's current size in view points. Used by every conversion that takes no size, and by
-  /// the `ps` of new text. Initially {400, 225}; any value is stored.
+  /// the `ps` of new text. Initially {400, 225}.
   Size wbSize() const;
-  void setWbSize(Size wbSize);
+  void setWbSize(Size wbSize);  ///< Stores any value.
 
   /// The board's reference size, for which the width tables hold. Gives the `ps` of new strokes and
-  /// diagrams. Initially {400, 225}; any value is stored.
+  /// diagrams. Initially {400, 225}.
   Size wbBaseSize() const;
-  void setWbBaseSize(Size wbBaseSize);
+  void setWbBaseSize(Size wbBaseSize);  ///< Stores any value.
 
   /// The active tool, a number; the table at `genVectorWithTool` says what each makes. Initially
-  /// `VelWBToolNone`, which makes nothing. Any value is stored.
+  /// `VelWBToolNone`, which makes nothing.
   std::uint64_t tool() const;
-  void setTool(std::uint64_t tool);
+  void setTool(std::uint64_t tool);  ///< Stores any value.
 
-  /// Index into `lineWidthArr`, initially 1. The setter ignores an index outside the table.
+  /// Index into `lineWidthArr`, initially 1.
   std::int64_t lineWidthIndex() const;
-  void setLineWidthIndex(std::int64_t lineWidthIndex);
+  void setLineWidthIndex(std::int64_t lineWidthIndex);  ///< Ignores an index outside the table.
 
-  /// Index into `lineWidthArr`, too: diagrams draw with the line widths. Initially 1. The setter
-  /// ignores an index outside the table.
+  /// Index into `lineWidthArr`, too: diagrams draw with the line widths. Initially 1.
   std::int64_t diagramWidthIndex() const;
+  /// Ignores an index outside the table.
   void setDiagramWidthIndex(std::int64_t diagramWidthIndex);
 
-  /// Index into `markerWidthArr`, initially 1. Unlike its siblings it stores any value.
+  /// Index into `markerWidthArr`, initially 1.
   std::int64_t markerWidthIndex() const;
+  /// Stores any value, unlike its siblings.
   void setMarkerWidthIndex(std::int64_t markerWidthIndex);
 
-  /// Index into `eraserWidthArr`, initially 0. The setter ignores an index outside the table.
+  /// Index into `eraserWidthArr`, initially 0.
   std::int64_t eraserWidthIndex() const;
+  /// Ignores an index outside the table.
   void setEraserWidthIndex(std::int64_t eraserWidthIndex);
 
-  /// The size of new text in view points, initially 20. The setter ignores what is outside
-  /// `textFontMinSize` to `textFontMaxSize`, both included, and NaN.
+  /// The size of new text in view points, initially 20.
   double textFontSize() const;
+  /// Ignores NaN and what is outside `textFontMinSize` to `textFontMaxSize`, both included.
   void setTextFontSize(double textFontSize);
 
-  /// Counters that are only stored for the host: never checked, not even against each other. Each
-  /// starts at 1.
-  std::uint64_t currentPage() const;
-  void setCurrentPage(std::uint64_t currentPage);
-  std::uint64_t totalPage() const;
-  void setTotalPage(std::uint64_t totalPage);
-  std::uint64_t whiteBoardCount() const;
-  void setWhiteBoardCount(std::uint64_t whiteBoardCount);
+  std::uint64_t currentPage() const;               ///< Only stored, for the host; initially 1.
+  void setCurrentPage(std::uint64_t currentPage);  ///< Any value, above `totalPage` too.
+  std::uint64_t totalPage() const;                 ///< Only stored, for the host; initially 1.
+  void setTotalPage(std::uint64_t totalPage);      ///< Stores any value.
+  std::uint64_t whiteBoardCount() const;           ///< Only stored, for the host; initially 1.
+  void setWhiteBoardCount(std::uint64_t whiteBoardCount);  ///< Any value, 0 too.
 
-  // ---- Width lookups (settings.cpp) --------------------------------------------------------
+  /// @}
+  /// @name Widths and limits
+  /// @{
 
-  /// The entry of the width table, as a single-precision number widened to double. A negative index
+  /// The entry of `lineWidthArr`, as a single-precision number widened to double. A negative index
   /// and one above the table's length give entry 0.
   /// @throws std::out_of_range when the index equals the table's length. Hosts rely on this
   /// behaviour. An index above the length does not throw.
   static double lineWidth(std::int64_t index);
-  static double markerWidth(std::int64_t index);
-  static double eraserWidth(std::int64_t index);
-  /// Instance twins of the three lookups.
-  double _lineWidth(std::int64_t index) const;
-  double _markerWidth(std::int64_t index) const;
-  double _eraserWidth(std::int64_t index) const;
-
-  // ---- Limits (settings.cpp) ---------------------------------------------------------------
+  static double markerWidth(std::int64_t index);  ///< As `lineWidth`, from `markerWidthArr`.
+  static double eraserWidth(std::int64_t index);  ///< As `lineWidth`, from `eraserWidthArr`.
+  double _lineWidth(std::int64_t index) const;    ///< Instance twin of `lineWidth`.
+  double _markerWidth(std::int64_t index) const;  ///< Instance twin of `markerWidth`.
+  double _eraserWidth(std::int64_t index) const;  ///< Instance twin of `eraserWidth`.
 
   /// The minimum height in points of text of this font size: 23 at size 20, and 1.2 more for each
   /// point of font size.
@@ -166,22 +163,22 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// 10, in view points. For the client's use; the library does not read it.
   static double imageLimitSize();
 
-  // ---- Colours (colours.cpp) ---------------------------------------------------------------
-  //
-  // A colour is stored with six digits and returned with eight: #RRGGBB and its alpha. Vectors hold
-  // the returned form. A character is a Unicode code point: no colour string is cut inside one, so
-  // valid UTF-8 stays valid, and bytes that are not UTF-8 do not change. Only the ASCII letters
-  // change case.
+  /// @}
+  /// @name Colours
+  /// A colour is stored with six digits and returned with eight: `#RRGGBB` and its alpha. Vectors
+  /// hold the returned form. No colour string is cut inside a Unicode code point, so valid UTF-8
+  /// stays valid, and bytes that are not UTF-8 do not change. Only the ASCII letters change case.
+  /// @{
 
-  /// The opaque colours in the returned form: the first six digits of the stored colour, then "FF",
-  /// all in upper case. Initially the first palette entry, so #FF3467FF.
+  /// The colour of new text in the returned form: the first six digits of the stored colour, then
+  /// "FF", all in upper case. Initially the first palette entry, so `#FF3467FF`.
   std::string textColor() const;
-  std::string lineColor() const;
-  std::string diagramColor() const;
-  /// The same for the background; absent when there is no background, as initially.
+  std::string lineColor() const;     ///< The same for the strokes of the pen.
+  std::string diagramColor() const;  ///< The same for the outlines of diagrams.
+  /// The same for the background of text; absent when there is none, as initially.
   std::optional<std::string> textBgColor() const;
   /// The marker's colour in the returned form: the stored colour in its stored case, then the alpha
-  /// in two lower-case digits. Initially #FF34675e.
+  /// in two lower-case digits. Initially `#FF34675e`.
   std::string markerColor() const;
 
   /// Accepts any colour: a missing "#" is added, an opaque alpha is removed, and the rest is stored
@@ -191,40 +188,38 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// As `setTextColor`, but an absent colour clears the background.
   void setTextBgColor(const std::optional<std::string>& textBgColor);
 
-  /// Accept only a string that equals a palette entry and ignore everything else: lower case, an
+  /// Accepts only a string that equals a palette entry and ignores everything else: lower case, an
   /// absent colour, and the eight-digit form that the getters return.
   void setLineColor(const std::optional<std::string>& lineColor);
-  void setDiagramColor(const std::optional<std::string>& diagramColor);
-  void setMarkerColor(const std::optional<std::string>& markerColor);
+  void setDiagramColor(const std::optional<std::string>& diagramColor);  ///< As `setLineColor`.
+  void setMarkerColor(const std::optional<std::string>& markerColor);    ///< As `setLineColor`.
 
-  /// The alpha of `markerColor`, 0 to 1, initially 0.37. Any value is stored; above 1 the colour is
-  /// opaque, below 0 and for NaN it is transparent.
-  double markerColorAlpha() const;
+  double markerColorAlpha() const;  ///< The alpha of `markerColor`, 0 to 1, initially 0.37.
+  /// Stores any value: above 1 the colour is opaque, below 0 and for NaN it is transparent.
   void setMarkerColorAlpha(double markerColorAlpha);
 
   /// The palette entry at the index. A negative index and one above the palette's length give the
   /// first entry.
   /// @throws std::out_of_range when the index equals the palette's length, as for the widths.
   static std::string colorStringWithIndex(std::int64_t index);
-  /// Instance twin of `colorStringWithIndex`.
-  std::string _colorStringWithIndex(std::int64_t index) const;
+  std::string _colorStringWithIndex(std::int64_t index) const;  ///< Instance twin.
 
   /// The index of the first palette entry with which the colour begins. The leading "#" may be
   /// missing and alpha digits may follow, but the case must be the palette's. 0 when no entry
   /// matches, as for the first entry.
   static std::int64_t indexOfColor(const std::string& color);
-  /// Instance twin of `indexOfColor`.
-  std::int64_t _indexOfColor(const std::string& color) const;
+  std::int64_t _indexOfColor(const std::string& color) const;  ///< Instance twin.
 
-  // ---- Vector factory (factory.cpp) --------------------------------------------------------
-  //
-  // Each call returns a new vector that belongs to the caller, stamped by the vector manager with a
-  // timestamp and, unless the caller gives one, an ID (an empty ID is kept). It has the current
-  // settings; colours are in the returned form. A type or tool that makes no vector gives a null
-  // pointer, and still takes a timestamp and an ID from the vector manager. For "line", "eraser",
-  // "markerPen" and "diagram" they throw std::out_of_range when the tool's width index equals the
-  // length of its table, which a change of `version` can cause (and, for the marker, its setter);
-  // then no timestamp and no ID has been taken.
+  /// @}
+  /// @name Vector factory
+  /// Each call returns a new vector that belongs to the caller, stamped by the vector manager with
+  /// a timestamp and, unless the caller gives one, an ID (an empty ID is kept). It has the current
+  /// settings; colours are in the returned form. A type or tool that makes no vector gives a null
+  /// pointer, and still takes a timestamp and an ID from the vector manager. For "line", "eraser",
+  /// "markerPen" and "diagram" they throw std::out_of_range when the tool's width index equals the
+  /// length of its table, which a change of `version` can cause (and, for the marker, its setter);
+  /// then no timestamp and no ID has been taken.
+  /// @{
 
   /// The vector that a tool starts; `tool_defines.h` has a name for each number:
   ///
@@ -242,78 +237,83 @@ class VELWHITEBOARD_EXPORT VWBToolManager {
   /// | 13 | "media" |
   /// | other | nothing |
   static VectorPtr genVectorWithTool(std::uint64_t tool);
+  /// The same with an ID of the caller's; an absent one is generated.
   static VectorPtr genVectorWithTool(std::uint64_t tool, const std::optional<std::string>& ID);
   /// Instance twin of `genVectorWithTool`.
   VectorPtr _genVectorWithTool(std::uint64_t tool, const std::optional<std::string>& ID);
 
   /// The vector of a type code, `VelWBVectorTypeCursor` to `VelWBVectorTypeOffset`.
   static VectorPtr genVectorWithType(std::uint64_t type);
+  /// The same with an ID of the caller's; an absent one is generated.
   static VectorPtr genVectorWithType(std::uint64_t type, const std::optional<std::string>& ID);
-  /// All other forms call this one.
-  /// @param kind the shape of a diagram (type 15), not read for any other type: "circle" and
-  /// "ellipse" make a `VelWbVecCircle`, everything else, an absent kind included, a
-  /// `VelWbVecDiagram`.
+  /// The same for any `kind` of diagram (type 15; not read for other types): "circle" and "ellipse"
+  /// make a `VelWbVecCircle`, everything else, an absent kind included, a `VelWbVecDiagram`. All
+  /// other forms call this one.
   VectorPtr genVectorWithType(std::uint64_t type, const std::optional<std::string>& ID,
                               const std::optional<std::string>& kind);
   /// A diagram of the kind, with a generated ID.
   static VectorPtr genDiagramWithKind(const std::optional<std::string>& kind);
 
-  // ---- Coordinate conversion (conversion.cpp) ----------------------------------------------
-  //
-  // View points: the origin is a corner of the board, and the board is as wide and high as the
-  // argument `wbSize` says, or, where there is none, the property of that name. Normalised
-  // coordinates: the origin is the board's centre, -0.5 to +0.5 across its width and its height, y
-  // growing with the view's y; a width or height is a fraction of the board's. Positions outside
-  // the board are converted like any other, without clamping.
-  //
-  // What is written into a vector, and what `convertPointToScale` returns, is cut to five decimals
-  // toward zero. The formulas are evaluated in double precision exactly as they stand, so that all
-  // clients agree to the last bit. A board size that is zero, negative or not finite gives
-  // meaningless values but no error. Values too large to cut are limited to about 9.2e13, and NaN
-  // becomes 0.
+  /// @}
+  /// @name Coordinate conversion
+  /// View points: the origin is a corner of the board, and the board is as wide and high as the
+  /// argument `wbSize` says, or, where there is none, the property of that name. Normalised
+  /// coordinates: the origin is the board's centre, -0.5 to +0.5 across its width and its height, y
+  /// growing with the view's y; a width or height is a fraction of the board's. Positions outside
+  /// the board are converted like any other, without clamping.
+  ///
+  /// What is written into a vector, and what `convertPointToScale` returns, is cut to five decimals
+  /// toward zero. The formulas are evaluated in double precision exactly as they stand, so that all
+  /// clients agree to the last bit. A board size that is zero, negative or not finite gives
+  /// meaningless values but no error. Values too large to cut are limited to about 9.2e13, and NaN
+  /// becomes 0.
+  /// @{
 
   /// Writes the view point into the vector's `x` and `y`. At `version` 1 a box gets the y of its
   /// far edge, so its `h` must be set before.
   static void convertPoint(Point point, VelWbVecPoint& toVector);
+  /// The same on a board of that size.
   static void convertPoint(Point point, VelWbVecPoint& toVector, Size wbSize);
   /// Writes the view size into the box's `w` and `h`.
   static void convertSize(Size size, VelWbVecSquare& toVector);
+  /// The same on a board of that size.
   static void convertSize(Size size, VelWbVecSquare& toVector, Size wbSize);
   /// Writes the size, then the point, so that the far edge of `version` 1 is that of the new size.
   static void convertPoint(Point point, Size size, VelWbVecSquare& toVector);
+  /// The same on a board of that size.
   static void convertPoint(Point point, Size size, VelWbVecSquare& toVector, Size wbSize);
-  /// Instance twins of the operations above.
-  void _convertPoint(Point point, VelWbVecPoint& toVector) const;
-  void _convertPoint(Point point, VelWbVecPoint& toVector, Size wbSize) const;
-  void _convertSize(Size size, VelWbVecSquare& toVector) const;
-  void _convertSize(Size size, VelWbVecSquare& toVector, Size wbSize) const;
+  void _convertPoint(Point point, VelWbVecPoint& toVector) const;               ///< Instance twin.
+  void _convertPoint(Point point, VelWbVecPoint& toVector, Size wbSize) const;  ///< Instance twin.
+  void _convertSize(Size size, VelWbVecSquare& toVector) const;                 ///< Instance twin.
+  void _convertSize(Size size, VelWbVecSquare& toVector, Size wbSize) const;    ///< Instance twin.
 
   /// The view point at which the vector lies. At `version` 1 a box gives its near edge: its `h` is
   /// subtracted.
   static Point convertVectorToPoint(const VelWbVecPoint& vector);
+  /// The same on a board of that size.
   static Point convertVectorToPoint(const VelWbVecPoint& vector, Size wbSize);
-  /// Instance twin of `convertVectorToPoint`.
-  Point _convertVectorToPoint(const VelWbVecPoint& vector, Size wbSize) const;
+  Point _convertVectorToPoint(const VelWbVecPoint& vector, Size wbSize) const;  ///< Instance twin.
 
   /// The view point of a normalised position, such as an element of a stroke's `path`.
   static Point convertPointScaleToPoint(Point point);
-  static Point convertPointScaleToPoint(Point point, Size wbSize);
-  /// Instance twin of `convertPointScaleToPoint`.
-  Point _convertPointScaleToPoint(Point point, Size wbSize) const;
+  static Point convertPointScaleToPoint(Point point, Size wbSize);  ///< On a board of that size.
+  Point _convertPointScaleToPoint(Point point, Size wbSize) const;  ///< Instance twin.
 
   /// The normalised position of a view point: what `convertPoint` writes into a vector that is not
   /// a box.
   static Point convertPointToScale(Point point);
-  static Point convertPointToScale(Point point, Size wbSize);
-  /// Instance twin of `convertPointToScale`.
-  Point _convertPointToScale(Point point) const;
-  Point _convertPointToScale(Point point, Size wbSize) const;
+  static Point convertPointToScale(Point point, Size wbSize);  ///< On a board of that size.
+  Point _convertPointToScale(Point point) const;               ///< Instance twin.
+  Point _convertPointToScale(Point point, Size wbSize) const;  ///< Instance twin.
 
   /// The rectangle in view points that the box covers.
   static Rect convertVectorToNSRect(const VelWbVecSquare& vector);
+  /// The same on a board of that size.
   static Rect convertVectorToNSRect(const VelWbVecSquare& vector, Size wbSize);
   /// Instance twin of `convertVectorToNSRect`.
   Rect _convertVectorToNSRect(const VelWbVecSquare& vector, Size wbSize) const;
+
+  /// @}
 
  private:
   /// What `setToDefault` restores. The colours are in their stored form.

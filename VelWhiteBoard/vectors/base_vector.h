@@ -18,6 +18,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup vectors
+/// @{
+
 class VelWbBaseVector;
 /// Shared reference to a vector of any class.
 using VectorPtr = std::shared_ptr<VelWbBaseVector>;
@@ -86,14 +89,16 @@ class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Re
   /// `type`.
   std::optional<std::string> ID;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
   /// A new vector in its initial state, with `type` set to the argument, which is given as for
   /// every vector class, see `VectorOf`.
   static std::shared_ptr<VelWbBaseVector> initWithType(std::optional<std::string> type);
+  /// The same for a type name of `vector_defines.h`, another view, or a C string.
   template <vector_names::Unowned Name>
   static std::shared_ptr<VelWbBaseVector> initWithType(Name type) {
     return initWithType(vector_names::owned(type));
   }
+  /// The decoding rule: the class for `dictionary` when any vector is asked for.
   static const RecordClass& modelCustomClassForDictionary(const Dictionary& dictionary);
 
   /// The field-by-field copy, of the class of this very object; see each class for what it leaves
@@ -106,6 +111,7 @@ class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Re
   /// vector's. An absent one never matches, an empty one does.
   bool isSameStroke(const VelWbBaseVector& update) const;
 
+  /// Calls `visit` with each property in turn.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     visit(property<&VelWbBaseVector::type>("type"));
@@ -114,6 +120,7 @@ class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Re
   }
 
  protected:
+  /// The implementation of `mutableCopyWithZone`. Leaves nothing out.
   virtual std::shared_ptr<Record> makeMutableCopy() const;
 };
 
@@ -121,5 +128,7 @@ class VELWHITEBOARD_EXPORT VelWbBaseVector : public RecordOf<VelWbBaseVector, Re
 VELWHITEBOARD_EXPORT Array modelToJSONObject(const VectorList& vectors);
 /// The dictionary forms of the vectors as one line of JSON; null pointers are left out.
 VELWHITEBOARD_EXPORT std::string modelToJSONString(const VectorList& vectors);
+
+/// @}
 
 }  // namespace VelWhiteBoard

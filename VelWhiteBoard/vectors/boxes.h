@@ -16,13 +16,16 @@ namespace VelWhiteBoard {
 /// A box is not extended piece by piece; a later vector of the same `type` and `ID` edits it.
 /// At the tool manager's `version` 1 the `y` of a box is its far edge: the near one is `y` - `h`.
 /// Clients do not derive classes from a box or from the classes below.
+/// @ingroup boxes
 class VELWHITEBOARD_EXPORT VelWbVecSquare : public VectorOf<VelWbVecSquare, VelWbVecPoint> {
  public:
-  /// Width and height as fractions of the board's; in an update 0 or less: not given.
+  /// Width as a fraction of the board's; in an update the size is given when both sides are above
+  /// 0.
   double w = 0;
+  /// Height as a fraction of the board's.
   double h = 0;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   /// Edits this box with what the update carries.
   ///
@@ -35,6 +38,7 @@ class VELWHITEBOARD_EXPORT VelWbVecSquare : public VectorOf<VelWbVecSquare, VelW
   /// @throws std::bad_alloc with nothing changed.
   virtual void merge(const VelWbBaseVector& update);
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecPoint::properties(visit);
@@ -49,6 +53,7 @@ class VELWHITEBOARD_EXPORT VelWbVecSquare : public VectorOf<VelWbVecSquare, VelW
 
 /// A file on the board: types "image" and "cursor". A new vector of type "camera" that the factory
 /// makes is a file, too; one that is decoded is a `VelWbCaptureInfo`.
+/// @ingroup boxes
 class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVecSquare> {
  public:
   /// Where the content is; in an update empty: not given.
@@ -58,10 +63,11 @@ class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVec
   /// Marks an object that may not be deleted. Merging always takes the update's value.
   bool undeletable = false;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   void merge(const VelWbBaseVector& update) override;
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecSquare::properties(visit);
@@ -77,6 +83,7 @@ class VELWHITEBOARD_EXPORT VelWbVecFile : public VectorOf<VelWbVecFile, VelWbVec
 
 /// A media item on the board: type "media". Its times and `duration` are in the sender's unit, and
 /// `status` is defined by the sender; the library reads none of them.
+/// @ingroup boxes
 class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbVecFile> {
  public:
   /// Identifier of the owner; in an update below 1: not given.
@@ -87,19 +94,20 @@ class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbV
   std::int64_t manualPlayTs = 0;
   /// Playback time of automatic play; always taken from an update.
   std::int64_t autoPlayTs = 0;
-  /// In an update empty: not given.
+  /// A text of the sender's; in an update empty: not given.
   std::optional<std::string> status;
   /// Length of the media; merging never changes it.
   std::int64_t duration = 0;
-  /// In an update empty: not given.
+  /// Title for people; in an update empty: not given.
   std::optional<std::string> title;
   /// Address of the cover picture; in an update absent: not given, empty: taken.
   std::optional<std::string> cover;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   void merge(const VelWbBaseVector& update) override;
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecFile::properties(visit);
@@ -120,20 +128,21 @@ class VELWHITEBOARD_EXPORT VelWbVecVideo : public VectorOf<VelWbVecVideo, VelWbV
 
 /// A text box: type "text". Its `ps` is the width of the sender's board as shown, not of the
 /// reference board.
+/// @ingroup boxes
 class VELWHITEBOARD_EXPORT VelWbVecText : public VectorOf<VelWbVecText, VelWbVecSquare> {
  public:
-  /// In an update empty: not given, so merging cannot clear a string.
+  /// The text; a line feed ends a line. In an update empty: not given, so merging cannot clear it.
   std::optional<std::string> text;
-  /// In the sender's view points; in an update 0 or less: not given.
+  /// Font size in the sender's view points; in an update 0 or less: not given.
   double fontSize = 0;
   /// Font family; in an update empty: not given.
   std::optional<std::string> fontName;
-  /// Text colour, #RRGGBBAA; in an update empty: not given.
+  /// Text colour, `#RRGGBBAA`; in an update empty: not given.
   std::optional<std::string> color;
   /// Background colour; in an update absent: not given, empty: taken.
   std::optional<std::string> bgColor;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   void merge(const VelWbBaseVector& update) override;
 
@@ -144,6 +153,7 @@ class VELWHITEBOARD_EXPORT VelWbVecText : public VectorOf<VelWbVecText, VelWbVec
   /// thread.
   double fontSizeWith(Size size) const;
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecSquare::properties(visit);

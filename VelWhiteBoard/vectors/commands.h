@@ -13,13 +13,15 @@
 namespace VelWhiteBoard {
 
 /// Takes one vector off the current page: type "remove".
+/// @ingroup commands
 class VELWHITEBOARD_EXPORT VelWbVecRemove : public VectorOf<VelWbVecRemove, VelWbBaseVector> {
  public:
   /// The `ID` of the vector to remove; absent: removes nothing.
   std::optional<std::string> rmID;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -27,11 +29,13 @@ class VELWHITEBOARD_EXPORT VelWbVecRemove : public VectorOf<VelWbVecRemove, VelW
   }
 
  protected:
+  /// Leaves nothing out.
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
 /// Empties the current page: type "clear". The fields are for clients; the storage does not read
 /// them.
+/// @ingroup commands
 class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbBaseVector> {
  public:
   /// The resource whose board is cleared.
@@ -39,8 +43,9 @@ class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbB
   /// The page that is cleared.
   std::uint64_t clearPage = 0;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -49,6 +54,7 @@ class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbB
   }
 
  protected:
+  /// Leaves nothing out.
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
@@ -56,6 +62,7 @@ class VELWHITEBOARD_EXPORT VelWbVecClear : public VectorOf<VelWbVecClear, VelWbB
 ///
 /// Set its `type`: a record without one is decoded by its keys, so it would come back from a file
 /// or dictionary as a box.
+/// @ingroup commands
 class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
     : public VectorOf<VelWbVecSwitchPage, VelWbBaseVector> {
  public:
@@ -71,11 +78,12 @@ class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
   std::uint64_t totalPage = 0;
   /// Whether the page is shown as an image.
   bool imageMode = false;
-  /// Width and height of the page's content, in the sender's unit.
+  /// Width of the page's content, in the sender's unit: no fraction of a board.
   double w = 0;
+  /// Height of the page's content, in the same unit.
   double h = 0;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   /// The page key: `WBID` and `curPage` in decimal, joined by an underscore, such as "12_3". The
   /// names of a page's files, and the caches, use it.
@@ -91,6 +99,7 @@ class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
   /// Any thread.
   static std::shared_ptr<VelWbVecSwitchPage> pageFromInfo(std::string_view info);
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -105,10 +114,12 @@ class VELWHITEBOARD_EXPORT VelWbVecSwitchPage
   }
 
  protected:
+  /// Leaves nothing out.
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
 /// Moves the view: type "offset".
+/// @ingroup commands
 class VELWHITEBOARD_EXPORT VelWbVecOffset : public VectorOf<VelWbVecOffset, VelWbBaseVector> {
  public:
   /// Axis or direction of the move, a code of the clients.
@@ -116,8 +127,9 @@ class VELWHITEBOARD_EXPORT VelWbVecOffset : public VectorOf<VelWbVecOffset, VelW
   /// Amount of the move, in the sender's unit.
   double value = 0;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -126,18 +138,21 @@ class VELWHITEBOARD_EXPORT VelWbVecOffset : public VectorOf<VelWbVecOffset, VelW
   }
 
  protected:
+  /// Leaves nothing out.
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
 /// A camera capture: type "camera". Made only by decoding; for this type the factory makes a
 /// `VelWbVecFile`.
+/// @ingroup boxes
 class VELWHITEBOARD_EXPORT VelWbCaptureInfo : public VectorOf<VelWbCaptureInfo, VelWbVecSquare> {
  public:
   /// Whether the capture comes from the back camera.
   bool isBack = false;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecSquare::properties(visit);

@@ -15,8 +15,10 @@ namespace VelWhiteBoard {
 
 /// One playable item of a media list. Not a vector: it has no `type` and no `ts`. Clients do not
 /// derive classes from it.
+/// @ingroup media_lists
 class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem, Record> {
  public:
+  /// Identifier, chosen by the client; the library does not read it.
   std::optional<std::string> ID;
   /// The user who owns the item.
   std::int64_t owner = 0;
@@ -26,15 +28,17 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem
   std::int64_t duration = 0;
   /// Kind of media, a code of the clients.
   std::int64_t category = 0;
+  /// Title for people.
   std::optional<std::string> title;
   /// Address of the cover picture.
   std::optional<std::string> cover;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   /// The field-by-field copy; it leaves nothing out.
   std::shared_ptr<VelWbVecMediaItem> mutableCopyWithZone() const;
 
+  /// Calls `visit` with each property in turn.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     visit(property<&VelWbVecMediaItem::ID>("ID"));
@@ -49,6 +53,7 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaItem : public RecordOf<VelWbVecMediaItem
 
 /// Publishes a participant's list of media: type "mediaList". Clients do not derive classes from
 /// it.
+/// @ingroup media_lists
 class VELWHITEBOARD_EXPORT VelWbVecMediaList : public VectorOf<VelWbVecMediaList, VelWbBaseVector> {
  public:
   /// The user to whom the list belongs.
@@ -56,7 +61,7 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaList : public VectorOf<VelWbVecMediaList
   /// The items in display order; copies of the list share them.
   std::optional<std::vector<std::shared_ptr<VelWbVecMediaItem>>> list;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   /// Takes over the other list's items, all of them in place of its own; nothing when the other has
   /// no `list`. No other field changes. `type` and `ID` are not compared.
@@ -67,6 +72,7 @@ class VELWHITEBOARD_EXPORT VelWbVecMediaList : public VectorOf<VelWbVecMediaList
   /// items.
   static std::map<std::string, const RecordClass*> modelContainerPropertyGenericClass();
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);

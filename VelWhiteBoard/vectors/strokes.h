@@ -20,11 +20,12 @@ namespace VelWhiteBoard {
 /// infinities included.
 ///
 /// Clients do not derive classes from it.
+/// @ingroup vectors
 class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbBaseVector> {
  public:
-  /// The newest position, normalised. At the tool manager's `version` 1 the `y` of a box is its far
-  /// edge.
+  /// The newest position, normalised: horizontal.
   double x = 0;
+  /// The same, vertical. At the tool manager's `version` 1 the `y` of a box is its far edge.
   double y = 0;
   /// The board width, in the sender's view points, to which the vector's sizes relate; below 1: not
   /// given.
@@ -35,7 +36,7 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
   /// position in seconds, on the clock of `ts`. A position without a time has two numbers.
   std::optional<Path> path;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   /// Folds a later piece of the same stroke into this one.
   ///
@@ -58,6 +59,7 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
   /// When the stroke began, in seconds: the time of its first position, or `ts` when that has none.
   double startTimeStamp() const;
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbBaseVector::properties(visit);
@@ -72,13 +74,15 @@ class VELWHITEBOARD_EXPORT VelWbVecPoint : public VectorOf<VelWbVecPoint, VelWbB
   /// The implementation of `append`; returns whether `update` belongs to this stroke.
   bool appendPositions(const VelWbBaseVector& update);
 
+  /// Leaves nothing out.
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 
 /// A stroke: type "line" (pen), "markerPen" or "eraser". Clients do not derive classes from it.
+/// @ingroup strokes
 class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVecPoint> {
  public:
-  /// The colour, #RRGGBBAA; absent for erasers.
+  /// The colour, `#RRGGBBAA`; absent for erasers.
   std::optional<std::string> color;
   /// Index into the tool manager's width table for the type; negative: not given.
   std::int64_t widthIndex = 0;
@@ -88,16 +92,16 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   /// as they came.
   std::optional<Array> offset;
 
-  VelWbVecLine() = default;
-  VelWbVecLine(const VelWbVecLine& other) = default;
-  VelWbVecLine(VelWbVecLine&& other) = default;
-  VelWbVecLine& operator=(const VelWbVecLine& other) = default;
-  VelWbVecLine& operator=(VelWbVecLine&& other) = default;
+  VelWbVecLine() = default;                           ///< All properties at their defaults.
+  VelWbVecLine(const VelWbVecLine& other) = default;  ///< Copies every property.
+  VelWbVecLine(VelWbVecLine&& other) = default;       ///< Takes every property.
+  VelWbVecLine& operator=(const VelWbVecLine& other) = default;  ///< Copies every property.
+  VelWbVecLine& operator=(VelWbVecLine&& other) = default;       ///< Takes every property.
   /// Allocates no memory, whatever `offset` holds: a vector may be destroyed when memory has run
   /// out.
   ~VelWbVecLine() override;
 
-  static const RecordClass& ownClass();
+  static const RecordClass& ownClass();  ///< What describes this class to generic code.
 
   /// As for any positioned record. If the update is a line, its `pixel`, `ps` and `widthIndex` are
   /// taken where given, and its `offset` always, so a piece without an offset clears an earlier
@@ -109,9 +113,11 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   double lineWidth() const;
   /// The width in view points on a board of the given size, in view points; only its width counts.
   /// Any value is accepted. When `pixel` or `ps` is not given, the tool manager's table for the
-  /// type decides instead, so this, too, is to be called on the tool manager's thread.
+  /// type decides instead, so this, too, is to be called on the tool manager's thread. A
+  /// `widthIndex` outside the table means entry 0, a type without a table 2 points of `wbBaseSize`.
   double lineWidthWith(Size size) const;
 
+  /// Calls `visit` with each property in turn, the base's first.
   template <class Visitor>
   static constexpr void properties(Visitor&& visit) {
     VelWbVecPoint::properties(visit);
@@ -122,6 +128,7 @@ class VELWHITEBOARD_EXPORT VelWbVecLine : public VectorOf<VelWbVecLine, VelWbVec
   }
 
  protected:
+  /// Leaves nothing out.
   std::shared_ptr<Record> makeMutableCopy() const override;
 };
 

@@ -21,6 +21,11 @@ check_format() {
   check_documents_of .
 }
 
+check_reference() {
+  step "Building the reference, warnings and broken links are errors"
+  build_reference
+}
+
 build_with_gcc_without_warnings() {
   step "Building with GCC, warnings are errors"
   cmake --preset dev -B "$ci_gcc" --log-level=WARNING \

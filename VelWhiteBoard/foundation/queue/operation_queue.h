@@ -10,6 +10,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup queue
+/// @{
+
 class QueueState;
 
 /// A queue of operations that run in the background in the order in which they were added.
@@ -42,11 +45,11 @@ class VELWHITEBOARD_EXPORT OperationQueue {
  public:
   /// An operation that is made before it is added, so that adding it needs no memory.
   class Operation;
-  using OperationPtr = std::shared_ptr<Operation>;
+  using OperationPtr = std::shared_ptr<Operation>;  ///< Shared by the queue and who made it.
 
   /// An empty queue that runs one operation at a time.
   OperationQueue();
-  ~OperationQueue();
+  ~OperationQueue();  ///< Waits for nothing; operations that wait still run.
   OperationQueue(const OperationQueue&) = delete;
   OperationQueue& operator=(const OperationQueue&) = delete;
 
@@ -102,5 +105,7 @@ class VELWHITEBOARD_EXPORT OperationQueue {
  private:
   std::shared_ptr<QueueState> state_;
 };
+
+/// @}
 
 }  // namespace VelWhiteBoard

@@ -9,6 +9,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup queue
+/// @{
+
 /// A counting semaphore. The library makes its own with count 1 and uses them as locks that are not
 /// re-entrant.
 using Semaphore = std::counting_semaphore<>;
@@ -35,6 +38,7 @@ class SemaphoreHold {
   explicit SemaphoreHold(std::shared_ptr<Semaphore> semaphore) : semaphore_(std::move(semaphore)) {
     if (semaphore_) waitOn(*semaphore_);
   }
+  /// Signals the semaphore.
   ~SemaphoreHold() {
     if (semaphore_) semaphore_->release();
   }
@@ -44,5 +48,7 @@ class SemaphoreHold {
  private:
   std::shared_ptr<Semaphore> semaphore_;
 };
+
+/// @}
 
 }  // namespace VelWhiteBoard

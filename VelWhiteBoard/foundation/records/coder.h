@@ -33,6 +33,7 @@ namespace VelWhiteBoard {
 /// Threads: one archive is used by one thread at a time.
 ///
 /// Not meant as a base class.
+/// @ingroup records_in_general
 class VELWHITEBOARD_EXPORT Coder {
  public:
   /// An empty archive.
@@ -41,11 +42,11 @@ class VELWHITEBOARD_EXPORT Coder {
   /// give an empty one.
   explicit Coder(std::string_view data);
 
-  Coder(const Coder& other) = default;
-  Coder(Coder&& other) = default;
-  Coder& operator=(const Coder& other) = default;
-  Coder& operator=(Coder&& other) = default;
-  ~Coder();
+  Coder(const Coder& other) = default;             ///< The same keys, with copies of their values.
+  Coder(Coder&& other) = default;                  ///< Leaves `other` to be assigned or destroyed.
+  Coder& operator=(const Coder& other) = default;  ///< Replaces everything in this archive.
+  Coder& operator=(Coder&& other) = default;       ///< Replaces everything in this archive.
+  ~Coder();                                        ///< Needs no memory, whatever it holds.
 
   /// The archive as bytes.
   std::string data() const;

@@ -44,6 +44,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup mapping
+/// @{
+
 /// A record from its dictionary form. The decoding rule of `asked` chooses its class.
 VELWHITEBOARD_EXPORT std::shared_ptr<Record> recordWithDictionary(const RecordClass& asked,
                                                                   const Dictionary& dictionary);
@@ -62,20 +65,23 @@ VELWHITEBOARD_EXPORT std::string modelToJSONString(const Record& record);
 /// The same, added at the end of `text`.
 VELWHITEBOARD_EXPORT void appendJSON(const Record& record, std::string& text);
 
+/// Finds the type of the pointer that `modelWithJSON` and its like return.
 namespace model_mapping {
 
 /// The class that the pointer returned for a `T` refers to. The rule may have chosen another class
 /// of the family, so a family names its root by declaring `ModelRoot`.
 template <class T>
 struct Root {
-  using Type = T;
+  using Type = T;  ///< Without `ModelRoot`: the class itself.
 };
+/// For a class whose family names its root.
 template <class T>
 requires requires { typename T::ModelRoot; }
 struct Root<T> {
-  using Type = typename T::ModelRoot;
+  using Type = typename T::ModelRoot;  ///< The root of the family.
 };
 
+/// The same records, as pointers to the root of `T`. Each must be of that root's family.
 template <class T>
 std::vector<std::shared_ptr<typename Root<T>::Type>> cast(const RecordList& records) {
   std::vector<std::shared_ptr<typename Root<T>::Type>> list;
@@ -118,5 +124,7 @@ template <class T>
 std::vector<ModelPointer<T>> modelArrayWithJSON(std::string_view text) {
   return model_mapping::cast<T>(recordsWithJSON(T::ownClass(), text));
 }
+
+/// @}
 
 }  // namespace VelWhiteBoard

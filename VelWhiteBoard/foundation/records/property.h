@@ -28,6 +28,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup records_in_general
+/// @{
+
 class Record;
 struct RecordClass;
 
@@ -48,15 +51,17 @@ enum class PropertyKind : std::uint8_t {
 
 /// How generic code accesses a list of records, whose element type it does not know.
 struct RecordListAccess {
-  const RecordClass& (*elementClass)();
+  const RecordClass& (*elementClass)();  ///< The class of the elements.
+  /// The list of `record`, its elements shared; absent when the property is.
   std::optional<RecordList> (*get)(const Record& record);
+  /// Replaces the list of `record`; the elements, of the class above, are shared.
   void (*set)(Record& record, std::optional<RecordList> list);
 };
 
 /// One property of one record class.
 struct Property {
-  std::string_view name;
-  PropertyKind kind;
+  std::string_view name;  ///< The key in the dictionary form, in files and in archives.
+  PropertyKind kind;      ///< What it holds.
   /// The member inside a record of the class that this property was listed for.
   void* (*address)(Record& record);
   /// For the kind `records` only, otherwise null.
@@ -67,6 +72,7 @@ struct Property {
   Field& in(Record& record) const {
     return *static_cast<Field*>(address(record));
   }
+  /// The same, to be read only.
   template <class Field>
   const Field& in(const Record& record) const {
     return *static_cast<const Field*>(address(const_cast<Record&>(record)));
@@ -76,7 +82,7 @@ struct Property {
 /// A property as a record class declares it: a member and its name.
 template <auto Member>
 struct DeclaredProperty {
-  std::string_view name;
+  std::string_view name;  ///< The key of the property.
 };
 
 /// Declares the property that `Member`, a pointer to member, holds.
@@ -88,38 +94,48 @@ constexpr DeclaredProperty<Member> property(std::string_view name) {
 /// The kind of a member type; other types cannot be properties.
 template <class Field>
 struct PropertyKindOf;
+/// A text.
 template <>
 struct PropertyKindOf<std::optional<std::string>> {
-  static constexpr PropertyKind value = PropertyKind::text;
+  static constexpr PropertyKind value = PropertyKind::text;  ///< The kind.
 };
+/// A real number.
 template <>
 struct PropertyKindOf<double> {
-  static constexpr PropertyKind value = PropertyKind::real;
+  static constexpr PropertyKind value = PropertyKind::real;  ///< The kind.
 };
+/// A signed integer of 64 bits.
 template <>
 struct PropertyKindOf<std::int64_t> {
-  static constexpr PropertyKind value = PropertyKind::signedInteger;
+  static constexpr PropertyKind value = PropertyKind::signedInteger;  ///< The kind.
 };
+/// An unsigned integer of 64 bits.
 template <>
 struct PropertyKindOf<std::uint64_t> {
-  static constexpr PropertyKind value = PropertyKind::unsignedInteger;
+  static constexpr PropertyKind value = PropertyKind::unsignedInteger;  ///< The kind.
 };
+/// A boolean.
 template <>
 struct PropertyKindOf<bool> {
-  static constexpr PropertyKind value = PropertyKind::boolean;
+  static constexpr PropertyKind value = PropertyKind::boolean;  ///< The kind.
 };
+/// The positions of a stroke.
 template <>
 struct PropertyKindOf<std::optional<Path>> {
-  static constexpr PropertyKind value = PropertyKind::path;
+  static constexpr PropertyKind value = PropertyKind::path;  ///< The kind.
 };
+/// An array of any values.
 template <>
 struct PropertyKindOf<std::optional<Array>> {
-  static constexpr PropertyKind value = PropertyKind::array;
+  static constexpr PropertyKind value = PropertyKind::array;  ///< The kind.
 };
+/// A list of records.
 template <class T>
 struct PropertyKindOf<std::optional<std::vector<std::shared_ptr<T>>>> {
-  static constexpr PropertyKind value = PropertyKind::records;
-  using Element = T;
+  static constexpr PropertyKind value = PropertyKind::records;  ///< The kind.
+  using Element = T;                                            ///< The class of the elements.
 };
+
+/// @}
 
 }  // namespace VelWhiteBoard

@@ -18,6 +18,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup records_in_general
+/// @{
+
 class Coder;
 
 /// What the rule that chooses a record's class may ask about a dictionary.
@@ -29,7 +32,7 @@ class DictionaryKeys {
   virtual std::optional<std::string_view> text(std::string_view key) const = 0;
 
  protected:
-  ~DictionaryKeys() = default;
+  ~DictionaryKeys() = default;  ///< Not destroyed through this class.
 };
 
 /// A class of records: its name, its base and its properties. One object for each class, compared
@@ -58,6 +61,7 @@ struct RecordClass {
     return false;
   }
 
+  /// Whether both are the very same class object.
   friend bool operator==(const RecordClass& left, const RecordClass& right) noexcept {
     return &left == &right;
   }
@@ -72,7 +76,7 @@ struct RecordClass {
 /// Clients do not derive classes from it.
 class VELWHITEBOARD_EXPORT Record {
  public:
-  virtual ~Record();
+  virtual ~Record();  ///< Records are destroyed through pointers to any of their bases.
 
   /// The class of this very object.
   virtual const RecordClass& recordClass() const = 0;
@@ -81,6 +85,7 @@ class VELWHITEBOARD_EXPORT Record {
   /// property is equal. Two absent values are equal, 0 equals -0, and a NaN equals a NaN, so that a
   /// record always equals its copy.
   bool isEqual(const Record& other) const;
+  /// The same as `left.isEqual(right)`.
   friend bool operator==(const Record& left, const Record& right) { return left.isEqual(right); }
 
   /// The exclusive-or of the hashes of all properties; equal records have equal hashes.
@@ -98,9 +103,9 @@ class VELWHITEBOARD_EXPORT Record {
   void takeContents(Record& from) noexcept;
 
  protected:
-  Record() = default;
-  Record(const Record&) = default;
-  Record& operator=(const Record&) = default;
+  Record() = default;                          ///< Has no properties of its own.
+  Record(const Record&) = default;             ///< Only derived classes copy.
+  Record& operator=(const Record&) = default;  ///< Only derived classes copy.
 
   /// A full copy, of the class of this very object.
   virtual std::shared_ptr<Record> makeCopy() const = 0;
@@ -108,6 +113,7 @@ class VELWHITEBOARD_EXPORT Record {
   /// Moves the members of `from`, which is another record of this very class.
   virtual void moveMembers(Record& from) noexcept = 0;
 
+  /// Reads the properties, see below.
   friend VELWHITEBOARD_EXPORT void decodeWithCoder(Record& record, const Coder& coder);
 };
 
@@ -126,6 +132,7 @@ VELWHITEBOARD_EXPORT void decodeWithCoder(Record& record, const Coder& coder);
 template <class Self, class Base>
 class RecordOf : public Base {
  public:
+  /// The class of this very object.
   const RecordClass& recordClass() const override { return Self::ownClass(); }
 
   /// A new record with the properties of the archive; a property that the archive lacks keeps its
@@ -143,9 +150,11 @@ class RecordOf : public Base {
   }
 
  protected:
+  /// A full copy, of the class of this very object.
   std::shared_ptr<Record> makeCopy() const override {
     return std::make_shared<Self>(static_cast<const Self&>(*this));
   }
+  /// Moves the members of `from`, which is another `Self`.
   void moveMembers(Record& from) noexcept override {
     static_assert(std::is_nothrow_move_assignable_v<Self>,
                   "storages change records by moves that must not fail half way");
@@ -161,6 +170,7 @@ T* recordCast(std::conditional_t<std::is_const_v<T>, const Record, Record>* reco
       record != nullptr && record->recordClass().isKindOf(std::remove_const_t<T>::ownClass());
   return matches ? static_cast<T*>(record) : nullptr;
 }
+/// The same for a reference.
 template <class T>
 T* recordCast(std::conditional_t<std::is_const_v<T>, const Record, Record>& record) noexcept {
   return recordCast<T>(&record);
@@ -181,5 +191,7 @@ std::shared_ptr<T> recordPointerCast(const std::shared_ptr<R>& record) noexcept 
   if (same == nullptr) return nullptr;
   return std::shared_ptr<T>(record, same);
 }
+
+/// @}
 
 }  // namespace VelWhiteBoard

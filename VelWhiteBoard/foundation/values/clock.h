@@ -8,6 +8,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup clocks
+/// @{
+
 /// The wall clock: seconds since 1970-01-01 00:00 UTC. Jumps when the clock is set.
 /// Safe from any thread.
 VELWHITEBOARD_EXPORT double currentTime();
@@ -24,7 +27,7 @@ VELWHITEBOARD_EXPORT double currentMediaTime();
 /// waiting. Both functions may be called from any thread at once.
 class VELWHITEBOARD_EXPORT ClockSource {
  public:
-  virtual ~ClockSource();
+  virtual ~ClockSource();  ///< Not while a `ScopedClock` refers to the source.
 
   /// The value of `currentDate`, and of `currentTime` in seconds.
   virtual std::chrono::system_clock::time_point wallTime() const = 0;
@@ -32,9 +35,9 @@ class VELWHITEBOARD_EXPORT ClockSource {
   virtual double mediaTime() const = 0;
 
  protected:
-  ClockSource() = default;
-  ClockSource(const ClockSource&) = default;
-  ClockSource& operator=(const ClockSource&) = default;
+  ClockSource() = default;                               ///< Holds nothing of its own.
+  ClockSource(const ClockSource&) = default;             ///< For derived classes that are copied.
+  ClockSource& operator=(const ClockSource&) = default;  ///< For derived classes that are copied.
 };
 
 /// Replaces the source of both clocks in the whole process for a scope; the end of the scope
@@ -45,13 +48,16 @@ class VELWHITEBOARD_EXPORT ClockSource {
 /// inside it.
 class VELWHITEBOARD_EXPORT ScopedClock {
  public:
+  /// From here on both clocks read `source`.
   explicit ScopedClock(const ClockSource& source);
-  ~ScopedClock();
+  ~ScopedClock();  ///< Restores the source that was there when the scope began.
   ScopedClock(const ScopedClock&) = delete;
   ScopedClock& operator=(const ScopedClock&) = delete;
 
  private:
   const ClockSource* previous_;
 };
+
+/// @}
 
 }  // namespace VelWhiteBoard

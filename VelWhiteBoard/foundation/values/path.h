@@ -13,6 +13,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup positions
+/// @{
+
 /// The positions of a stroke, oldest first. A value type.
 ///
 /// A position is a short row of numbers: horizontal, vertical and usually the time of the position.
@@ -39,17 +42,18 @@ class VELWHITEBOARD_EXPORT Path {
 
   class Iterator;
 
-  Path() noexcept;
-  /// `Path{{10, 20, 5}, {11, 21, 6}}`
+  Path() noexcept;  ///< No positions.
+  /// These positions: `Path{{10, 20, 5}, {11, 21, 6}}`.
   Path(std::initializer_list<std::initializer_list<double>> positions);
-  Path(const Path& other) noexcept;
-  Path(Path&& other) noexcept;
-  Path& operator=(const Path& other) noexcept;
-  Path& operator=(Path&& other) noexcept;
-  ~Path();
+  Path(const Path& other) noexcept;             ///< Shares the positions of `other`.
+  Path(Path&& other) noexcept;                  ///< Leaves `other` empty.
+  Path& operator=(const Path& other) noexcept;  ///< Shares the positions of `other`.
+  Path& operator=(Path&& other) noexcept;       ///< Leaves `other` empty.
+  ~Path();                                      ///< Copies keep the positions.
 
   /// Number of positions.
   std::size_t size() const noexcept { return size_; }
+  /// Whether there are no positions.
   bool empty() const noexcept { return size_ == 0; }
 
   /// The position at `index`, which must be below `size()`.
@@ -59,16 +63,17 @@ class VELWHITEBOARD_EXPORT Path {
 
   /// Adds a position at the end. `position` may be a view into this path.
   void push_back(Position position);
+  /// The same for a list of numbers: `path.push_back({10, 20, 5})`.
   void push_back(std::initializer_list<double> position) {
     push_back(Position(position.begin(), position.size()));
   }
   /// Allocates room for the first `positions` positions of an empty path.
   void reserve(std::size_t positions);
 
-  inline Iterator begin() const noexcept;
-  inline Iterator end() const noexcept;
+  inline Iterator begin() const noexcept;  ///< At the oldest position.
+  inline Iterator end() const noexcept;    ///< Behind the newest position.
 
-  void swap(Path& other) noexcept;
+  void swap(Path& other) noexcept;  ///< Exchanges the positions of the two paths.
 
   /// Same positions with the same numbers; 0 equals -0, and a NaN equals a NaN, so that a path
   /// always equals its copy.
@@ -122,20 +127,25 @@ class VELWHITEBOARD_EXPORT Path {
   Shared<FullChunks> full_;
 };
 
-/// Walks the positions of a path, oldest first.
+/// Walks the positions of a path, oldest first. Valid until the path changes or is destroyed.
 class Path::Iterator {
  public:
-  using value_type = Position;
-  using difference_type = std::ptrdiff_t;
+  using value_type = Position;             ///< What the iterator gives: a view of one position.
+  using difference_type = std::ptrdiff_t;  ///< Demanded of every iterator.
 
-  Iterator() noexcept = default;
+  Iterator() noexcept = default;  ///< Of no path: only to be assigned to.
+  /// At the position `index` of `path`, 0 to `path.size()`.
   Iterator(const Path& path, std::size_t index) noexcept : path_(&path), index_(index) {}
+  /// The position here; not at the end.
   Position operator*() const noexcept { return (*path_)[index_]; }
+  /// Steps to the next newer position.
   Iterator& operator++() noexcept {
     ++index_;
     return *this;
   }
+  /// Steps on, and gives the iterator as it was before.
   Iterator operator++(int) noexcept { return {*path_, index_++}; }
+  /// Whether both are at the same place of the same path object.
   friend bool operator==(const Iterator&, const Iterator&) = default;
 
  private:
@@ -145,5 +155,7 @@ class Path::Iterator {
 
 inline Path::Iterator Path::begin() const noexcept { return {*this, 0}; }
 inline Path::Iterator Path::end() const noexcept { return {*this, size_}; }
+
+/// @}
 
 }  // namespace VelWhiteBoard

@@ -11,6 +11,9 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup values
+/// @{
+
 /// Any JSON value. Signed integers, unsigned integers and doubles are kept apart and exact.
 using Value = nlohmann::json;
 /// A JSON array.
@@ -18,16 +21,18 @@ using Array = Value::array_t;
 /// A JSON object: keys in byte order, the form in which records are exchanged.
 using Dictionary = Value::object_t;
 
+/// The layout of a `Value` on which library and client must agree.
 namespace value_layout {
 
 /// What a value consists of: its kind and its content. Only for the check below.
 struct KindAndContent {
-  std::uint8_t kind;
+  std::uint8_t kind;  ///< Which of JSON's types.
+  /// What it takes for the largest content.
   union {
-    void* container;
-    std::int64_t integer;
-    double real;
-  } content;
+    void* container;       ///< A string, an array or an object, elsewhere.
+    std::int64_t integer;  ///< An integer, signed or not, or a boolean.
+    double real;           ///< A number that is no integer.
+  } content;               ///< The value itself.
 };
 
 }  // namespace value_layout
@@ -67,5 +72,7 @@ VELWHITEBOARD_EXPORT void dismantle(Dictionary& dictionary) noexcept;
 
 /// Whether `value` nests arrays and objects deeper than `kMaximumValueDepth`. Does not recurse.
 VELWHITEBOARD_EXPORT bool nestsTooDeep(const Value& value);
+
+/// @}
 
 }  // namespace VelWhiteBoard

@@ -9,15 +9,19 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup reports
+/// @{
+
 /// What became of one file.
 struct WriteReport {
+  /// What was to be done with the file.
   enum class Kind {
-    kWritten,  ///< the file was to be replaced by the page's list
-    kRemoved,  ///< the file belonged to a cleared page
+    kWritten,  ///< The file was to be replaced by a list of records.
+    kRemoved,  ///< The file was to go, with the page that was cleared.
   };
 
-  Kind kind = Kind::kWritten;
-  std::string path;
+  Kind kind = Kind::kWritten;  ///< What was to be done.
+  std::string path;            ///< The file; `result` may name its temporary or its folder.
   /// Whether the file holds what was to be written and, if not, the step that failed and the
   /// system's error number. After `FileStep::kSyncFolder` the file is written, but a power cut may
   /// still undo that.
@@ -30,5 +34,7 @@ struct WriteReport {
 /// Writes that are still queued when the storage goes are reported as well. So an observer must own
 /// what it uses, or hold it by a weak pointer.
 using WriteObserver = std::function<void(const WriteReport& report)>;
+
+/// @}
 
 }  // namespace VelWhiteBoard

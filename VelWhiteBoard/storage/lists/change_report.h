@@ -12,9 +12,13 @@
 
 namespace VelWhiteBoard {
 
+/// @addtogroup reports
+/// @{
+
 /// One change of a page's snap list. A client that applies the changes of all reports in their
 /// order to a copy of the list has the list.
 struct EntryChange {
+  /// What has happened to the entry.
   enum class Kind {
     kAdded,       ///< `entry` is new and lies on top
     kExtended,    ///< `entry`, a stroke, has grown: the positions of its `path` from `firstNew` on
@@ -25,7 +29,7 @@ struct EntryChange {
     kCleared,     ///< all entries are gone; `entry` is null
   };
 
-  Kind kind = Kind::kCleared;
+  Kind kind = Kind::kCleared;  ///< What has happened to `entry`.
   /// The storage's own record. It is as it is now, which later changes of the same report may have
   /// brought about, or vectors that other threads save meanwhile.
   VectorPtr entry;
@@ -36,13 +40,14 @@ struct EntryChange {
 
 /// What one operation has changed.
 struct ChangeReport {
+  /// How much has changed.
   enum class Kind {
     kEntries,   ///< entries of one page, as `changes` says
     kSwitched,  ///< another page is current: all of it is to be drawn
     kReloaded,  ///< `reload` or `clear`: no list is in memory any more
   };
 
-  Kind kind = Kind::kEntries;
+  Kind kind = Kind::kEntries;  ///< How much has changed.
   /// 1 for a storage's first report, one more for each that follows, in the order of the changes.
   /// Reports of several threads may arrive in another order.
   std::uint64_t number = 0;
@@ -50,11 +55,14 @@ struct ChangeReport {
   std::string page;
   /// Whether that page was current.
   bool isCurrent = false;
+  /// For `kEntries` the changes, in their order; otherwise none.
   std::vector<EntryChange> changes;
 };
 
 /// Told of every report, on the thread that called the operation and before it returns, while no
 /// lock of the storage is held: the observer may call the storage. What it throws is dropped.
 using ChangeObserver = std::function<void(const ChangeReport& report)>;
+
+/// @}
 
 }  // namespace VelWhiteBoard
