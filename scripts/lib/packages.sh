@@ -8,6 +8,8 @@ client_packages=(qt6-base-dev qt6-svg-dev libnats-dev nats-server)
 # For tests of windows: a display in memory.
 client_test_packages=(xvfb xauth)
 bench_packages=(libbenchmark-dev libsqlite3-dev python3)
+# For scripts/package: what makes Debian packages, and what looks at them.
+packaging_packages=(dpkg-dev lintian desktop-file-utils xz-utils)
 check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev
   libsqlite3-dev)
 
