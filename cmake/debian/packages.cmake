@@ -4,7 +4,8 @@ if(NOT VELWHITEBOARD_BUILD_BOTH OR NOT VELWHITEBOARD_BUILD_EXAMPLES OR NOT VELWH
   message(FATAL_ERROR "VELWHITEBOARD_DEBIAN needs VELWHITEBOARD_BUILD_BOTH, VELWHITEBOARD_BUILD_EXAMPLES and "
     "VELWHITEBOARD_INSTALL; the preset package sets them")
 endif()
-set(VELWHITEBOARD_MAINTAINER "The VelWhiteBoard developers <velwhiteboard@localhost>" CACHE STRING
+set(nobody "The VelWhiteBoard developers <velwhiteboard@localhost>")
+set(VELWHITEBOARD_MAINTAINER "${nobody}" CACHE STRING
   "Who answers for the packages, as Debian's field Maintainer has it; whoever publishes them sets it")
 
 set(here "${CMAKE_CURRENT_LIST_DIR}")
@@ -32,15 +33,16 @@ string(TIMESTAMP copyright_year "%Y" UTC)
 # does not change it, see docs/releasing.md.
 set(first_version "${interface_version}.0")
 configure_file("${here}/shlibs.in" "${made}/shlibs" @ONLY)
+configure_file("${here}/symbols.in" "${made}/symbols.in" @ONLY)
 add_custom_command(OUTPUT "${made}/symbols"
-  COMMAND dpkg-gensymbols -q "-p${runtime_package}" "-v${first_version}" "-e$<TARGET_FILE:VelWhiteBoard>"
-    "-O${made}/symbols"
-  DEPENDS VelWhiteBoard
+  COMMAND dpkg-gensymbols -q -c0 "-p${runtime_package}" "-v${first_version}" "-I${made}/symbols.in"
+    "-e$<TARGET_FILE:VelWhiteBoard>" "-O${made}/symbols"
+  DEPENDS VelWhiteBoard "${made}/symbols.in"
   WORKING_DIRECTORY "${made}"
   VERBATIM)
 add_custom_target(velwhiteboard_symbols ALL DEPENDS "${made}/symbols")
 
-# Documents and overrides of lintian's complaints, for each package.
+# Documents, and overrides of what lintian says with a reason for each, for each package.
 configure_file("${here}/changelog.in" "${made}/changelog" @ONLY)
 foreach(component IN ITEMS Runtime Development Tools)
   string(TOLOWER "${component}" lower)
@@ -50,9 +52,11 @@ foreach(component IN ITEMS Runtime Development Tools)
     COMPONENT VelWhiteBoard_${component})
   install(FILES "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION "${documents}" RENAME NEWS
     COMPONENT VelWhiteBoard_${component})
-  configure_file("${here}/lintian-overrides.in" "${made}/${package}.lintian-overrides" @ONLY)
-  install(FILES "${made}/${package}.lintian-overrides" DESTINATION "${CMAKE_INSTALL_DATADIR}/lintian/overrides"
-    RENAME "${package}" COMPONENT VelWhiteBoard_${component})
+  if(VELWHITEBOARD_MAINTAINER STREQUAL nobody)
+    configure_file("${here}/lintian-overrides.in" "${made}/overrides/${package}" @ONLY)
+    install(FILES "${made}/overrides/${package}" DESTINATION "${CMAKE_INSTALL_DATADIR}/lintian/overrides"
+      COMPONENT VelWhiteBoard_${component})
+  endif()
 endforeach()
 
 # The examples that use nothing but the installed library, with a CMakeLists.txt of their own.
@@ -93,14 +97,19 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 configure_file("${here}/staging.cmake.in" "${made}/staging.cmake" @ONLY)
 set(CPACK_PRE_BUILD_SCRIPTS "${made}/staging.cmake")
 
-set(about "VelWhiteBoard is the model and storage layer of a teaching whiteboard: it keeps\n\
- strokes, shapes, texts and pictures as small records, folds the pieces of a\n\
- stroke together, and holds every page of a board in memory and in files.\n .\n")
+# The first line of each description is the short one; cpack indents the others, and wants a last empty line.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
+set(about [[
+VelWhiteBoard is the model and storage layer of a teaching whiteboard: it
+keeps strokes, shapes, texts and pictures as small records, folds the pieces
+of a stroke together, and holds every page of a board in memory and in files.
+
+]])
 
 set(CPACK_DEBIAN_VELWHITEBOARD_RUNTIME_PACKAGE_NAME "${runtime_package}")
 set(CPACK_DEBIAN_VELWHITEBOARD_RUNTIME_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_VELWHITEBOARD_RUNTIME_DESCRIPTION
-  "model and storage of a teaching whiteboard - shared library\n ${about} This package holds the shared library.")
+  "model and storage of a teaching whiteboard - shared library\n${about}This package holds the shared library.\n")
 set(CPACK_DEBIAN_VELWHITEBOARD_RUNTIME_PACKAGE_CONTROL_EXTRA
   "${made}/shlibs;${made}/symbols;${here}/triggers")
 
@@ -113,23 +122,24 @@ libexpat1-dev (>= 2.5)")
 set(CPACK_DEBIAN_VELWHITEBOARD_DEVELOPMENT_PACKAGE_SUGGESTS
   "cmake, pkg-config, libcairo2-dev, libcli11-dev, libnats-dev, qt6-base-dev, qt6-svg-dev")
 set(CPACK_DEBIAN_VELWHITEBOARD_DEVELOPMENT_DESCRIPTION
-  "model and storage of a teaching whiteboard - development files\n ${about} This package holds the headers, \
-the static library, the files for CMake\n and pkg-config, and the sources of examples.")
+  "model and storage of a teaching whiteboard - development files\n${about}This package holds the headers, the \
+static library, the files for CMake\nand pkg-config, and the sources of examples.\n")
 
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_NAME "${tools_package}")
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_SECTION education)
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "$<TARGET_FILE_DIR:VelWhiteBoard>")
+get_target_property(library_dir VelWhiteBoard BINARY_DIR)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${library_dir}")
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_RECOMMENDS fonts-dejavu-core)
-set(whiteboard_line "")
+set(programs "This package holds programs:\n\
+ * board-check tells which files of a board are damaged, and recovers them.\n\
+ * lesson plays a recorded lesson into a board, and draws its pages.")
 if(TARGET whiteboard)
-  set(whiteboard_line "\n  * whiteboard draws on a board, alone or in a lesson with others.")
+  string(APPEND programs "\n * whiteboard draws on a board, alone or in a lesson with others.")
   set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_SUGGESTS nats-server)
 endif()
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_DESCRIPTION
-  "programs for the boards of a teaching whiteboard\n ${about} This package holds programs:\n\
-  * board-check tells which files of a board are damaged, and recovers them;\n\
-  * lesson plays a recorded lesson into a board, and draws its pages;${whiteboard_line}")
+  "programs for the boards of a teaching whiteboard\n${about}${programs}\n")
 
 include(CPack)

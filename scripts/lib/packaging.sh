@@ -7,13 +7,12 @@ make_packages() {
   cmake --preset package -B "$folder" --log-level=WARNING "${@:2}"
   cmake --build "$folder"
   rm -f "$folder"/*.deb
-  cpack --config "$folder/CPackConfig.cmake" >"$folder/cpack.log" 2>&1 ||
+  (umask 022; cpack --config "$folder/CPackConfig.cmake") >"$folder/cpack.log" 2>&1 ||
     { cat "$folder/cpack.log" >&2; fail "cpack has not made the packages"; }
 }
 
-# lint_packages FOLDER: what Debian's own check says about them; nothing but hints may be left.
+# lint_packages FOLDER: fails when Debian's own check finds an error or a warning; prints hints as well.
 lint_packages() {
   step "Checking the packages"
-  lintian --fail-on error,warning,pedantic --pedantic --display-info --tag-display-limit 0 \
-    --allow-root "$1"/*.deb
+  lintian --allow-root --fail-on error,warning --pedantic --display-info --tag-display-limit 0 "$1"/*.deb
 }

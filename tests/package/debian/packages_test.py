@@ -40,8 +40,10 @@ PACKAGES = {name: FOLDER / f"{name}_{VERSION}_{ARCHITECTURE}.deb" for name in (R
 
 
 def documents_of(name):
-    return {f"usr/share/doc/{name}/{file}" for file in ("changelog.gz", "copyright", "NEWS.gz")} | {
-        f"usr/share/lintian/overrides/{name}"}
+    found = {f"usr/share/doc/{name}/{file}" for file in ("changelog.gz", "copyright", "NEWS.gz")}
+    # What is overridden is that nobody can be written to.
+    is_published = not field(PACKAGES[name], "Maintainer").endswith("@localhost>")
+    return found if is_published else found | {f"usr/share/lintian/overrides/{name}"}
 
 
 def public_headers():
@@ -115,8 +117,9 @@ class Contents(unittest.TestCase):
                 self.assertEqual(names - {"control", "md5sums", "shlibs", "symbols", "triggers"}, set())
 
     def test_the_symbols(self):
-        heading, *lines = self.control_file("symbols").splitlines()
+        heading, package, *lines = self.control_file("symbols").splitlines()
         self.assertEqual(heading, f"libVelWhiteBoard.so.{INTERFACE} {RUNTIME} #MINVER#")
+        self.assertEqual(package, f"* Build-Depends-Package: {DEVELOPMENT}")
         listed = dict(line.strip().split("@Base ") for line in lines)
         self.assertEqual(set(listed.values()), {f"{INTERFACE}.0"})
         names = output_of("c++filt", input="\n".join(listed)).splitlines()
