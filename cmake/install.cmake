@@ -1,4 +1,7 @@
 # Installation: library, headers, CMake package and pkg-config file, valid from any prefix.
+#
+# Three components, for those who do not want all: VelWhiteBoard_Runtime (a shared library),
+# VelWhiteBoard_Development (what a compiler needs), VelWhiteBoard_Tools (the programs).
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -6,17 +9,38 @@ get_target_property(library_type VelWhiteBoard TYPE)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/VelWhiteBoard")
 
-install(TARGETS VelWhiteBoard
-  EXPORT VelWhiteBoardTargets
-  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
-  INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
-  FILE_SET public_headers DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
-  FILE_SET generated_headers DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
-install(EXPORT VelWhiteBoardTargets
-  NAMESPACE VelWhiteBoard::
-  DESTINATION "${package_dir}")
+# velwb_install_library(target export): a library with the headers, and the file that imports it.
+function(velwb_install_library target export)
+  install(TARGETS ${target}
+    EXPORT ${export}
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT VelWhiteBoard_Development
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+      COMPONENT VelWhiteBoard_Runtime NAMELINK_COMPONENT VelWhiteBoard_Development
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT VelWhiteBoard_Runtime
+    INCLUDES DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}"
+    FILE_SET public_headers DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT VelWhiteBoard_Development
+    FILE_SET generated_headers DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT VelWhiteBoard_Development)
+  install(EXPORT ${export}
+    NAMESPACE VelWhiteBoard::
+    DESTINATION "${package_dir}"
+    COMPONENT VelWhiteBoard_Development)
+endfunction()
+
+# What the package offers, for VelWhiteBoardConfig.cmake: the kind that is taken unasked, and for each
+# kind the file that imports it, or nothing.
+velwb_install_library(VelWhiteBoard VelWhiteBoardTargets)
+if(library_type STREQUAL "STATIC_LIBRARY")
+  set(default_kind static)
+else()
+  set(default_kind shared)
+endif()
+set(targets_of_static "")
+set(targets_of_shared "")
+set(targets_of_${default_kind} VelWhiteBoardTargets)
+if(VELWHITEBOARD_BUILD_BOTH)
+  velwb_install_library(VelWhiteBoardStatic VelWhiteBoardStaticTargets)
+  set(targets_of_static VelWhiteBoardStaticTargets)
+endif()
 
 configure_package_config_file(
   "${CMAKE_CURRENT_LIST_DIR}/VelWhiteBoardConfig.cmake.in"
@@ -30,8 +54,12 @@ write_basic_package_version_file(
 install(FILES
   "${PROJECT_BINARY_DIR}/VelWhiteBoardConfig.cmake"
   "${PROJECT_BINARY_DIR}/VelWhiteBoardConfigVersion.cmake"
-  DESTINATION "${package_dir}")
+  DESTINATION "${package_dir}"
+  COMPONENT VelWhiteBoard_Development)
 
-install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+if(NOT VELWHITEBOARD_DEBIAN)  # there the file copyright holds it
+  install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+    COMPONENT VelWhiteBoard_Development)
+endif()
 
 include("${CMAKE_CURRENT_LIST_DIR}/pkg_config.cmake")

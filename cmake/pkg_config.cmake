@@ -17,14 +17,22 @@ endif()
 set(pc_requires "nlohmann_json >= 3.11")
 set(pc_cflags "-I\${includedir}")
 set(pc_libs "-L\${libdir} -lVelWhiteBoard")
+set(pc_private "")
+# What a static library needs besides.
+set(pc_static_requires "simdjson >= 3.0, expat >= 2.5")
 if(library_type STREQUAL "STATIC_LIBRARY")
   # No program links without these, so they are not "private": those are left out of
   # `pkg-config --libs`, and no client would link.
-  string(APPEND pc_requires ", simdjson >= 3.0, expat >= 2.5")
+  string(APPEND pc_requires ", ${pc_static_requires}")
   string(APPEND pc_cflags " -DVELWHITEBOARD_STATIC_DEFINE")
   string(APPEND pc_libs " -pthread")
+elseif(VELWHITEBOARD_BUILD_BOTH)
+  # `pkg-config --static` adds them.
+  set(pc_private "Requires.private: ${pc_static_requires}
+Cflags.private: -DVELWHITEBOARD_STATIC_DEFINE
+Libs.private: -pthread")
 endif()
 
 configure_file("${CMAKE_CURRENT_LIST_DIR}/VelWhiteBoard.pc.in"
   "${PROJECT_BINARY_DIR}/VelWhiteBoard.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/VelWhiteBoard.pc" DESTINATION "${pc_dir}")
+install(FILES "${PROJECT_BINARY_DIR}/VelWhiteBoard.pc" DESTINATION "${pc_dir}" COMPONENT VelWhiteBoard_Development)

@@ -10,6 +10,8 @@ client_test_packages=(xvfb xauth)
 reference_packages=(doxygen doxygen-awesome-css python3)
 bench_packages=(libbenchmark-dev libsqlite3-dev python3)
 compare_packages=(nodejs node-yjs)
+# For scripts/package: what makes Debian packages, and what looks at them.
+packaging_packages=(dpkg-dev lintian desktop-file-utils xz-utils)
 check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev
   libsqlite3-dev)
 
