@@ -16,9 +16,9 @@ InterpreterGate& InterpreterGate::shared() {
   return *gate;
 }
 
-bool InterpreterGate::tryEnter(bool mayReturn) {
+bool InterpreterGate::tryEnter(bool isCloserWelcome) {
   const std::lock_guard<std::mutex> hold(mutex_);
-  if (isClosed_ && depth == 0 && !(mayReturn && std::this_thread::get_id() == closer_)) {
+  if (isClosed_ && depth == 0 && !(isCloserWelcome && std::this_thread::get_id() == closer_)) {
     return false;
   }
   ++inside_;
@@ -26,10 +26,7 @@ bool InterpreterGate::tryEnter(bool mayReturn) {
   return true;
 }
 
-bool InterpreterGate::enter() {
-  // The thread that ends the interpreter may call observers until the interpreter is gone.
-  return tryEnter(Py_IsInitialized() != 0);
-}
+bool InterpreterGate::enter() { return tryEnter(false); }
 
 void InterpreterGate::enterToReturn() {
   while (!tryEnter(true)) std::this_thread::sleep_for(std::chrono::hours(1));

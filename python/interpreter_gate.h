@@ -21,7 +21,7 @@ class InterpreterGate {
   InterpreterGate(const InterpreterGate&) = delete;
   InterpreterGate& operator=(const InterpreterGate&) = delete;
 
-  /// Before an observer is called. False: the interpreter ends; the observer is not to be called.
+  /// Before an observer is called. False: the gate is closed; the observer is not to be called.
   /// True: `leave` is to be called afterwards.
   bool enter();
   /// Before a thread that came from Python goes back to it; `leave` is to be called afterwards.
@@ -39,7 +39,7 @@ class InterpreterGate {
   InterpreterGate() = default;
   ~InterpreterGate() = default;
 
-  bool tryEnter(bool mayReturn);
+  bool tryEnter(bool isCloserWelcome);
 
   std::mutex mutex_;
   std::condition_variable allLeft_;

@@ -12,10 +12,13 @@ namespace {
 /// What waits is written, and reported, while observers can still be called; then no thread calls
 /// one any more.
 void endWithInterpreter() {
-  const bindings::WithoutInterpreter free;
   if (bindings::isForkedFromUser()) return;
-  bindings::waitForOpenQueues();
-  bindings::InterpreterGate::shared().close();
+  {
+    const bindings::WithoutInterpreter free;
+    bindings::waitForOpenQueues();
+    bindings::InterpreterGate::shared().close();
+  }
+  bindings::forgetObservers();
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #include "observers.h"
 
+#include <mutex>
 #include <pybind11/stl.h>
+#include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "interpreter_gate.h"
 #include "record_copy.h"
@@ -15,11 +18,34 @@ namespace vwb = VelWhiteBoard;
 
 namespace {
 
+class Callback;
+
+/// All callbacks there are; never destroyed.
+struct Callbacks {
+  std::mutex mutex;
+  std::set<Callback*> all;
+
+  static Callbacks& shared() {
+    static Callbacks* const callbacks = new Callbacks;
+    return *callbacks;
+  }
+};
+
 /// A Python function that any thread calls and lets go of. Made with the interpreter's lock.
 class Callback {
  public:
-  explicit Callback(py::object function) : function_(std::move(function)) {}
+  explicit Callback(py::object function) : function_(std::move(function)) {
+    Callbacks& callbacks = Callbacks::shared();
+    const std::lock_guard<std::mutex> hold(callbacks.mutex);
+    callbacks.all.insert(this);
+  }
   ~Callback() {
+    {
+      Callbacks& callbacks = Callbacks::shared();
+      const std::lock_guard<std::mutex> hold(callbacks.mutex);
+      callbacks.all.erase(this);
+    }
+    if (!function_) return;
     const WithInterpreter python;
     // An interpreter that has ended has no use for its objects.
     if (!python) function_.release();
@@ -32,13 +58,16 @@ class Callback {
   template <class Report>
   void operator()(const Report& report) const {
     const WithInterpreter python;
-    if (!python) return;
+    if (!python || !function_) return;
     try {
       function_(py::cast(report));
     } catch (py::error_already_set& error) {
       error.discard_as_unraisable(function_);
     }
   }
+
+  /// What it called; from now on it calls nothing.
+  py::object forget() { return std::exchange(function_, py::object()); }
 
  private:
   py::object function_;
@@ -83,6 +112,13 @@ const char* nameOf(vwb::ChangeReport::Kind kind) {
 }
 
 }  // namespace
+
+void forgetObservers() {
+  std::vector<py::object> functions;  // dropped without the lock: each may drop other observers
+  Callbacks& callbacks = Callbacks::shared();
+  const std::lock_guard<std::mutex> hold(callbacks.mutex);
+  for (Callback* const each : callbacks.all) functions.push_back(each->forget());
+}
 
 vwb::ChangeObserver changeObserver(const py::object& function,
                                    std::shared_ptr<vwb::Semaphore> semphore) {

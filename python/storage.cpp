@@ -184,8 +184,9 @@ void defineSaving(StorageClass& storage) {
         released([&] { board.appendVectors(copies, copy); });
       },
       py::arg("vectors"), py::arg("page"),
-      "Adds copies to any page: on another than the current one boxes are not merged. Works while "
-      "changes are ignored.");
+      "Adds copies to any page; on another than the current one a box that is edited keeps its "
+      "size. "
+      "Works while changes are ignored.");
   storage.def("replay", &replay, py::arg("texts"),
               "Plays JSON texts in their order: a page switch switches the page, every other "
               "record is saved on the current page, what is no JSON object is passed over. How "

@@ -7,6 +7,8 @@ test_packages=(libgtest-dev libgmock-dev locales python3 python3-cairo valgrind 
 client_packages=(qt6-base-dev qt6-svg-dev libnats-dev nats-server)
 # For tests of windows: a display in memory.
 client_test_packages=(xvfb xauth)
+# The Python module and its tests.
+python_packages=(pybind11-dev python3-dev python3-pytest)
 bench_packages=(libbenchmark-dev libsqlite3-dev python3)
 check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev
   libsqlite3-dev)
