@@ -17,7 +17,7 @@ check_documents_of() {
 check_format() {
   step "Format"
   local sources
-  mapfile -t sources < <(find VelWhiteBoard examples tests benchmarks fuzz -name '*.h' -o -name '*.cpp' | sort)
+  mapfile -t sources < <(find VelWhiteBoard examples python tests benchmarks fuzz -name '*.h' -o -name '*.cpp' | sort)
   check_format_of "${sources[@]}"
   check_documents_of .
 }
@@ -30,7 +30,8 @@ check_reference() {
 build_with_gcc_without_warnings() {
   step "Building with GCC, warnings are errors"
   cmake --preset dev -B "$ci_gcc" --log-level=WARNING \
-    -DVELWHITEBOARD_WERROR=ON -DVELWHITEBOARD_BUILD_BENCHMARKS=ON -DVELWHITEBOARD_BUILD_CLIENT=ON
+    -DVELWHITEBOARD_WERROR=ON -DVELWHITEBOARD_BUILD_BENCHMARKS=ON -DVELWHITEBOARD_BUILD_CLIENT=ON \
+    -DVELWHITEBOARD_BUILD_PYTHON=ON
   cmake --build "$ci_gcc"
 }
 

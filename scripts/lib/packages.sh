@@ -8,6 +8,8 @@ client_packages=(qt6-base-dev qt6-svg-dev libnats-dev nats-server)
 # For tests of windows: a display in memory.
 client_test_packages=(xvfb xauth)
 reference_packages=(doxygen doxygen-awesome-css python3)
+# The Python module and its tests.
+python_packages=(pybind11-dev python3-dev python3-pytest)
 bench_packages=(libbenchmark-dev libsqlite3-dev python3)
 compare_packages=(nodejs node-yjs)
 # For scripts/package: what makes Debian packages, and what looks at them.

@@ -8,8 +8,9 @@ header is for clients only.
     check_includes.py ROOT [--public HEADER...]
 
 HEADER is a path below ROOT. Public headers must be usable after installation: they include no
-internal header and, of all other libraries, only nlohmann/json. Example programs are clients: of the
-library they include public headers only; board_check alone looks at files more closely than a client can.
+internal header and, of all other libraries, only nlohmann/json. Example programs and the Python module
+are clients: of the library they include public headers only; board_check alone looks at files more
+closely than a client can.
 """
 
 import argparse
@@ -112,7 +113,7 @@ def violations(root, public):
                 wrong = wrong_in_public_header(target, quote, public)
             if wrong:
                 yield f"{name}:{line}: {target}: {wrong}"
-    for file in sorted((root / "examples").rglob("*")):
+    for file in sorted(file for top in ("examples", "python") for file in (root / top).rglob("*")):
         if NO_CLIENT in file.relative_to(root).parents:
             continue
         if public and file.suffix in {".h", ".cpp"}:

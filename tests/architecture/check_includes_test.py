@@ -119,6 +119,12 @@ class CheckIncludes(unittest.TestCase):
         self.write("examples/lesson/main.cpp", '#include "VelWhiteBoard/foundation/values/secret.h"\n')
         self.assertEqual(len(self.violations()), 1)
 
+    def test_the_python_module_includes_public_headers_only(self):
+        self.write("python/records.cpp", "#include <VelWhiteBoard/VelWhiteBoard.h>\n")
+        self.assertEqual(self.violations(), [])
+        self.write("python/records.cpp", "#include <VelWhiteBoard/foundation/values/secret.h>\n")
+        self.assertEqual(len(self.violations()), 1)
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -10,7 +10,7 @@ import pathlib
 import re
 import sys
 
-FOLDERS = ["VelWhiteBoard", "tests", "examples", "benchmarks", "fuzz"]
+FOLDERS = ["VelWhiteBoard", "tests", "examples", "benchmarks", "fuzz", "python"]
 
 
 def listed_names(cmake_file):
