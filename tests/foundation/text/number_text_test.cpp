@@ -13,10 +13,10 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/special_numbers.h"
+
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 template <class Number>
 std::string textOf(Number number) {
