@@ -9,7 +9,7 @@ client_packages=(qt6-base-dev qt6-svg-dev libnats-dev nats-server)
 client_test_packages=(xvfb xauth)
 bench_packages=(libbenchmark-dev libsqlite3-dev python3)
 check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev
-  libsqlite3-dev)
+  libsqlite3-dev libc++-14-dev libc++abi-14-dev googletest)
 
 # need_packages NAME...: installs what is missing. Asks nothing; reaches the network only if something
 # is missing.
