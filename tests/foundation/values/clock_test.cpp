@@ -95,8 +95,8 @@ TEST(Clock, SecondsAreTheDoubleNearestToTheDate) {
   };
   using Step = std::chrono::system_clock::duration;
   for (const Row& row : rows) {
-    if (std::chrono::duration_cast<Step>(row.date) != row.date)
-      continue;  // a clock of coarser steps
+    // A clock of coarser steps has no such date.
+    if (std::chrono::duration_cast<Step>(row.date) != row.date) continue;
     ManualClock clock;
     clock.setWallTime(row.date);
     const ScopedClock scope(clock);
