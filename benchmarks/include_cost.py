@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
 """Measures what including each public header costs a source file, and prints it as a table.
 
-    include_cost.py COMPILER BUILD [ROUNDS]
+    include_cost.py COMPILER BUILD [ROUNDS [HEADER...]]
 
 BUILD is a configured build folder, for the generated headers. For each header a source that includes nothing
 else is compiled with -fsyntax-only, ROUNDS times (9 unless told); the median of the processor time counts. The
-size is that of the preprocessed text. The last rows are nlohmann/json alone, and the umbrella header as a
-precompiled one.
+size is that of the preprocessed text. Without HEADER these are all public ones and nlohmann/json. The last row
+is the umbrella header as a precompiled one.
 """
 
 import pathlib
@@ -45,10 +45,10 @@ def size_of(compiler, options, source):
     return len(text.stdout)
 
 
-def rows(compiler, build, rounds, folder):
+def rows(compiler, build, rounds, headers, folder):
     options = ["-std=c++20", f"-I{ROOT}", f"-I{build / 'include'}"]
     source = folder / "source.cpp"
-    for header in [*public_headers(), "nlohmann/json.hpp"]:
+    for header in headers:
         source.write_text(f"#include <{header}>\n", encoding="utf-8")
         seconds = median([*compiler, *options, "-fsyntax-only", source], rounds)
         yield f"`{header}`", seconds, size_of(compiler, options, source)
@@ -66,9 +66,10 @@ def rows(compiler, build, rounds, folder):
 def main():
     compiler, build = sys.argv[1].split(), pathlib.Path(sys.argv[2]).resolve()
     rounds = int(sys.argv[3]) if len(sys.argv) > 3 else 9
+    headers = sys.argv[4:] or [*public_headers(), "nlohmann/json.hpp"]
     print("| Included alone | Processor time | Preprocessed |\n|---|---|---|")
     with tempfile.TemporaryDirectory() as folder:
-        for what, seconds, size in rows(compiler, build, rounds, pathlib.Path(folder)):
+        for what, seconds, size in rows(compiler, build, rounds, headers, pathlib.Path(folder)):
             shown = f"{size / 1e6:.2f} MB" if size is not None else ""
             print(f"| {what} | {seconds:.2f} s | {shown} |", flush=True)
 
