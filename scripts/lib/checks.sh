@@ -3,6 +3,8 @@ ci_gcc=build/ci-gcc
 ci_clang=build/ci-clang
 ci_tsan=build/ci-tsan
 ci_package=build/ci-package
+ci_unity=build/ci-unity
+ci_libcxx=build/ci-libcxx
 
 # check_format_of FILE...: sources as clang-format leaves them. The commit hook asks this too, as the next.
 check_format_of() {
@@ -40,6 +42,24 @@ build_with_clang_without_warnings() {
   cmake --preset asan-ubsan -B "$ci_clang" --log-level=WARNING \
     -DVELWHITEBOARD_WERROR=ON -DVELWHITEBOARD_BUILD_BENCHMARKS=ON
   cmake --build "$ci_clang"
+}
+
+# Finds names that two sources of the library give to different things.
+build_as_one_source() {
+  step "Building the library as one source, warnings are errors"
+  cmake --preset install -B "$ci_unity" --log-level=WARNING -DCMAKE_BUILD_TYPE=Debug \
+    -DVELWHITEBOARD_WERROR=ON -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0
+  cmake --build "$ci_unity"
+}
+
+# The tests of the library's folders; several sources are compiled as one, which takes a third of the time.
+test_with_libcxx() {
+  step "Library and tests with Clang and libc++, warnings are errors"
+  local folders=(foundation vectors services tools storage)
+  cmake --preset libcxx -B "$ci_libcxx" --log-level=WARNING -DVELWHITEBOARD_WERROR=ON
+  cmake --build "$ci_libcxx" --target "${folders[@]/%/_tests}"
+  ctest --test-dir "$ci_libcxx" --label-regex "^($(IFS='|'; printf '%s' "${folders[*]}"))\$" \
+    --output-on-failure --no-tests=error --parallel "$jobs"
 }
 
 # Over the library's sources and, through them, its headers; .clang-tidy says what is looked for.

@@ -15,7 +15,7 @@ compare_packages=(nodejs node-yjs)
 # For scripts/package: what makes Debian packages, and what looks at them.
 packaging_packages=(dpkg-dev lintian desktop-file-utils xz-utils)
 check_packages=(clang libclang-rt-dev llvm clang-tidy clang-format libbenchmark-dev
-  libsqlite3-dev)
+  libsqlite3-dev libc++-14-dev libc++abi-14-dev googletest)
 
 # need_packages NAME...: installs what is missing. Asks nothing; reaches the network only if something
 # is missing.

@@ -47,7 +47,7 @@ void BoardOnDisk::put(const std::string& name, const std::string& contents) cons
 }
 
 Names recordsIn(const std::string& path) {
-  const ReadList list = readPropertyList(VelWbBaseVector::ownClass(), contentsOf(path));
+  const ReadRecords list = readPropertyList(VelWbBaseVector::ownClass(), contentsOf(path));
   if (!list.result.ok()) return {};
   Names identifiers;
   for (const auto& record : list.records) {

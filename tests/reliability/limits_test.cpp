@@ -16,7 +16,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-constexpr int kMostSeconds = 120;
+constexpr int kMostSecondsOfAMode = 120;
 
 class AProcessWithLimits : public ::testing::Test {
  protected:
@@ -32,7 +32,7 @@ class AProcessWithLimits : public ::testing::Test {
   void run(const std::string& mode, const Names& arguments = {}) {
     Names words = {VELWB_LIMITED_PROGRAM, mode, board_.parent()};
     words.insert(words.end(), arguments.begin(), arguments.end());
-    EXPECT_EQ(ChildProcess(words).waitFor(kMostSeconds), 0) << mode;
+    EXPECT_EQ(ChildProcess(words).waitFor(kMostSecondsOfAMode), 0) << mode;
   }
 
   BoardOnDisk board_;

@@ -15,7 +15,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-constexpr int kThreads = 4;
+constexpr int kUsers = 4;  // of the one manager, each a thread
 constexpr int kRounds = 3000;
 
 class VectorManagerConcurrency : public ::testing::Test {
@@ -35,7 +35,7 @@ class VectorManagerConcurrency : public ::testing::Test {
 TEST_F(VectorManagerConcurrency, EveryThreadFindsTheSameObject) {
   std::atomic<VelWbVectorManager*> found{nullptr};
   std::atomic<int> others{0};
-  together(kThreads, [&](int) {
+  together(kUsers, [&](int) {
     VelWbVectorManager* const mine = &VelWbVectorManager::shareManager();
     VelWbVectorManager* expected = nullptr;
     if (!found.compare_exchange_strong(expected, mine) && expected != mine) ++others;
@@ -49,7 +49,7 @@ TEST_F(VectorManagerConcurrency, ARunningClockNeverMixesTwoSynchronisations) {
   clock.setMediaTime(7.0);
   manager.setIsRunning(true);
   std::atomic<int> mixed{0};
-  together(kThreads, [&](int thread) {
+  together(kUsers, [&](int thread) {
     for (int i = 0; i < kRounds; ++i) {
       const double moment = i * 1000.0 + thread;
       // In each synchronisation the server's time equals the local one, so the result is the clock.
@@ -69,7 +69,7 @@ TEST_F(VectorManagerConcurrency, AnIdentifierCarriesOneUserWhole) {
   const std::optional<std::string> users[] = {std::nullopt, std::string(100, 'a'),
                                               std::string(200, 'b')};
   std::atomic<int> broken{0};
-  together(kThreads, [&](int thread) {
+  together(kUsers, [&](int thread) {
     for (int i = 0; i < kRounds; ++i) {
       if (thread == 0) {
         manager.setUserID(users[i % 3]);
@@ -87,7 +87,7 @@ TEST_F(VectorManagerConcurrency, AnIdentifierCarriesOneUserWhole) {
 TEST_F(VectorManagerConcurrency, EveryOperationMayMeetEveryOther) {
   auto& manager = VelWbVectorManager::shareManager().init();
   std::atomic<int> nulls{0};
-  together(2 * kThreads, [&](int thread) {
+  together(2 * kUsers, [&](int thread) {
     for (int i = 0; i < kRounds; ++i) {
       switch ((i + thread) % 13) {
         case 0:

@@ -3,7 +3,6 @@
 #include <clocale>
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 
@@ -13,14 +12,12 @@
 #include "VelWhiteBoard/tools/tool_manager.h"
 
 #include "tests/support/fresh_vector_manager.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 using VectorStamps = FreshVectorManager;
 
@@ -63,7 +60,7 @@ TEST_F(VectorStamps, AnIdentifierOfAnUnthinkableOriginSaturates) {
     const char* identifier;
   };
   const Row rows[] = {
-      {kNan, "_0"},
+      {kNaN, "_0"},
       {kInfinity, "_-9223372036854775808"},
       {-kInfinity, "_9223372036854775807"},
       {1e300, "_-9223372036854775808"},

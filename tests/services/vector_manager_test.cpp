@@ -1,7 +1,6 @@
 #include "VelWhiteBoard/services/vector_manager.h"
 
 #include <cmath>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,12 +12,10 @@
 #include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/fresh_vector_manager.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 static_assert(!std::is_default_constructible_v<VelWbVectorManager>);
 static_assert(!std::is_destructible_v<VelWbVectorManager>);
@@ -90,7 +87,7 @@ TEST_F(VectorManager, KeepsEveryTimeThatItIsGiven) {
       EXPECT_EQ(std::signbit(kept), std::signbit(time)) << time;
     }
   }
-  manager.setServerTs(kNan);
+  manager.setServerTs(kNaN);
   EXPECT_TRUE(std::isnan(manager.serverTs()));
 }
 
@@ -282,7 +279,7 @@ TEST_F(VectorManager, AShiftTouchesThePositionOnly) {
 
 TEST_F(VectorManager, APointThatIsNoNumberStaysNone) {
   VelWbVecPoint point;
-  point.x = kNan;
+  point.x = kNaN;
   manager.coordinateSystemTransFromPC(point);
   EXPECT_TRUE(std::isnan(point.x));
   EXPECT_EQ(point.y, 0.5);

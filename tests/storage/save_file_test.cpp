@@ -55,7 +55,8 @@ TEST_F(SavingFiles, CountsFromTheDateThatWasSet) {
   board->setLastSaveDate(board.clock().wallTime() - seconds(20));
   board->saveFile(false);
   EXPECT_FALSE(wrote());
-  board->setLastSaveDate(board.clock().wallTime() - seconds(20) - std::chrono::nanoseconds(1));
+  board->setLastSaveDate(board.clock().wallTime() - seconds(20) -
+                         std::chrono::system_clock::duration(1));
   board->saveFile(false);
   EXPECT_TRUE(wrote());
 }

@@ -59,16 +59,16 @@ TEST(StorageThreads, LoseNothingWhenTwoAppendToAPageThatIsNotCached) {
 }
 
 TEST(StorageThreads, AppendOneBatchBehindTheOtherHoweverManyMeetAtAPage) {
-  constexpr int kThreads = 4;
+  constexpr int kWriters = 4;
   constexpr std::size_t kVectors = 1000;  // so many that each batch gives way in between
   Board board;
   const auto where = page(1, 2);
-  together(kThreads, [&](int number) {
+  together(kWriters, [&](int number) {
     const VectorList batch(kVectors, text(std::to_string(number), "words"));
     board->appendVectors(batch, where);
   });
   const VectorList whole = board.wholeVectors("1_2");
-  ASSERT_EQ(whole.size(), kThreads * kVectors);
+  ASSERT_EQ(whole.size(), kWriters * kVectors);
   for (std::size_t i = 0; i < whole.size(); ++i) {
     ASSERT_EQ(whole[i], whole[i - i % kVectors]) << i;
   }

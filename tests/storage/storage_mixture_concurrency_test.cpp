@@ -21,7 +21,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-constexpr int kThreads = 8;
+constexpr int kMixers = 8;
 
 std::shared_ptr<VelWbVecSwitchPage> sharedPage(Dice& dice) {
   return page(1, static_cast<std::uint64_t>(dice.below(4)), dice.below(1000), dice.below(2));
@@ -192,8 +192,8 @@ TEST(StorageThreads, LoseNothingOnPagesThatNobodyClears) {
   Board board;
   board.show(page(1, 0));
   std::vector<Client> clients;
-  for (int i = 0; i < kThreads; ++i) clients.emplace_back(i);
-  together(kThreads, [&](int number) {
+  for (int i = 0; i < kMixers; ++i) clients.emplace_back(i);
+  together(kMixers, [&](int number) {
     for (int i = 0; i < 250; ++i) clients[static_cast<std::size_t>(number)].act(board);
   });
   expectAllOnce(board, clients);
@@ -273,7 +273,7 @@ TEST(StorageThreads, MayClearReloadAndSetPropertiesBesideEverythingElse) {
   Board board;
   board.show(page(1, 0));
   Queues queues;
-  together(kThreads, [&](int number) {
+  together(kMixers, [&](int number) {
     Client client(number);
     Dice dice(static_cast<std::uint64_t>(number) + 100);
     for (int i = 0; i < 150; ++i) {

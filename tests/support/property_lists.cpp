@@ -51,8 +51,9 @@ std::string propertyListOf(const RecordList& records) {
   return text;
 }
 
-ReadList readPropertyList(const RecordClass& asked, std::string_view text, std::size_t blockSize) {
-  ReadList list;
+ReadRecords readPropertyList(const RecordClass& asked, std::string_view text,
+                             std::size_t blockSize) {
+  ReadRecords list;
   PropertyListReader reader(asked, [&list](std::shared_ptr<Record> record) {
     list.records.push_back(std::move(record));
   });
@@ -101,7 +102,7 @@ std::string xmlOf(const Value& value) {
 }
 
 std::shared_ptr<Record> recordWithXML(const RecordClass& asked, std::string_view element) {
-  const ReadList list = readPropertyList(asked, listWith(element));
+  const ReadRecords list = readPropertyList(asked, listWith(element));
   return list.result.ok() && !list.records.empty() ? list.records.front() : nullptr;
 }
 

@@ -12,7 +12,7 @@
 namespace VelWhiteBoard {
 
 /// What came of reading a property list.
-struct ReadList {
+struct ReadRecords {
   RecordList records;
   PropertyListResult result;
 };
@@ -21,8 +21,8 @@ struct ReadList {
 std::string propertyListOf(const RecordList& records);
 
 /// The records of a text, handed to the reader in blocks of `blockSize` bytes; 0: as a whole.
-ReadList readPropertyList(const RecordClass& asked, std::string_view text,
-                          std::size_t blockSize = 0);
+ReadRecords readPropertyList(const RecordClass& asked, std::string_view text,
+                             std::size_t blockSize = 0);
 
 /// A property list with `elements` in its array, written without the writer under test.
 std::string listWith(std::string_view elements);

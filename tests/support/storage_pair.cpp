@@ -17,7 +17,7 @@ constexpr const char* kGarbage = "garbage";
 Value contentsOf(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-  const ReadList list = readPropertyList(VelWbBaseVector::ownClass(), text);
+  const ReadRecords list = readPropertyList(VelWbBaseVector::ownClass(), text);
   if (!list.result.ok()) return kGarbage;
   Array forms;
   for (const auto& record : list.records) forms.emplace_back(modelToJSONObject(*record));

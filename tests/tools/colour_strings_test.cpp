@@ -11,12 +11,10 @@
 #include "VelWhiteBoard/tools/tool_manager.h"
 
 #include "tests/support/fresh_tool_manager.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
-constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
 
 class ColourStrings : public FreshToolManager {
  protected:

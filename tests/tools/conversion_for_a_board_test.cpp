@@ -2,7 +2,6 @@
 // without a size give when the tool manager has that size, and leave its own size alone.
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <vector>
 
@@ -15,12 +14,10 @@
 
 #include "tests/support/fresh_tool_manager.h"
 #include "tests/support/print_records.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 class ConversionForABoard : public FreshToolManager {
  protected:

@@ -15,12 +15,11 @@
 #include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/fresh_tool_manager.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kLargest = std::numeric_limits<double>::max();
 constexpr double kSmallest = std::numeric_limits<double>::denorm_min();
 

@@ -1,6 +1,5 @@
 // The tool manager's settings, width lookups and limits.
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -12,15 +11,10 @@
 #include "VelWhiteBoard/tools/tool_manager.h"
 
 #include "tests/support/fresh_tool_manager.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
-constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
-constexpr std::uint64_t kHighestUnsigned = std::numeric_limits<std::uint64_t>::max();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 using Widths = std::vector<double>;
 

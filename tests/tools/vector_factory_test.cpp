@@ -23,11 +23,10 @@
 #include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/fresh_tool_manager.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr std::uint64_t kHighestUnsigned = std::numeric_limits<std::uint64_t>::max();
 
 /// Clocks that stand still and remember who asked: "W" for the wall clock, "M" for the media clock.
 class RememberingClock : public ClockSource {

@@ -3,7 +3,6 @@
 #include "VelWhiteBoard/vectors/base_vector.h"
 
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,11 +17,10 @@
 #include "VelWhiteBoard/vectors/strokes.h"
 
 #include "tests/support/print_records.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(BaseVector, TheInitialStateIsNullAndZero) {
   const VelWbBaseVector vector;

@@ -1,6 +1,5 @@
 // Files, media items and texts on the board: which of their own fields an update gives.
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 
@@ -11,11 +10,10 @@
 
 #include "tests/support/boxes.h"
 #include "tests/support/print_records.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(BoxContents, AFileTakesANonEmptyAddressAndAlwaysWhetherItMayBeDeleted) {
   auto stored = box<VelWbVecFile>();

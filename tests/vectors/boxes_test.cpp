@@ -2,7 +2,6 @@
 #include "VelWhiteBoard/vectors/boxes.h"
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 
@@ -12,11 +11,10 @@
 
 #include "tests/support/boxes.h"
 #include "tests/support/print_records.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 TEST(Boxes, TheInitialStateIsZeroFalseAndNull) {
   const VelWbVecVideo video;

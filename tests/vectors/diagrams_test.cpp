@@ -2,18 +2,16 @@
 #include "VelWhiteBoard/vectors/diagrams.h"
 
 #include <cstdint>
-#include <limits>
 #include <optional>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/boxes.h"
 #include "tests/support/print_records.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// A stored circle with a value in every field; as a `VelWbVecDiagram` without the radii.
 template <class T>

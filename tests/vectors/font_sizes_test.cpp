@@ -1,19 +1,16 @@
 // The font size of a text on a board of another size.
 #include <cmath>
 #include <cstdint>
-#include <limits>
 
 #include <gtest/gtest.h>
 
 #include "VelWhiteBoard/vectors/boxes.h"
 
 #include "tests/support/print_records.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 VelWbVecText text(double fontSize, std::int64_t ps) {
   VelWbVecText result;

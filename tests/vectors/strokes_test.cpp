@@ -3,7 +3,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,12 +15,11 @@
 #include "VelWhiteBoard/vectors/commands.h"
 
 #include "tests/support/print_records.h"
+#include "tests/support/special_numbers.h"
 #include "tests/support/strokes.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// The path of a stroke with `stored` after an update with `incoming`.
 Path folded(Path stored, Path incoming) {

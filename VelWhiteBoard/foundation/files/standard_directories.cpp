@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::string_view kDocumentsKey = "XDG_DOCUMENTS_DIR";
 constexpr std::string_view kHomeReference = "$HOME";
-constexpr std::string_view kBlanks = " \t\r";
+constexpr std::string_view kBlanksInALine = " \t\r";
 
 // The desktop writes ten lines. A larger file is not read to its end.
 constexpr std::size_t kLargestUserDirectoriesFile = 1024 * 1024;
@@ -35,11 +35,11 @@ std::optional<std::string> baseDirectory(const UserEnvironment& environment, con
 }
 
 void skipBlanks(std::string_view& text) {
-  const std::size_t end = text.find_first_not_of(kBlanks);
+  const std::size_t end = text.find_first_not_of(kBlanksInALine);
   text.remove_prefix(end == std::string_view::npos ? text.size() : end);
 }
 
-bool skip(std::string_view& text, std::string_view expected) {
+bool skipWord(std::string_view& text, std::string_view expected) {
   if (!text.starts_with(expected)) return false;
   text.remove_prefix(expected.size());
   return true;
@@ -61,12 +61,12 @@ std::optional<std::string> quoted(std::string_view text) {
 std::optional<std::string> documentsInLine(std::string_view line,
                                            const std::optional<std::string>& home) {
   skipBlanks(line);
-  if (!skip(line, kDocumentsKey)) return std::nullopt;
+  if (!skipWord(line, kDocumentsKey)) return std::nullopt;
   skipBlanks(line);
-  if (!skip(line, "=")) return std::nullopt;
+  if (!skipWord(line, "=")) return std::nullopt;
   skipBlanks(line);
-  if (!skip(line, "\"")) return std::nullopt;
-  const bool underHome = skip(line, kHomeReference);
+  if (!skipWord(line, "\"")) return std::nullopt;
+  const bool underHome = skipWord(line, kHomeReference);
   const std::optional<std::string> path = quoted(line);
   if (!path || path->find('\0') != std::string::npos) return std::nullopt;
   if (!underHome) return absolute(path);

@@ -17,27 +17,6 @@
 
 namespace VelWhiteBoard {
 
-namespace {
-
-/// The role of an open element.
-enum class Purpose : std::uint8_t {
-  document,  ///< the plist element
-  list,      ///< the array of records
-  record,    ///< a dictionary in it
-  path,      ///< an array of positions
-  position,  ///< an array of numbers in it
-  free,      ///< a container of a free-form value
-  ignored,   ///< a container that is skipped
-};
-
-struct OpenContainer {
-  Purpose purpose;
-  bool isDict;
-  bool hasKey = false;  ///< a dictionary's key has come, its value has not
-};
-
-}  // namespace
-
 class PropertyListReader::Parser {
  public:
   Parser(const RecordClass& asked, RecordConsumer consume)
@@ -81,6 +60,23 @@ class PropertyListReader::Parser {
   }
 
  private:
+  /// The role of an open element.
+  enum class Purpose : std::uint8_t {
+    document,  ///< the plist element
+    list,      ///< the array of records
+    record,    ///< a dictionary in it
+    path,      ///< an array of positions
+    position,  ///< an array of numbers in it
+    free,      ///< a container of a free-form value
+    ignored,   ///< a container that is skipped
+  };
+
+  struct OpenContainer {
+    Purpose purpose;
+    bool isDict;
+    bool hasKey = false;  ///< a dictionary's key has come, its value has not
+  };
+
   /// Determines why the parser has stopped. Out of memory is not an error of the text: this call
   /// and all later ones throw it.
   void conclude() {

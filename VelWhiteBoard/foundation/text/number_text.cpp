@@ -5,6 +5,8 @@
 #include <cmath>
 #include <system_error>
 
+#include "VelWhiteBoard/foundation/text/real_parsing.h"
+
 namespace VelWhiteBoard {
 
 namespace {
@@ -82,15 +84,25 @@ bool isTooSmall(std::string_view text) {
   return place + exponent <= 0;
 }
 
-/// `from_chars` reports the same error for a number that is too small for a double as for one that
-/// is too large. One that is too small becomes 0, as in other readers.
+/// Parses the whole of `text`; `number` stays as it is when that fails. One that is too small for a
+/// double may be `result_out_of_range`, as one that is too large.
+#ifdef __cpp_lib_to_chars
+std::errc parseReal(std::string_view text, double& number) {
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  return result.ptr == text.data() + text.size() ? result.ec : std::errc::invalid_argument;
+}
+#else
+std::errc parseReal(std::string_view text, double& number) {
+  return parseRealWithoutCharconv(text, number);
+}
+#endif
+
+/// A number that is too small for a double becomes 0, as in other readers.
 std::optional<double> real(std::string_view text) {
   double number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (tookAll(result, text)) return number;
-  const bool outOfRange =
-      result.ec == std::errc::result_out_of_range && result.ptr == text.data() + text.size();
-  if (!outOfRange || !isTooSmall(text)) return std::nullopt;
+  const std::errc error = parseReal(text, number);
+  if (error == std::errc()) return number;
+  if (error != std::errc::result_out_of_range || !isTooSmall(text)) return std::nullopt;
   return text.front() == '-' ? -0.0 : 0.0;
 }
 
@@ -159,8 +171,7 @@ bool isRealInPropertyList(std::string_view text) {
   if (text.find_first_not_of("+-.0123456789Ee") != std::string_view::npos) return false;
   text = withoutPlus(text);
   double number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  return result.ec != std::errc::invalid_argument && result.ptr == text.data() + text.size();
+  return parseReal(text, number) != std::errc::invalid_argument;
 }
 
 std::optional<double> realWithPropertyList(std::string_view text) {

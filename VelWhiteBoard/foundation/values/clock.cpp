@@ -7,7 +7,7 @@ namespace {
 
 // Null means the system's clocks, which then work before any static object exists and cost no
 // virtual call.
-std::atomic<const ClockSource*> source{nullptr};
+std::atomic<const ClockSource*> replacedClock{nullptr};
 
 double inSeconds(std::chrono::system_clock::time_point date) {
   // Whole seconds and the rest are converted separately. As one count of nanoseconds the time would
@@ -26,20 +26,20 @@ ClockSource::~ClockSource() = default;
 double currentTime() { return inSeconds(currentDate()); }
 
 std::chrono::system_clock::time_point currentDate() {
-  const ClockSource* const replaced = source.load(std::memory_order_acquire);
+  const ClockSource* const replaced = replacedClock.load(std::memory_order_acquire);
   return replaced != nullptr ? replaced->wallTime() : std::chrono::system_clock::now();
 }
 
 double currentMediaTime() {
-  const ClockSource* const replaced = source.load(std::memory_order_acquire);
+  const ClockSource* const replaced = replacedClock.load(std::memory_order_acquire);
   if (replaced != nullptr) return replaced->mediaTime();
   const auto now = std::chrono::steady_clock::now().time_since_epoch();
   return std::chrono::duration<double>(now).count();
 }
 
 ScopedClock::ScopedClock(const ClockSource& newSource)
-    : previous_(source.exchange(&newSource, std::memory_order_acq_rel)) {}
+    : previous_(replacedClock.exchange(&newSource, std::memory_order_acq_rel)) {}
 
-ScopedClock::~ScopedClock() { source.store(previous_, std::memory_order_release); }
+ScopedClock::~ScopedClock() { replacedClock.store(previous_, std::memory_order_release); }
 
 }  // namespace VelWhiteBoard

@@ -12,6 +12,17 @@
 
 namespace VelWhiteBoard {
 
+namespace pending_files {
+
+struct Pending {
+  std::shared_ptr<OperationQueue> queue;
+  /// Counts what has ever been pending.
+  std::uint64_t number = 0;
+  bool hasBegun = false;
+};
+
+}  // namespace pending_files
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -25,13 +36,7 @@ constexpr int kMostLooks = 25;
 constexpr std::chrono::seconds kLongestStandstillOfADisk{30};
 
 using Queues = std::vector<std::shared_ptr<OperationQueue>>;
-
-struct Pending {
-  std::shared_ptr<OperationQueue> queue;
-  /// Counts what has ever been pending.
-  std::uint64_t number = 0;
-  bool hasBegun = false;
-};
+using pending_files::Pending;
 
 struct Register {
   Mutex mutex;

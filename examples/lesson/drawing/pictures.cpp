@@ -35,6 +35,8 @@ cairo_status_t draw(cairo_surface_t* surface, const vwb::VectorList& snapshot, v
   return cairo_status(context.get());
 }
 
+}  // namespace
+
 /// A picture's file, which gets its name once it is whole: a full disk leaves the picture that was
 /// there, or none.
 class PictureFile {
@@ -63,6 +65,8 @@ class PictureFile {
   std::string temporary_;
   bool isWhole_ = false;
 };
+
+namespace {
 
 SurfacePtr pictureOf(const vwb::VectorList& snapshot, vwb::Size size) {
   SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(size.width),

@@ -23,14 +23,14 @@ namespace {
 using namespace VelWhiteBoard;
 using fuzz::require;
 
-struct ReadList {
+struct ReadRecords {
   RecordList records;
   PropertyListResult result;
 };
 
 /// Reads `text` in blocks of up to `largest` bytes each.
-ReadList read(const RecordClass& asked, std::string_view text, std::size_t largest) {
-  ReadList list;
+ReadRecords read(const RecordClass& asked, std::string_view text, std::size_t largest) {
+  ReadRecords list;
   Dice dice(std::hash<std::string_view>()(text));  // an input does the same every time
   PropertyListReader reader(asked, [&list](std::shared_ptr<Record> record) {
     require(record != nullptr, "a record that was read is there");
@@ -78,15 +78,15 @@ void requireFirstRound(const RecordList& before, const RecordList& after,
 }
 
 void tryAs(const RecordClass& asked, std::string_view text) {
-  const ReadList whole = read(asked, text, text.size() + 1);
-  const ReadList pieces = read(asked, text, 16);
+  const ReadRecords whole = read(asked, text, text.size() + 1);
+  const ReadRecords pieces = read(asked, text, 16);
   require(whole.result.ok() == pieces.result.ok(), "blocks do not matter to the outcome");
   requireEqual(whole.records, pieces.records, "blocks do not matter to the records");
   if (!whole.result.ok()) require(whole.result.line > 0, "an error has a place");
 
   // Records that came before an error are sound ones, too.
   const std::string first = write(whole.records);
-  const ReadList again = read(asked, first, 4096);
+  const ReadRecords again = read(asked, first, 4096);
   require(again.result.ok(), "what is written can be read");
   requireFirstRound(whole.records, again.records, asked);
 
@@ -95,7 +95,7 @@ void tryAs(const RecordClass& asked, std::string_view text) {
     if (!fuzz::keepsItsClass(*record, asked)) return;
   }
   const std::string second = write(again.records);
-  const ReadList third = read(asked, second, 4096);
+  const ReadRecords third = read(asked, second, 4096);
   requireEqual(again.records, third.records, "the second round changes nothing");
   require(write(third.records) == second, "the second text is the first text");
 }

@@ -20,7 +20,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-void together(const std::vector<std::function<void()>>& works) {
+void allTogether(const std::vector<std::function<void()>>& works) {
   std::vector<std::thread> threads;
   threads.reserve(works.size());
   for (const auto& work : works) threads.emplace_back(work);
@@ -54,7 +54,7 @@ void writeAndRead(FileSystem& files, const std::string& target) {
       EXPECT_TRUE(isWhole(read.view()));
     } while (writing > 0);
   });
-  together(works);
+  allTogether(works);
   FileBytes last;
   EXPECT_TRUE(files.readBytes(target, last));
   EXPECT_TRUE(isWhole(last.view()));
@@ -97,7 +97,7 @@ TEST(FileThreads, CleaningUpWhileFilesAreWrittenCostsNoWriterItsContents) {
       EXPECT_TRUE(result) << result.describe();
     }
   });
-  together(works);
+  allTogether(works);
   std::vector<std::string> names;
   EXPECT_TRUE(files.list(folder.path(), names));
   EXPECT_EQ(names.size(), 2U);
@@ -113,7 +113,7 @@ TEST(FileThreads, TheSeamCanBeReplacedWhileOthersUseIt) {
     for (int i = 0; i < 1000; ++i) const ScopedFileSystem scope(memory);
     done = true;
   });
-  together(works);
+  allTogether(works);
 }
 
 TEST(PathManagerThreads, EveryOperationMayBeCalledFromEveryThread) {
@@ -137,7 +137,7 @@ TEST(PathManagerThreads, EveryOperationMayBeCalledFromEveryThread) {
       EXPECT_TRUE(manager.removeFolderOrFile("/" + name));
     }
   };
-  together({[&] { work("first"); }, [&] { work("second"); }, [&] { work("first"); }});
+  allTogether({[&] { work("first"); }, [&] { work("second"); }, [&] { work("first"); }});
 }
 
 }  // namespace

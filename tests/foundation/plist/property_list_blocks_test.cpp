@@ -22,14 +22,14 @@
 namespace VelWhiteBoard {
 namespace {
 
-constexpr const char* kPlain = "<dict><key>text</key><string>a</string></dict>";
+constexpr const char* kPlainDict = "<dict><key>text</key><string>a</string></dict>";
 
-std::shared_ptr<AllKinds> allKinds(const std::string& members) {
+std::shared_ptr<AllKinds> kindsOf(const std::string& members) {
   return std::static_pointer_cast<AllKinds>(
       recordWithXML(AllKinds::ownClass(), "<dict>" + members + "</dict>"));
 }
 
-std::string levels(std::size_t depth, const std::string& inside = "") {
+std::string arrays(std::size_t depth, const std::string& inside = "") {
   std::string text;
   for (std::size_t level = 0; level < depth; ++level) text += "<array>";
   text += inside;
@@ -39,7 +39,7 @@ std::string levels(std::size_t depth, const std::string& inside = "") {
 
 TEST(PropertyListBlocks, NestingOfAHundredThousandLevelsIsReadOver) {
   constexpr std::size_t kLevels = 100'000;
-  const std::string deep = levels(kLevels);
+  const std::string deep = arrays(kLevels);
   std::string dictionaries;
   for (std::size_t level = 0; level < kLevels; ++level) dictionaries += "<dict><key>a</key>";
   dictionaries += "<true/>";
@@ -55,7 +55,7 @@ TEST(PropertyListBlocks, NestingOfAHundredThousandLevelsIsReadOver) {
           "</array><key>text</key><string>a</string></dict>",
   };
   for (const std::string& row : rows) {
-    const ReadList read = readPropertyList(AllKinds::ownClass(), listWith(row + kPlain));
+    const ReadRecords read = readPropertyList(AllKinds::ownClass(), listWith(row + kPlainDict));
     ASSERT_TRUE(read.result.ok()) << read.result.error << row.substr(0, 50);
     for (const auto& record : read.records) {
       EXPECT_EQ(static_cast<const AllKinds&>(*record).text, "a");
@@ -63,7 +63,7 @@ TEST(PropertyListBlocks, NestingOfAHundredThousandLevelsIsReadOver) {
     }
     EXPECT_GE(read.records.size(), 1U);
   }
-  const ReadList open = readPropertyList(
+  const ReadRecords open = readPropertyList(
       AllKinds::ownClass(), "<plist><array><dict><key>array</key>" + deep.substr(0, kLevels * 7));
   EXPECT_FALSE(open.result.ok());
 }
@@ -72,11 +72,11 @@ TEST(PropertyListBlocks, BlocksOfAnySizeGiveTheSameRecords) {
   std::ostringstream contents;
   contents << std::ifstream(VELWB_TEST_DATA_DIR "/property_lists/records.plist").rdbuf();
   const std::string golden = contents.str();
-  const ReadList whole = readPropertyList(VelWbBaseVector::ownClass(), golden);
+  const ReadRecords whole = readPropertyList(VelWbBaseVector::ownClass(), golden);
   ASSERT_TRUE(whole.result.ok()) << whole.result.error;
   ASSERT_EQ(whole.records.size(), 5U);
   for (const std::size_t blockSize : {1U, 2U, 3U, 7U, 64U, 1000U}) {
-    const ReadList read = readPropertyList(VelWbBaseVector::ownClass(), golden, blockSize);
+    const ReadRecords read = readPropertyList(VelWbBaseVector::ownClass(), golden, blockSize);
     ASSERT_TRUE(read.result.ok()) << blockSize << ": " << read.result.error;
     ASSERT_EQ(read.records.size(), whole.records.size());
     for (std::size_t index = 0; index < whole.records.size(); ++index) {
@@ -87,7 +87,7 @@ TEST(PropertyListBlocks, BlocksOfAnySizeGiveTheSameRecords) {
 
 TEST(PropertyListBlocks, AHugeTextArrivesWhole) {
   const std::string huge(5'000'000, 'x');
-  const auto record = allKinds("<key>text</key><string>" + huge + "&amp;" + huge + "</string>");
+  const auto record = kindsOf("<key>text</key><string>" + huge + "&amp;" + huge + "</string>");
   ASSERT_TRUE(record);
   EXPECT_EQ(record->text, huge + "&" + huge);
 }

@@ -27,7 +27,7 @@ constexpr const char* kPlain = "<dict><key>text</key><string>a</string></dict>";
 
 /// The texts of the records of a list of `AllKinds`, or what is wrong with the list.
 std::string textsOf(std::string_view list, std::size_t blockSize = 0) {
-  const ReadList read = readPropertyList(AllKinds::ownClass(), list, blockSize);
+  const ReadRecords read = readPropertyList(AllKinds::ownClass(), list, blockSize);
   if (!read.result.ok()) return "error: " + read.result.error;
   std::string texts;
   for (const auto& record : read.records) {
@@ -96,7 +96,7 @@ TEST(PropertyListReader, AnElementThatIsNoDictionaryIsSkippedWhateverItIs) {
 TEST(PropertyListReader, AnEmptyListHasNoRecords) {
   for (const char* list : {"<plist><array/></plist>", "<plist><array></array></plist>",
                            "<plist> <array> <!-- --> </array> </plist>"}) {
-    const ReadList read = readPropertyList(AllKinds::ownClass(), list);
+    const ReadRecords read = readPropertyList(AllKinds::ownClass(), list);
     EXPECT_TRUE(read.result.ok()) << list << ": " << read.result.error;
     EXPECT_TRUE(read.records.empty());
   }

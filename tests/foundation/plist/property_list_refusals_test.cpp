@@ -291,12 +291,12 @@ TEST(PropertyListRefusals, EveryPrefixOfAFileIsAnErrorAndNoPrefixGivesAHalfRecor
   std::ostringstream contents;
   contents << std::ifstream(VELWB_TEST_DATA_DIR "/property_lists/records.plist").rdbuf();
   const std::string golden = contents.str();
-  const ReadList whole = readPropertyList(VelWbBaseVector::ownClass(), golden);
+  const ReadRecords whole = readPropertyList(VelWbBaseVector::ownClass(), golden);
   ASSERT_EQ(whole.records.size(), 5U);
   // The line feed behind the last element is no part of the list.
   const std::size_t complete = golden.rfind('>') + 1;
   for (std::size_t length = 0; length < golden.size(); ++length) {
-    const ReadList read =
+    const ReadRecords read =
         readPropertyList(VelWbBaseVector::ownClass(), std::string_view(golden).substr(0, length));
     ASSERT_EQ(read.result.ok(), length >= complete) << length;
     ASSERT_LE(read.records.size(), whole.records.size());

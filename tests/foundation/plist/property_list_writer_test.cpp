@@ -22,15 +22,13 @@
 #include "tests/support/all_kinds.h"
 #include "tests/support/print_records.h"
 #include "tests/support/property_lists.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
 
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// The records of data/property_lists/records.plist, which was written by hand.
 RecordList goldenRecords() {
@@ -83,7 +81,7 @@ std::string contentsOf(const std::string& file) {
 
 /// The record after it has been in a file.
 std::shared_ptr<AllKinds> throughFile(const AllKinds& record) {
-  const ReadList list =
+  const ReadRecords list =
       readPropertyList(AllKinds::ownClass(), propertyListOf({record.copyWithZone()}));
   EXPECT_TRUE(list.result.ok()) << list.result.error;
   EXPECT_EQ(list.records.size(), 1U);
@@ -166,7 +164,7 @@ TEST(PropertyListWriter, TextThatXMLCanCarryComesBackBitForBit) {
     records.push_back(record);
   }
   const std::string file = propertyListOf(records);
-  const ReadList list = readPropertyList(AllKinds::ownClass(), file);
+  const ReadRecords list = readPropertyList(AllKinds::ownClass(), file);
   ASSERT_TRUE(list.result.ok()) << list.result.error;
   ASSERT_EQ(list.records.size(), records.size());
   const Value second = readWithSecondReader(file);
@@ -231,7 +229,7 @@ TEST(PropertyListWriter, OneAwkwardRecordNeverMakesAFileUnreadable) {
   auto plain = std::make_shared<AllKinds>();
   plain->text = "plain";
   const std::string file = propertyListOf({plain, awkward, plain});
-  const ReadList list = readPropertyList(AllKinds::ownClass(), file);
+  const ReadRecords list = readPropertyList(AllKinds::ownClass(), file);
   ASSERT_TRUE(list.result.ok()) << list.result.error;
   ASSERT_EQ(list.records.size(), 3U);
   EXPECT_EQ(*list.records[0], *plain);
@@ -265,7 +263,7 @@ TEST(PropertyListWriter, TheTextComesInBlocksThatTogetherAreTheFile) {
   ASSERT_TRUE(writer.finish());
   EXPECT_EQ(text, propertyListOf(records));
   EXPECT_GT(blocks.size(), 10U);
-  const ReadList list = readPropertyList(VelWbBaseVector::ownClass(), text);
+  const ReadRecords list = readPropertyList(VelWbBaseVector::ownClass(), text);
   EXPECT_EQ(list.records.size(), records.size());
 }
 

@@ -41,7 +41,7 @@ TEST(SecondReader, TakesEveryFileWhateverTheRecordsHoldAndFindsWhatOursFinds) {
   ASSERT_EQ(found.size(), records.size()) << testSeed();
   for (std::size_t index = 0; index < records.size(); ++index) {
     const RecordClass& own = records[index]->recordClass();
-    const ReadList ours = readPropertyList(own, propertyListOf({records[index]}));
+    const ReadRecords ours = readPropertyList(own, propertyListOf({records[index]}));
     ASSERT_EQ(ours.records.size(), 1U) << ours.result.error;
     const auto second = recordWithDictionary(own, found[index].get_ref<const Dictionary&>());
     ASSERT_EQ(differences(*second, *ours.records.front()), "")

@@ -16,11 +16,10 @@
 #include "VelWhiteBoard/vectors/diagrams.h"
 #include "VelWhiteBoard/vectors/media_lists.h"
 
+#include "tests/support/special_numbers.h"
+
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// The value under a key after the archive has been bytes.
 Value throughBytes(Value value) {

@@ -2,7 +2,6 @@
 // nested.
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,12 +17,10 @@
 #include "tests/support/all_kinds.h"
 #include "tests/support/print_records.h"
 #include "tests/support/property_lists.h"
+#include "tests/support/special_numbers.h"
 
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(DictionaryForm, KeysThatNameNoPropertyAreIgnored) {
   const Dictionary dictionary{{"text", "a"}, {"Text", "b"}, {"", 1}, {"colour", Array{1}}};

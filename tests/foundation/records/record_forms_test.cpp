@@ -23,7 +23,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-constexpr int kRounds = 6000;
+constexpr int kFormRounds = 6000;
 
 std::string trace(const Dictionary& dictionary) {
   return "VELWB_TEST_SEED=" + std::to_string(testSeed()) + ": " +
@@ -43,7 +43,7 @@ std::vector<std::pair<std::string, Value>> shuffled(const Dictionary& dictionary
 TEST(RecordForms, DictionaryTextAndFileLeadToTheSameRecord) {
   RandomRecords random(kForPropertyLists, 1);
   const auto& classes = testedClasses();
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < kFormRounds; ++round) {
     const Dictionary dictionary = random.dictionary();
     const RecordClass& asked = *classes[random.below(classes.size())].own;
     std::string text = "{";
@@ -65,7 +65,7 @@ TEST(RecordForms, DictionaryTextAndFileLeadToTheSameRecord) {
 TEST(RecordForms, NoDictionaryCrashesAndWhatItGivesIsARecordLikeAnyOther) {
   RandomRecords random(kAnything, 2);
   const auto& classes = testedClasses();
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < kFormRounds; ++round) {
     const Dictionary dictionary = random.dictionary();
     const RecordClass& asked = *classes[random.below(classes.size())].own;
     const auto record = recordWithDictionary(asked, dictionary);
@@ -86,7 +86,7 @@ TEST(RecordForms, NoBytesCrashAReader) {
   RandomRecords random(kForJSONText, 3);
   const auto& classes = testedClasses();
   std::mt19937_64 engine(testSeed());
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < kFormRounds; ++round) {
     const auto record = random.record(*classes[random.below(classes.size())].own);
     for (std::string text : {modelToJSONString(*record), propertyListOf({record})}) {
       for (std::size_t changes = 1 + engine() % 3; changes > 0; --changes) {
@@ -112,7 +112,7 @@ TEST(RecordForms, NoBytesCrashAReader) {
         ASSERT_NE(fromText->description(), "");
       }
       for (const auto& each : recordsWithJSON(asked, text)) ASSERT_TRUE(each);
-      const ReadList list = readPropertyList(asked, text);
+      const ReadRecords list = readPropertyList(asked, text);
       for (const auto& each : list.records) ASSERT_TRUE(each) << list.result.error;
     }
   }

@@ -57,7 +57,7 @@ class RecordProperties : public ::testing::TestWithParam<std::size_t> {
     return tested().initWithCoder(Coder(archive.data()));
   }
   std::shared_ptr<Record> throughList(const Record& record) const {
-    const ReadList list = readPropertyList(own(), propertyListOf({tested().copy(record)}));
+    const ReadRecords list = readPropertyList(own(), propertyListOf({tested().copy(record)}));
     EXPECT_TRUE(list.result.ok()) << list.result.error;
     return list.records.size() == 1 ? list.records.front() : nullptr;
   }

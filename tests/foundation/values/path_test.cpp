@@ -3,19 +3,17 @@
 
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "tests/support/special_numbers.h"
+
 namespace VelWhiteBoard {
 namespace {
 
 using Rows = std::vector<std::vector<double>>;
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 Rows rowsOf(const Path& path) {
   Rows rows;

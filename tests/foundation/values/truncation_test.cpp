@@ -6,14 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/special_numbers.h"
+
 namespace VelWhiteBoard {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr std::int64_t kLowest = std::numeric_limits<std::int64_t>::min();
-constexpr std::int64_t kHighest = std::numeric_limits<std::int64_t>::max();
-constexpr std::uint64_t kHighestUnsigned = std::numeric_limits<std::uint64_t>::max();
 constexpr double kTwo63 = 9223372036854775808.0;
 constexpr double kTwo64 = 18446744073709551616.0;
 
@@ -48,8 +45,8 @@ const Row kRows[] = {
     {-1e300, kLowest, 0},
     {kInfinity, kHighest, kHighestUnsigned},
     {-kInfinity, kLowest, 0},
-    {kNan, 0, 0},
-    {-kNan, 0, 0},
+    {kNaN, 0, 0},
+    {-kNaN, 0, 0},
 };
 
 TEST(Truncation, CutsTowardZeroAndSaturatesAtTheEndsOfTheSignedRange) {
@@ -75,7 +72,7 @@ TEST(Truncation, KeepsEveryIntegerAroundThePowersOfTwoThatADoubleHolds) {
 }
 
 // The compiler evaluates both, too, and accepts no undefined behaviour there.
-static_assert(truncatedToSigned(kNan) == 0 && truncatedToSigned(1e300) == kHighest);
+static_assert(truncatedToSigned(kNaN) == 0 && truncatedToSigned(1e300) == kHighest);
 static_assert(truncatedToUnsigned(-1.0) == 0 && truncatedToUnsigned(1e300) == kHighestUnsigned);
 
 }  // namespace

@@ -8,11 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/special_numbers.h"
+
 namespace VelWhiteBoard {
 namespace {
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// `depth` arrays inside one another.
 Value nested(std::size_t depth) {
