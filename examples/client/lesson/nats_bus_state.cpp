@@ -94,9 +94,9 @@ bool NatsBusState::pause(std::chrono::milliseconds time) {
   return !changed_.wait_for(hold, time, [this] { return isStopping_; });
 }
 
-void NatsBusState::connected(const Session& session) {
+void NatsBusState::connected(const Connection& connection) {
   const std::lock_guard<std::mutex> hold(mutex_);
-  session_ = session;
+  connection_ = connection;
 }
 
 std::uint64_t NatsBusState::opened(const StreamState& stream) {
@@ -115,7 +115,7 @@ std::uint64_t NatsBusState::opened(const StreamState& stream) {
 void NatsBusState::caughtUp() {
   const Change change(*this);
   kind_ = BusStatus::Kind::kLive;
-  live_ = session_;
+  live_ = connection_;
 }
 
 void NatsBusState::arrived(Arrival arrival, std::string_view id) {
@@ -140,12 +140,12 @@ void NatsBusState::missing() {
 
 void NatsBusState::lost(const NatsFailure& failure) {
   // Closed when the lock is free again: that may take time.
-  Session ended;
+  Connection ended;
   const Change change(*this);
   kind_ = failure.isRefused ? BusStatus::Kind::kRefused : BusStatus::Kind::kConnecting;
   connectionProblem_ = failure.what();
   live_.reset();
-  ended.swap(session_);
+  ended.swap(connection_);
 }
 
 std::optional<NatsBusState::Job> NatsBusState::nextJob() {
@@ -161,7 +161,7 @@ void NatsBusState::finished(const Job& job, const SendResult& result) {
   const Change change(*this);
   sendProblem_ = result.problem;
   if (result.kind == SendResult::Kind::kFailed) {
-    if (live_ == job.session) live_.reset();
+    if (live_ == job.connection) live_.reset();
     return;
   }
   if (result.kind == SendResult::Kind::kRefused) {
@@ -172,9 +172,9 @@ void NatsBusState::finished(const Job& job, const SendResult& result) {
   if (outbox_.remove(job.message.id)) removeFileIfSent();
 }
 
-NatsBusState::Session NatsBusState::session() const {
+NatsBusState::Connection NatsBusState::connection() const {
   const std::lock_guard<std::mutex> hold(mutex_);
-  return session_;
+  return connection_;
 }
 
 void NatsBusState::removeFileIfSent() {

@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "lesson/bus.h"
+#include "lesson/lesson_connection.h"
 #include "lesson/nats_bus.h"
-#include "lesson/nats_session.h"
 #include "lesson/outbox.h"
 
 namespace whiteboard {
@@ -25,7 +25,7 @@ namespace whiteboard {
 /// Threads: all operations may be called from any thread, except where one is named.
 class NatsBusState {
  public:
-  using Session = std::shared_ptr<NatsSession>;
+  using Connection = std::shared_ptr<LessonConnection>;
 
   /// Reads the file of unsent messages.
   explicit NatsBusState(NatsBus::Options options);
@@ -49,7 +49,7 @@ class NatsBusState {
   /// Waits; tells whether to go on, as opposed to stop.
   bool pause(std::chrono::milliseconds time);
   /// There is a connection, which is closed when the bus stops.
-  void connected(const Session& session);
+  void connected(const Connection& connection);
   /// The lesson's stream has been found or made. Returns the sequence to begin at.
   std::uint64_t opened(const StreamState& stream);
   /// Whatever the lesson has is there: sending may begin.
@@ -63,14 +63,14 @@ class NatsBusState {
 
   // For the writer.
   struct Job {
-    Session session;
+    Connection connection;
     OutgoingMessage message;
   };
   /// Waits for something to send and for a connection to send it. None at the end.
   std::optional<Job> nextJob();
   void finished(const Job& job, const SendResult& result);
   /// The connection to be closed at the end; may be null.
-  Session session() const;
+  Connection connection() const;
 
  private:
   /// The lock of an operation that may change what `Notify` tells of. Tells when it goes.
@@ -98,9 +98,9 @@ class NatsBusState {
   std::deque<Arrival> arrivals_;
   Outbox outbox_;
   bool fileIsThere_ = false;
-  Session session_;
-  /// `session_` while it may be used to send.
-  Session live_;
+  Connection connection_;
+  /// `connection_` while it may be used to send.
+  Connection live_;
 
   /// Held during each call of `notify_`.
   std::mutex notifyMutex_;

@@ -45,22 +45,23 @@ void NatsReader::run() {
 
 void NatsReader::serve() {
   const NatsBus::Options& options = state_.options();
-  const auto session = std::make_shared<NatsSession>(options.url, options.lesson, options.token);
-  state_.connected(session);
-  const StreamState stream = session->openStream(options.replicas);
+  const auto connection =
+      std::make_shared<LessonConnection>(options.url, options.lesson, options.token);
+  state_.connected(connection);
+  const StreamState stream = connection->openStream(options.replicas);
   target_ = stream.messages == 0 ? 0 : stream.last;
   next_ = state_.opened(stream);
   isFirst_ = true;
-  session->subscribe(next_);
+  connection->subscribe(next_);
   while (!state_.isStopping()) {
     if (!isLive_ && next_ > target_) {
       isLive_ = true;
       liveSince_ = std::chrono::steady_clock::now();
       state_.caughtUp();
     }
-    if (const auto message = session->next(kNextWait)) receive(*message);
+    if (const auto message = connection->next(kNextWait)) receive(*message);
   }
-  session->close();
+  connection->close();
 }
 
 void NatsReader::receive(const ReceivedMessage& message) {

@@ -1,4 +1,4 @@
-#include "lesson/nats_session.h"
+#include "lesson/lesson_connection.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -101,8 +101,8 @@ std::string_view ReceivedMessage::text() const {
   return {natsMsg_GetData(message_.get()), static_cast<std::size_t>(size)};
 }
 
-NatsSession::NatsSession(const std::string& url, const std::string& lesson,
-                         const std::string& token)
+LessonConnection::LessonConnection(const std::string& url, const std::string& lesson,
+                                   const std::string& token)
     : stream_("lesson-" + lesson), subject_("lesson." + lesson) {
   const OptionsOwner options = optionsFor(url, token);
   natsConnection* connection = nullptr;
@@ -117,9 +117,9 @@ NatsSession::NatsSession(const std::string& url, const std::string& lesson,
 }
 
 // A subscription to an open connection would ask the server to remove it, and wait.
-NatsSession::~NatsSession() { close(); }
+LessonConnection::~LessonConnection() { close(); }
 
-StreamState NatsSession::openStream(int replicas) {
+StreamState LessonConnection::openStream(int replicas) {
   jsStreamInfo* info = nullptr;
   auto code = jsErrCode(0);
   natsStatus status = js_GetStreamInfo(&info, jetStream_.get(), stream_.c_str(), nullptr, &code);
@@ -137,7 +137,7 @@ StreamState NatsSession::openStream(int replicas) {
   return state;
 }
 
-void NatsSession::subscribe(std::uint64_t from) {
+void LessonConnection::subscribe(std::uint64_t from) {
   jsSubOptions options;
   jsSubOptions_Init(&options);
   options.Stream = stream_.c_str();
@@ -152,7 +152,7 @@ void NatsSession::subscribe(std::uint64_t from) {
   subscription_.reset(subscription);
 }
 
-std::optional<ReceivedMessage> NatsSession::next(std::chrono::milliseconds atMost) {
+std::optional<ReceivedMessage> LessonConnection::next(std::chrono::milliseconds atMost) {
   natsMsg* message = nullptr;
   const natsStatus status = natsSubscription_NextMsg(&message, subscription_.get(), atMost.count());
   if (status == NATS_TIMEOUT) return std::nullopt;
@@ -160,7 +160,7 @@ std::optional<ReceivedMessage> NatsSession::next(std::chrono::milliseconds atMos
   return ReceivedMessage(message);
 }
 
-SendResult NatsSession::send(const OutgoingMessage& message) {
+SendResult LessonConnection::send(const OutgoingMessage& message) {
   natsMsg* made = nullptr;
   natsStatus status = natsMsg_Create(&made, subject_.c_str(), nullptr, message.text.data(),
                                      static_cast<int>(message.text.size()));
@@ -180,6 +180,6 @@ SendResult NatsSession::send(const OutgoingMessage& message) {
                      : failureOf(status, code, "send").what()};
 }
 
-void NatsSession::close() { natsConnection_Close(connection_.get()); }
+void LessonConnection::close() { natsConnection_Close(connection_.get()); }
 
 }  // namespace whiteboard

@@ -77,17 +77,17 @@ struct SendResult {
 ///
 /// Threads: `subscribe` and `next` are for one thread, `send` for one, which may be another;
 /// `close` for any. `close` makes the others end, with an error.
-class NatsSession {
+class LessonConnection {
  public:
   /// Connects. May take seconds, much longer when names are resolved slowly.
   /// @param url one or more, as `NatsBus::Options` has it.
   /// @param token empty for none.
   /// @throws NatsFailure
-  NatsSession(const std::string& url, const std::string& lesson, const std::string& token);
+  LessonConnection(const std::string& url, const std::string& lesson, const std::string& token);
   /// Closes. May wait for a `send` under way to notice.
-  ~NatsSession();
-  NatsSession(const NatsSession&) = delete;
-  NatsSession& operator=(const NatsSession&) = delete;
+  ~LessonConnection();
+  LessonConnection(const LessonConnection&) = delete;
+  LessonConnection& operator=(const LessonConnection&) = delete;
 
   /// Looks up the lesson's stream, and makes it if there is none, on so many servers.
   /// @throws NatsFailure
