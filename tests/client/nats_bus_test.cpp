@@ -209,7 +209,7 @@ TEST(NatsBus, IsNotBlockedByAMessageThatIsLargerThanAMessageMayBe) {
 }
 
 TEST(NatsBus, IsNotBlockedByAMessageThatTheServerDoesNotTake) {
-  const NatsServer server({.token = "", .maxPayload = 5000, .hasJetStream = true});
+  const NatsServer server({.maxPayload = 5000});
   Participant one(server.url());
   one.publish("a1");
   one.publish(std::string(6000, 'x'));

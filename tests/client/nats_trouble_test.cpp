@@ -18,7 +18,7 @@ using ::testing::HasSubstr;
 using Kind = BusStatus::Kind;
 
 TEST(NatsTrouble, TellsThatTheTokenIsWrong) {
-  const NatsServer server({.token = "right", .maxPayload = 0, .hasJetStream = true});
+  const NatsServer server({.token = "right"});
   Participant wrong({server.url(), "maths", "wrong", ""});
   Participant none({server.url(), "maths", "", ""});
   ASSERT_TRUE(wrong.becomes(Kind::kRefused));
@@ -31,7 +31,7 @@ TEST(NatsTrouble, TellsThatTheTokenIsWrong) {
 }
 
 TEST(NatsTrouble, TellsThatTheServerKeepsNoLessons) {
-  const NatsServer server({.token = "", .maxPayload = 0, .hasJetStream = false});
+  const NatsServer server({.hasJetStream = false});
   const Participant one(server.url());
   EXPECT_TRUE(one.tells("keeps no lessons"));
 }

@@ -17,6 +17,9 @@ constexpr double kNanosecond = 1e-9;
 constexpr std::int64_t kConnectWait = 5000;
 constexpr std::int64_t kRequestWait = 2000;
 constexpr std::int64_t kSendWait = 2000;
+/// A server does not answer one who may not send, it only reports; after that, others are not
+/// waited for that long.
+constexpr std::int64_t kForbiddenWait = 300;
 /// How many bytes a millisecond the slowest supported connection carries.
 constexpr std::int64_t kSlowestRate = 32;
 /// A connection on which nothing comes back for three of these is given up. Milliseconds.
@@ -29,10 +32,6 @@ void require(natsStatus status, const char* what, jsErrCode code = jsErrCode(0))
   if (status != NATS_OK) throw failureOf(status, code, what);
 }
 
-/// Without a handler the library writes asynchronous errors to the standard error output. They are
-/// not needed: each shows in the call that waits for what does not come.
-void ignoreError(natsConnection*, natsSubscription*, natsStatus, void*) {}
-
 using OptionsOwner = std::unique_ptr<natsOptions, decltype(&natsOptions_Destroy)>;
 
 /// What is between the commas.
@@ -43,7 +42,8 @@ std::vector<std::string> partsOf(const std::string& list) {
   return parts;
 }
 
-OptionsOwner optionsFor(const std::string& url, const std::string& token) {
+OptionsOwner optionsFor(const std::string& url, const std::string& token,
+                        ConnectionAlarms& alarms) {
   natsOptions* made = nullptr;
   require(natsOptions_Create(&made), "prepare a connection");
   OptionsOwner options(made, &natsOptions_Destroy);
@@ -60,7 +60,7 @@ OptionsOwner optionsFor(const std::string& url, const std::string& token) {
   set(natsOptions_SetPingInterval(made, kPingInterval));
   set(natsOptions_SetMaxPingsOut(made, kPingsOut));
   set(natsOptions_SetWriteDeadline(made, kWriteWait));
-  set(natsOptions_SetErrorHandler(made, &ignoreError, nullptr));
+  set(alarms.watch(made));
   return options;
 }
 
@@ -103,8 +103,8 @@ std::string_view ReceivedMessage::text() const {
 
 LessonConnection::LessonConnection(const std::string& url, const std::string& lesson,
                                    const std::string& token)
-    : stream_("lesson-" + lesson), subject_("lesson." + lesson) {
-  const OptionsOwner options = optionsFor(url, token);
+    : stream_("lesson-" + lesson), subject_("lesson." + lesson), alarms_(subject_) {
+  const OptionsOwner options = optionsFor(url, token, alarms_);
   natsConnection* connection = nullptr;
   require(natsConnection_Connect(&connection, options.get()), "connect");
   connection_.reset(connection);
@@ -169,12 +169,18 @@ SendResult LessonConnection::send(const OutgoingMessage& message) {
   jsPubOptions options;
   jsPubOptions_Init(&options);
   options.MsgId = message.id.c_str();
-  options.MaxWait = kSendWait + static_cast<std::int64_t>(message.text.size()) / kSlowestRate;
+  options.MaxWait = (mayNotSend_ ? kForbiddenWait : kSendWait) +
+                    static_cast<std::int64_t>(message.text.size()) / kSlowestRate;
   auto code = jsErrCode(0);
+  alarms_.takeForbidden();
   status = js_PublishMsg(nullptr, jetStream_.get(), made, &options, &code);
+  mayNotSend_ = status == NATS_TIMEOUT && alarms_.takeForbidden();
   if (status == NATS_OK) return {SendResult::Kind::kSent, {}};
+  if (mayNotSend_) {
+    return {SendResult::Kind::kRefused, "The server does not let this participant write."};
+  }
   const bool isTooLarge = status == NATS_MAX_PAYLOAD || code == JSStreamMessageExceedsMaximumErr;
-  const bool isForGood = isTooLarge || code == JSBadRequestErr;
+  const bool isForGood = isTooLarge || code == JSBadRequestErr || code == JSStreamSealedErr;
   return {isForGood ? SendResult::Kind::kRefused : SendResult::Kind::kFailed,
           isTooLarge ? "The server does not take messages of this size."
                      : failureOf(status, code, "send").what()};

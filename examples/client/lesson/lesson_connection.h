@@ -11,6 +11,7 @@
 
 #include <nats/nats.h>
 
+#include "lesson/connection_alarms.h"
 #include "lesson/outbox.h"
 
 namespace whiteboard {
@@ -112,6 +113,9 @@ class LessonConnection {
 
   std::string stream_;
   std::string subject_;
+  ConnectionAlarms alarms_;
+  /// For the thread that sends.
+  bool mayNotSend_ = false;
   // Destroyed from the last to the first.
   Owner<natsConnection, natsConnection_Destroy> connection_;
   Owner<jsCtx, jsCtx_Destroy> jetStream_;

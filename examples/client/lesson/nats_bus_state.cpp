@@ -41,8 +41,22 @@ void NatsBusState::setNotify(Bus::Notify notify) {
 void NatsBusState::publish(const std::string& page, VelWhiteBoard::VectorPtr vector) {
   // The caller knows that the status changes, and may hold a lock of its own.
   const std::lock_guard<std::mutex> hold(mutex_);
-  if (!outbox_.add(page, std::move(vector))) ++dropped_;
+  if (!outbox_.add(page, vector)) {
+    ++dropped_;
+    if (vector) refused_.push_back({page, std::move(vector)});
+  }
   changed_.notify_all();
+}
+
+std::vector<OwnVector> NatsBusState::unsentBefore() const {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  return outbox_.restored();
+}
+
+std::vector<OwnVector> NatsBusState::takeRefused() {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  isTold_ = false;
+  return std::exchange(refused_, {});
 }
 
 std::vector<Arrival> NatsBusState::take(std::size_t atMost) {
@@ -168,8 +182,17 @@ void NatsBusState::finished(const Job& job, const SendResult& result) {
     ++dropped_;
     lossProblem_ = "A message was not sent: " + result.problem;
     sendProblem_.clear();
+    return refuse(job.message.id);
   }
   if (outbox_.remove(job.message.id)) removeFileIfSent();
+}
+
+void NatsBusState::refuse(const std::string& id) {
+  if (auto content = outbox_.contentOf(id)) refused_.push_back(std::move(*content));
+  outbox_.remove(id);
+  removeFileIfSent();
+  // It would be sent again by the next run if this one did not come to its end.
+  if (fileIsThere_) writeUnsent(options_.unsentFile, outbox_.all());
 }
 
 NatsBusState::Connection NatsBusState::connection() const {

@@ -35,6 +35,8 @@ class NatsBusState {
   // For the bus.
   void setNotify(Bus::Notify notify);
   void publish(const std::string& page, VelWhiteBoard::VectorPtr vector);
+  std::vector<OwnVector> unsentBefore() const;
+  std::vector<OwnVector> takeRefused();
   std::vector<Arrival> take(std::size_t atMost);
   BusStatus status();
   /// Waits until nothing is to be sent; not at all while sending is not possible.
@@ -78,6 +80,8 @@ class NatsBusState {
 
   /// When nothing of an earlier run waits any more, its file goes.
   void removeFileIfSent();
+  /// The lesson never takes a message that waits.
+  void refuse(const std::string& id);
 
   const NatsBus::Options options_;
 
@@ -96,6 +100,7 @@ class NatsBusState {
   std::string lossProblem_;
   std::uint64_t last_ = 0;
   std::deque<Arrival> arrivals_;
+  std::vector<OwnVector> refused_;
   Outbox outbox_;
   bool fileIsThere_ = false;
   Connection connection_;
