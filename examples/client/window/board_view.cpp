@@ -54,6 +54,7 @@ BoardView::BoardView(Board& board, QWidget* parent) : QWidget(parent), board_(bo
     scene_.takeInk(ID, firstNew, board_.ink(), board_.pageKey());
     updateStale();
   });
+  connect(&board_, &Board::inkOfPageChanged, this, &BoardView::takePage);
   connect(&board_, &Board::aboutToTurn, this, [this] {
     if (tool_ != nullptr) tool_->cancel();
   });
