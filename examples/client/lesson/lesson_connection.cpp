@@ -25,6 +25,8 @@ constexpr std::int64_t kSlowestRate = 32;
 /// A connection on which nothing comes back for three of these is given up. Milliseconds.
 constexpr std::int64_t kPingInterval = 2000;
 constexpr int kPingsOut = 2;
+/// A server gives a sign of life so often when it has nothing to send. Nanoseconds.
+constexpr std::int64_t kHeartbeat = 1'000'000'000;
 /// A write that makes no progress for so long fails. Milliseconds.
 constexpr std::int64_t kWriteWait = 40000;
 
@@ -79,6 +81,14 @@ jsStreamConfig configOf(const char* stream, const char** subject, int replicas) 
   return config;
 }
 
+/// What the server says, which is destroyed.
+StreamState takeState(jsStreamInfo* info) {
+  const StreamState state{static_cast<double>(info->Created) * kNanosecond, info->State.LastSeq,
+                          info->State.Msgs};
+  jsStreamInfo_Destroy(info);
+  return state;
+}
+
 }  // namespace
 
 ReceivedMessage::ReceivedMessage(natsMsg* message) : message_(message) {
@@ -119,22 +129,26 @@ LessonConnection::LessonConnection(const std::string& url, const std::string& le
 // A subscription to an open connection would ask the server to remove it, and wait.
 LessonConnection::~LessonConnection() { close(); }
 
-StreamState LessonConnection::openStream(int replicas) {
+std::optional<StreamState> LessonConnection::findStream() {
   jsStreamInfo* info = nullptr;
   auto code = jsErrCode(0);
-  natsStatus status = js_GetStreamInfo(&info, jetStream_.get(), stream_.c_str(), nullptr, &code);
-  if (status == NATS_NOT_FOUND || code == JSStreamNotFoundErr) {
-    code = jsErrCode(0);
-    const char* subject = subject_.c_str();
-    jsStreamConfig config = configOf(stream_.c_str(), &subject, replicas);
-    // Two who do so at once both succeed.
-    status = js_AddStream(&info, jetStream_.get(), &config, nullptr, &code);
-  }
+  const natsStatus status =
+      js_GetStreamInfo(&info, jetStream_.get(), stream_.c_str(), nullptr, &code);
+  if (status == NATS_NOT_FOUND || code == JSStreamNotFoundErr) return std::nullopt;
   require(status, "open the lesson", code);
-  const StreamState state{static_cast<double>(info->Created) * kNanosecond, info->State.LastSeq,
-                          info->State.Msgs};
-  jsStreamInfo_Destroy(info);
-  return state;
+  return takeState(info);
+}
+
+StreamState LessonConnection::openStream(int replicas) {
+  if (const auto found = findStream()) return *found;
+  jsStreamInfo* info = nullptr;
+  auto code = jsErrCode(0);
+  const char* subject = subject_.c_str();
+  jsStreamConfig config = configOf(stream_.c_str(), &subject, replicas);
+  // Two who do so at once both succeed.
+  const natsStatus status = js_AddStream(&info, jetStream_.get(), &config, nullptr, &code);
+  require(status, "open the lesson", code);
+  return takeState(info);
 }
 
 void LessonConnection::subscribe(std::uint64_t from) {
@@ -144,6 +158,7 @@ void LessonConnection::subscribe(std::uint64_t from) {
   options.Ordered = true;
   options.Config.DeliverPolicy = js_DeliverByStartSequence;
   options.Config.OptStartSeq = from;
+  options.Config.Heartbeat = kHeartbeat;
   natsSubscription* subscription = nullptr;
   auto code = jsErrCode(0);
   require(
@@ -155,6 +170,10 @@ void LessonConnection::subscribe(std::uint64_t from) {
 std::optional<ReceivedMessage> LessonConnection::next(std::chrono::milliseconds atMost) {
   natsMsg* message = nullptr;
   const natsStatus status = natsSubscription_NextMsg(&message, subscription_.get(), atMost.count());
+  if (alarms_.isSilent()) {
+    natsMsg_Destroy(message);
+    throw failureOf(NATS_TIMEOUT, jsErrCode(0), "receive the lesson");
+  }
   if (status == NATS_TIMEOUT) return std::nullopt;
   require(status, "receive the lesson");
   return ReceivedMessage(message);

@@ -90,6 +90,9 @@ class LessonConnection {
   LessonConnection(const LessonConnection&) = delete;
   LessonConnection& operator=(const LessonConnection&) = delete;
 
+  /// Looks up the lesson's stream; none when the server has none.
+  /// @throws NatsFailure
+  std::optional<StreamState> findStream();
   /// Looks up the lesson's stream, and makes it if there is none, on so many servers.
   /// @throws NatsFailure
   StreamState openStream(int replicas = 1);
@@ -97,7 +100,8 @@ class LessonConnection {
   /// @throws NatsFailure
   void subscribe(std::uint64_t from);
   /// The next message; none when there was none for that long.
-  /// @throws NatsFailure
+  /// @throws NatsFailure also when the server has given no sign of life for 2 to 4 seconds: what
+  /// served the subscription may have been on a server that is gone.
   std::optional<ReceivedMessage> next(std::chrono::milliseconds atMost);
   /// Sends a message and waits until the stream has it.
   SendResult send(const OutgoingMessage& message);

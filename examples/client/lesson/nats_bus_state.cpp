@@ -113,10 +113,19 @@ void NatsBusState::connected(const Connection& connection) {
   connection_ = connection;
 }
 
+bool NatsBusState::hasLost(const std::optional<StreamState>& stream) const {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  return isLoss(stream);
+}
+
+bool NatsBusState::isLoss(const std::optional<StreamState>& stream) const {
+  if (created_ == 0) return false;
+  return !stream || stream->created != created_ || stream->last < last_;
+}
+
 std::uint64_t NatsBusState::opened(const StreamState& stream) {
   const Change change(*this);
-  const bool isOther = created_ != 0 && created_ != stream.created;
-  if (isOther || stream.last < last_) {
+  if (isLoss(stream)) {
     last_ = 0;
     lossProblem_ = "The server has lost what it had of this lesson, or a part of it.";
   }

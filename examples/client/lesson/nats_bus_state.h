@@ -52,6 +52,9 @@ class NatsBusState {
   bool pause(std::chrono::milliseconds time);
   /// There is a connection, which is closed when the bus stops.
   void connected(const Connection& connection);
+  /// Whether a stream is not what was there before, or has less, or is none: a server that has just
+  /// started, or a cluster without a leader, may say so for some seconds.
+  bool hasLost(const std::optional<StreamState>& stream) const;
   /// The lesson's stream has been found or made. Returns the sequence to begin at.
   std::uint64_t opened(const StreamState& stream);
   /// Whatever the lesson has is there: sending may begin.
@@ -80,6 +83,7 @@ class NatsBusState {
 
   /// When nothing of an earlier run waits any more, its file goes.
   void removeFileIfSent();
+  bool isLoss(const std::optional<StreamState>& stream) const;
   /// The lesson never takes a message that waits.
   void refuse(const std::string& id);
 

@@ -18,6 +18,9 @@ constexpr milliseconds kFirstPause{200};
 constexpr milliseconds kLongestPause{2000};
 /// After a connection that has worked for so long the pauses begin anew.
 constexpr std::chrono::seconds kGoodConnection{5};
+/// For so long a server that says that it has lost the lesson is asked again, and how often.
+constexpr std::chrono::seconds kLossIsBelieved{6};
+constexpr milliseconds kLossPause{300};
 /// How long it may take to notice that the bus stops.
 constexpr milliseconds kNextWait{100};
 
@@ -48,7 +51,7 @@ void NatsReader::serve() {
   const auto connection =
       std::make_shared<LessonConnection>(options.url, options.lesson, options.token);
   state_.connected(connection);
-  const StreamState stream = connection->openStream(options.replicas);
+  const StreamState stream = open(*connection);
   target_ = stream.messages == 0 ? 0 : stream.last;
   next_ = state_.opened(stream);
   isFirst_ = true;
@@ -62,6 +65,14 @@ void NatsReader::serve() {
     if (const auto message = connection->next(kNextWait)) receive(*message);
   }
   connection->close();
+}
+
+StreamState NatsReader::open(LessonConnection& connection) {
+  const auto deadline = std::chrono::steady_clock::now() + kLossIsBelieved;
+  while (state_.hasLost(connection.findStream()) && std::chrono::steady_clock::now() < deadline) {
+    if (!state_.pause(kLossPause)) break;
+  }
+  return connection.openStream(state_.options().replicas);
 }
 
 void NatsReader::receive(const ReceivedMessage& message) {
