@@ -33,7 +33,7 @@
 #include "benchmarks/client/load/participants.h"
 #include "benchmarks/client/load/pieces.h"
 #include "benchmarks/client/load/processes.h"
-#include "lesson/nats_session.h"
+#include "lesson/lesson_connection.h"
 
 namespace {
 
@@ -278,7 +278,7 @@ bool measure(const Options& options) {
     const load::Usage before = load::usageOf(server);
     const std::int64_t begin = now();
     for (std::size_t i = 0; i < options.number("lessons"); ++i) {
-      whiteboard::NatsSession(options.text("url"), run.lesson(i), "")
+      whiteboard::LessonConnection(options.text("url"), run.lesson(i), "")
           .openStream(static_cast<int>(options.number("replicas")));
     }
     std::printf("opened in %.2f s; server %.0f MB\n", static_cast<double>(now() - begin) / 1e9,

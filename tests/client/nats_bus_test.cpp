@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "lesson/nats_session.h"
+#include "lesson/lesson_connection.h"
 #include "tests/client/support/nats_server.h"
 #include "tests/client/support/participant.h"
 
@@ -31,9 +31,9 @@ std::vector<std::string> ownIDsOf(const Participant& participant) {
 
 /// Sends any text to the lesson, as a program that knows nothing of vectors.
 void sendRaw(const NatsServer& server, const std::string& id, const std::string& text) {
-  NatsSession session(server.url(), "maths", "");
-  session.openStream();
-  const SendResult result = session.send({id, text});
+  LessonConnection connection(server.url(), "maths", "");
+  connection.openStream();
+  const SendResult result = connection.send({id, text});
   ASSERT_EQ(result.kind, SendResult::Kind::kSent) << result.problem;
 }
 
@@ -209,7 +209,7 @@ TEST(NatsBus, IsNotBlockedByAMessageThatIsLargerThanAMessageMayBe) {
 }
 
 TEST(NatsBus, IsNotBlockedByAMessageThatTheServerDoesNotTake) {
-  const NatsServer server({.token = "", .maxPayload = 5000, .hasJetStream = true});
+  const NatsServer server({.maxPayload = 5000});
   Participant one(server.url());
   one.publish("a1");
   one.publish(std::string(6000, 'x'));

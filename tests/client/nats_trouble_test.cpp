@@ -1,11 +1,14 @@
 // What a participant sees, and how it ends, when a server is not as it should be.
 #include <chrono>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "lesson/nats_bus.h"
+#include "lesson/nats_bus_state.h"
 #include "tests/client/support/nats_server.h"
 #include "tests/client/support/participant.h"
 #include "tests/client/support/raw_stream.h"
@@ -18,7 +21,7 @@ using ::testing::HasSubstr;
 using Kind = BusStatus::Kind;
 
 TEST(NatsTrouble, TellsThatTheTokenIsWrong) {
-  const NatsServer server({.token = "right", .maxPayload = 0, .hasJetStream = true});
+  const NatsServer server({.token = "right"});
   Participant wrong({server.url(), "maths", "wrong", ""});
   Participant none({server.url(), "maths", "", ""});
   ASSERT_TRUE(wrong.becomes(Kind::kRefused));
@@ -31,7 +34,7 @@ TEST(NatsTrouble, TellsThatTheTokenIsWrong) {
 }
 
 TEST(NatsTrouble, TellsThatTheServerKeepsNoLessons) {
-  const NatsServer server({.token = "", .maxPayload = 0, .hasJetStream = false});
+  const NatsServer server({.hasJetStream = false});
   const Participant one(server.url());
   EXPECT_TRUE(one.tells("keeps no lessons"));
 }
@@ -116,6 +119,58 @@ TEST(NatsTrouble, TellsThatAPartOfTheLessonIsMissing) {
   one.publish("b");
   ASSERT_TRUE(one.has(3));
   EXPECT_THAT(one.sequences(), ElementsAre(3, 5, 7));
+}
+
+TEST(NatsTrouble, AsksForSignsOfLifeEachSecond) {
+  const NatsServer server;
+  const Participant one(server.url());
+  ASSERT_TRUE(one.isLive());
+  RawStream stream(server.url());
+  const auto consumers = stream.consumers();
+  ASSERT_EQ(consumers.size(), 1U);
+  EXPECT_EQ(stream.heartbeatOf(consumers.front()), 1);
+}
+
+TEST(NatsTrouble, GoesOnWhenTheServerServesItNoLonger) {
+  const NatsServer server;
+  Participant one(server.url());
+  Participant two(server.url());
+  one.publish("a1");
+  ASSERT_TRUE(one.has(1));
+  ASSERT_TRUE(two.has(1));
+  RawStream stream(server.url());
+  for (const std::string& consumer : stream.consumers()) stream.removeConsumer(consumer);
+  one.publish("a2");
+  ASSERT_TRUE(one.has(2));
+  ASSERT_TRUE(two.has(2));
+  two.publish("a3");
+  ASSERT_TRUE(one.has(3));
+  ASSERT_TRUE(two.has(3));
+  EXPECT_EQ(one.IDs(), numbered("a", 3));
+  EXPECT_EQ(two.IDs(), numbered("a", 3));
+  EXPECT_EQ(one.status().problem, "");
+}
+
+/// Answers that a server gives before it has everything again.
+TEST(NatsTrouble, DoesNotBelieveALossThatPasses) {
+  NatsBusState state({deadUrl(), "maths", "", ""});
+  EXPECT_FALSE(state.hasLost(std::nullopt)) << "nothing is known yet";
+  const StreamState stream{1000, 5, 5};
+  EXPECT_EQ(state.opened(stream), 1U);
+  for (std::uint64_t sequence = 1; sequence <= 5; ++sequence) {
+    Arrival arrival;
+    arrival.sequence = sequence;
+    arrival.vector = box("a");
+    state.arrived(std::move(arrival), "");
+  }
+  EXPECT_FALSE(state.hasLost(stream));
+  EXPECT_TRUE(state.hasLost(std::nullopt));
+  EXPECT_TRUE(state.hasLost(StreamState{1000, 4, 4}));
+  EXPECT_TRUE(state.hasLost(StreamState{1001, 5, 5}));
+  EXPECT_EQ(state.opened(stream), 6U);
+  EXPECT_EQ(state.status().problem, "");
+  EXPECT_EQ(state.opened(StreamState{1001, 5, 5}), 1U);
+  EXPECT_THAT(state.status().problem, HasSubstr("has lost"));
 }
 
 /// The limit is far above what is promised, and below what a connection waits for an answer.

@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "lesson/nats_session.h"
+#include "lesson/lesson_connection.h"
 #include "tests/client/support/nats_server.h"
 #include "tests/client/support/participant.h"
 #include "tests/client/support/raw_stream.h"
@@ -117,9 +117,9 @@ TEST(NatsBusUnsent, IsNotSentAgainWhenTheLessonHasIt) {
   const NatsServer server;
   ASSERT_TRUE(writeUnsent(path, {message("ab-1", "a"), message("ab-2", "b")}));
   {
-    NatsSession session(server.url(), "maths", "");
-    session.openStream();
-    ASSERT_EQ(session.send(message("ab-1", "a")).kind, SendResult::Kind::kSent);
+    LessonConnection connection(server.url(), "maths", "");
+    connection.openStream();
+    ASSERT_EQ(connection.send(message("ab-1", "a")).kind, SendResult::Kind::kSent);
   }
   Participant one({server.url(), "maths", "", path});
   ASSERT_TRUE(one.has(2));

@@ -19,12 +19,14 @@ void Scene::show(const vwb::VectorList& entries, const OwnInk& ink, const std::s
   shapes_.clear();
   byEntry_.clear();
   ink_.clear();
+  isCleared_ = ink.isCleared(page);
   for (const vwb::VectorPtr& entry : entries) add(entry);
   for (const auto& [ID, own] : ink.inks()) takeInk(ID, 0, ink, page);
   setSize(size_);
 }
 
 bool Scene::isHidden(const Shape& shape) const {
+  if (isCleared_) return true;
   return !ink_.empty() && shape.vector()->ID && ink_.contains(*shape.vector()->ID);
 }
 
@@ -166,7 +168,8 @@ const Shape* Scene::find(const std::string& ID) const {
 
 const Shape* Scene::lens() const {
   // It never stays below another entry.
-  return !shapes_.empty() && shapes_.back()->isMagnifier() ? shapes_.back().get() : nullptr;
+  return !shapes_.empty() && !isCleared_ && shapes_.back()->isMagnifier() ? shapes_.back().get()
+                                                                          : nullptr;
 }
 
 }  // namespace whiteboard

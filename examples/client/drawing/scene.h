@@ -18,7 +18,8 @@
 namespace whiteboard {
 
 /// The shapes of a page's entries, kept by what the board reports, and of the own ink that lies on
-/// top of them. An entry for which there is own ink is left out.
+/// top of them. An entry for which there is own ink is left out; all are while own ink clears the
+/// page.
 ///
 /// Every change names the rectangles, in view points, in which the picture is no longer right;
 /// `takeStale` hands them out.
@@ -67,6 +68,7 @@ class Scene {
   std::unordered_map<const VelWhiteBoard::VelWbBaseVector*, Shape*> byEntry_;
   /// Own ink; null: the entry is hidden.
   std::map<std::string, std::unique_ptr<Shape>> ink_;
+  bool isCleared_ = false;
   std::vector<QRectF> stale_;
 };
 

@@ -1,5 +1,6 @@
 #include "lesson/board.h"
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <system_error>
@@ -65,10 +66,14 @@ vwb::VectorList Board::entries(const PageNumber& page) {
   return storage_->snapWithPage(*pageSwitchTo(page));
 }
 
+vwb::VectorList Board::shownEntries(const PageNumber& page) {
+  return ink_.over(pageSwitchTo(page)->pageInfo(), entries(page));
+}
+
 vwb::VectorPtr Board::shownEntry(const std::string& ID) const {
   const OwnInk::Ink* own = ink_.find(ID);
   if (own != nullptr && own->page == pageKey()) return own->shown;
-  return storage_->entryWithID(ID);
+  return ink_.isCleared(pageKey()) ? nullptr : storage_->entryWithID(ID);
 }
 
 void Board::file(const std::string& page, const vwb::VectorPtr& vector) {
@@ -130,7 +135,14 @@ void Board::beginAnew() {
   storage_->clear();
   saves_->forget();
   pages_ = {number()};
+  addPagesOfInk();
   emit pagesChanged();
+}
+
+void Board::addPagesOfInk() {
+  for (const auto& [ID, ink] : ink_.inks()) {
+    if (const Page page = vwb::VelWbVecSwitchPage::pageFromInfo(ink.page)) addPage(numberOf(*page));
+  }
 }
 
 bool Board::isUnsaved() const {
@@ -139,12 +151,22 @@ bool Board::isUnsaved() const {
 
 void Board::tell(const OwnInk::Change& change) {
   if (!change.ID.empty()) emit inkChanged(change.ID, change.firstNew);
+  if (change.isOfPage) emit inkOfPageChanged();
 }
 
-void Board::showInk(const vwb::VelWbBaseVector& change) {
-  const auto* remove = vwb::recordCast<const vwb::VelWbVecRemove>(&change);
-  const std::string target = remove != nullptr ? remove->rmID.value_or("") : change.ID.value_or("");
-  tell(ink_.show(pageKey(), change, storage_->entryWithID(target)));
+vwb::VectorPtr Board::entryOn(const std::string& page, const std::string& ID) {
+  if (ink_.isCleared(page)) return nullptr;
+  if (page == pageKey()) return storage_->entryWithID(ID);
+  const Page other = vwb::VelWbVecSwitchPage::pageFromInfo(page);
+  if (!other) return nullptr;
+  const vwb::VectorList all = entries(numberOf(*other));
+  const auto found =
+      std::find_if(all.begin(), all.end(), [&](const auto& each) { return each->ID == ID; });
+  return found == all.end() ? nullptr : *found;
+}
+
+void Board::showInk(const std::string& page, const vwb::VelWbBaseVector& change) {
+  tell(ink_.show(page, change, entryOn(page, change.ID.value_or(""))));
 }
 
 void Board::inkReceived(const vwb::VelWbBaseVector& vector) { tell(ink_.received(vector)); }

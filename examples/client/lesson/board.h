@@ -41,6 +41,8 @@ class Board : public QObject {
   const std::set<PageNumber>& pages() const { return pages_; }
   /// The entries of a page, lowest first.
   VelWhiteBoard::VectorList entries(const PageNumber& page);
+  /// The same with own ink, as the page is shown.
+  VelWhiteBoard::VectorList shownEntries(const PageNumber& page);
   /// The entry of the page that is shown, with own ink; null when there is none.
   VelWhiteBoard::VectorPtr shownEntry(const std::string& ID) const;
 
@@ -58,9 +60,11 @@ class Board : public QObject {
   void beginAnew();
 
   const OwnInk& ink() const { return ink_; }
-  /// Shows an own change at once.
-  void showInk(const VelWhiteBoard::VelWbBaseVector& change);
+  /// Shows an own change at once, on the page that is shown or on any.
+  void showInk(const VelWhiteBoard::VelWbBaseVector& change) { showInk(pageKey(), change); }
+  void showInk(const std::string& page, const VelWhiteBoard::VelWbBaseVector& change);
   void inkSent(const VelWhiteBoard::VelWbBaseVector& change) { ink_.sent(change); }
+  /// An own change has come back, or is not taken by the lesson.
   void inkReceived(const VelWhiteBoard::VelWbBaseVector& vector);
   void forgetInk(const std::string& ID);
   void restoreInk(const std::string& ID, const std::optional<OwnInk::Ink>& before);
@@ -77,6 +81,8 @@ class Board : public QObject {
   void changed(const VelWhiteBoard::ChangeReport& report);
   /// The own ink with this identifier has changed from position `firstNew` on, or is gone.
   void inkChanged(const std::string& ID, std::size_t firstNew);
+  /// Own ink hides all entries of a page from now on, or no longer.
+  void inkOfPageChanged();
   /// Another page is about to be shown; what is being done on this one ends now.
   void aboutToTurn();
   /// Pages have come or gone, or another one is shown.
@@ -85,6 +91,9 @@ class Board : public QObject {
  private:
   void flush();
   void tell(const OwnInk::Change& change);
+  VelWhiteBoard::VectorPtr entryOn(const std::string& page, const std::string& ID);
+  /// Lists pages on which there is nothing but own ink.
+  void addPagesOfInk();
 
   std::shared_ptr<VelWhiteBoard::VWBVectorStorage> storage_;
   std::shared_ptr<SaveState> saves_;

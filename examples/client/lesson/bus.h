@@ -23,6 +23,12 @@ struct Arrival {
   VelWhiteBoard::VectorPtr vector;
 };
 
+/// A vector of this participant, with the page for which it was made.
+struct OwnVector {
+  std::string page;
+  VelWhiteBoard::VectorPtr vector;
+};
+
 /// How it stands with the connection.
 struct BusStatus {
   enum class Kind {
@@ -64,6 +70,12 @@ class Bus {
   /// sent when there is a connection again, in the order in which it was given. Pieces of a stroke
   /// that wait one behind the other may be joined.
   virtual void publish(const std::string& page, VelWhiteBoard::VectorPtr vector) = 0;
+  /// What an earlier run of the program could not send, and this one will, oldest first. To be
+  /// asked before `start`.
+  virtual std::vector<OwnVector> unsentBefore() { return {}; }
+  /// Own vectors that the lesson does not take and never will, since the last call: whoever shows
+  /// them shows what is not there. `BusStatus` counts them, and says why.
+  virtual std::vector<OwnVector> takeRefused() = 0;
   /// The next arrivals, in order; empty when there are none.
   virtual std::vector<Arrival> take(std::size_t atMost) = 0;
   virtual BusStatus status() const = 0;

@@ -40,10 +40,16 @@ void LocalBus::publish(const std::string& page, VelWhiteBoard::VectorPtr vector)
           {++count_, now(), true, std::move(message->page), std::move(message->vector)});
     } else {
       ++status_.dropped;
+      if (vector) refused_.push_back({page, std::move(vector)});
     }
     notify = notify_;
   }
   if (notify) notify();
+}
+
+std::vector<OwnVector> LocalBus::takeRefused() {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  return std::exchange(refused_, {});
 }
 
 std::vector<Arrival> LocalBus::take(std::size_t atMost) {

@@ -19,6 +19,7 @@ class LocalBus : public Bus {
 
   void start(Notify notify) override;
   void publish(const std::string& page, VelWhiteBoard::VectorPtr vector) override;
+  std::vector<OwnVector> takeRefused() override;
   std::vector<Arrival> take(std::size_t atMost) override;
   BusStatus status() const override;
 
@@ -28,6 +29,7 @@ class LocalBus : public Bus {
   BusStatus status_;
   Notify notify_;
   std::deque<Arrival> arrivals_;
+  std::vector<OwnVector> refused_;
   std::uint64_t count_ = 0;
 };
 

@@ -59,6 +59,10 @@ void NatsBus::publish(const std::string& page, VelWhiteBoard::VectorPtr vector) 
   state_->publish(page, std::move(vector));
 }
 
+std::vector<OwnVector> NatsBus::unsentBefore() { return state_->unsentBefore(); }
+
+std::vector<OwnVector> NatsBus::takeRefused() { return state_->takeRefused(); }
+
 std::vector<Arrival> NatsBus::take(std::size_t atMost) { return state_->take(atMost); }
 
 BusStatus NatsBus::status() const { return state_->status(); }

@@ -53,6 +53,8 @@ class NatsBus : public Bus {
 
   void start(Notify notify) override;
   void publish(const std::string& page, VelWhiteBoard::VectorPtr vector) override;
+  std::vector<OwnVector> unsentBefore() override;
+  std::vector<OwnVector> takeRefused() override;
   /// `Notify` is not called again before `take` or `status` has been called: take until there is
   /// nothing left.
   std::vector<Arrival> take(std::size_t atMost) override;

@@ -41,8 +41,22 @@ void NatsBusState::setNotify(Bus::Notify notify) {
 void NatsBusState::publish(const std::string& page, VelWhiteBoard::VectorPtr vector) {
   // The caller knows that the status changes, and may hold a lock of its own.
   const std::lock_guard<std::mutex> hold(mutex_);
-  if (!outbox_.add(page, std::move(vector))) ++dropped_;
+  if (!outbox_.add(page, vector)) {
+    ++dropped_;
+    if (vector) refused_.push_back({page, std::move(vector)});
+  }
   changed_.notify_all();
+}
+
+std::vector<OwnVector> NatsBusState::unsentBefore() const {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  return outbox_.restored();
+}
+
+std::vector<OwnVector> NatsBusState::takeRefused() {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  isTold_ = false;
+  return std::exchange(refused_, {});
 }
 
 std::vector<Arrival> NatsBusState::take(std::size_t atMost) {
@@ -94,15 +108,24 @@ bool NatsBusState::pause(std::chrono::milliseconds time) {
   return !changed_.wait_for(hold, time, [this] { return isStopping_; });
 }
 
-void NatsBusState::connected(const Session& session) {
+void NatsBusState::connected(const Connection& connection) {
   const std::lock_guard<std::mutex> hold(mutex_);
-  session_ = session;
+  connection_ = connection;
+}
+
+bool NatsBusState::hasLost(const std::optional<StreamState>& stream) const {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  return isLoss(stream);
+}
+
+bool NatsBusState::isLoss(const std::optional<StreamState>& stream) const {
+  if (created_ == 0) return false;
+  return !stream || stream->created != created_ || stream->last < last_;
 }
 
 std::uint64_t NatsBusState::opened(const StreamState& stream) {
   const Change change(*this);
-  const bool isOther = created_ != 0 && created_ != stream.created;
-  if (isOther || stream.last < last_) {
+  if (isLoss(stream)) {
     last_ = 0;
     lossProblem_ = "The server has lost what it had of this lesson, or a part of it.";
   }
@@ -115,7 +138,7 @@ std::uint64_t NatsBusState::opened(const StreamState& stream) {
 void NatsBusState::caughtUp() {
   const Change change(*this);
   kind_ = BusStatus::Kind::kLive;
-  live_ = session_;
+  live_ = connection_;
 }
 
 void NatsBusState::arrived(Arrival arrival, std::string_view id) {
@@ -140,12 +163,12 @@ void NatsBusState::missing() {
 
 void NatsBusState::lost(const NatsFailure& failure) {
   // Closed when the lock is free again: that may take time.
-  Session ended;
+  Connection ended;
   const Change change(*this);
   kind_ = failure.isRefused ? BusStatus::Kind::kRefused : BusStatus::Kind::kConnecting;
   connectionProblem_ = failure.what();
   live_.reset();
-  ended.swap(session_);
+  ended.swap(connection_);
 }
 
 std::optional<NatsBusState::Job> NatsBusState::nextJob() {
@@ -161,20 +184,29 @@ void NatsBusState::finished(const Job& job, const SendResult& result) {
   const Change change(*this);
   sendProblem_ = result.problem;
   if (result.kind == SendResult::Kind::kFailed) {
-    if (live_ == job.session) live_.reset();
+    if (live_ == job.connection) live_.reset();
     return;
   }
   if (result.kind == SendResult::Kind::kRefused) {
     ++dropped_;
     lossProblem_ = "A message was not sent: " + result.problem;
     sendProblem_.clear();
+    return refuse(job.message.id);
   }
   if (outbox_.remove(job.message.id)) removeFileIfSent();
 }
 
-NatsBusState::Session NatsBusState::session() const {
+void NatsBusState::refuse(const std::string& id) {
+  if (auto content = outbox_.contentOf(id)) refused_.push_back(std::move(*content));
+  outbox_.remove(id);
+  removeFileIfSent();
+  // It would be sent again by the next run if this one did not come to its end.
+  if (fileIsThere_) writeUnsent(options_.unsentFile, outbox_.all());
+}
+
+NatsBusState::Connection NatsBusState::connection() const {
   const std::lock_guard<std::mutex> hold(mutex_);
-  return session_;
+  return connection_;
 }
 
 void NatsBusState::removeFileIfSent() {

@@ -14,8 +14,8 @@
 #include <vector>
 
 #include "lesson/bus.h"
+#include "lesson/lesson_connection.h"
 #include "lesson/nats_bus.h"
-#include "lesson/nats_session.h"
 #include "lesson/outbox.h"
 
 namespace whiteboard {
@@ -25,7 +25,7 @@ namespace whiteboard {
 /// Threads: all operations may be called from any thread, except where one is named.
 class NatsBusState {
  public:
-  using Session = std::shared_ptr<NatsSession>;
+  using Connection = std::shared_ptr<LessonConnection>;
 
   /// Reads the file of unsent messages.
   explicit NatsBusState(NatsBus::Options options);
@@ -35,6 +35,8 @@ class NatsBusState {
   // For the bus.
   void setNotify(Bus::Notify notify);
   void publish(const std::string& page, VelWhiteBoard::VectorPtr vector);
+  std::vector<OwnVector> unsentBefore() const;
+  std::vector<OwnVector> takeRefused();
   std::vector<Arrival> take(std::size_t atMost);
   BusStatus status();
   /// Waits until nothing is to be sent; not at all while sending is not possible.
@@ -49,7 +51,10 @@ class NatsBusState {
   /// Waits; tells whether to go on, as opposed to stop.
   bool pause(std::chrono::milliseconds time);
   /// There is a connection, which is closed when the bus stops.
-  void connected(const Session& session);
+  void connected(const Connection& connection);
+  /// Whether a stream is not what was there before, or has less, or is none: a server that has just
+  /// started, or a cluster without a leader, may say so for some seconds.
+  bool hasLost(const std::optional<StreamState>& stream) const;
   /// The lesson's stream has been found or made. Returns the sequence to begin at.
   std::uint64_t opened(const StreamState& stream);
   /// Whatever the lesson has is there: sending may begin.
@@ -63,14 +68,14 @@ class NatsBusState {
 
   // For the writer.
   struct Job {
-    Session session;
+    Connection connection;
     OutgoingMessage message;
   };
   /// Waits for something to send and for a connection to send it. None at the end.
   std::optional<Job> nextJob();
   void finished(const Job& job, const SendResult& result);
   /// The connection to be closed at the end; may be null.
-  Session session() const;
+  Connection connection() const;
 
  private:
   /// The lock of an operation that may change what `Notify` tells of. Tells when it goes.
@@ -78,6 +83,9 @@ class NatsBusState {
 
   /// When nothing of an earlier run waits any more, its file goes.
   void removeFileIfSent();
+  bool isLoss(const std::optional<StreamState>& stream) const;
+  /// The lesson never takes a message that waits.
+  void refuse(const std::string& id);
 
   const NatsBus::Options options_;
 
@@ -96,11 +104,12 @@ class NatsBusState {
   std::string lossProblem_;
   std::uint64_t last_ = 0;
   std::deque<Arrival> arrivals_;
+  std::vector<OwnVector> refused_;
   Outbox outbox_;
   bool fileIsThere_ = false;
-  Session session_;
-  /// `session_` while it may be used to send.
-  Session live_;
+  Connection connection_;
+  /// `connection_` while it may be used to send.
+  Connection live_;
 
   /// Held during each call of `notify_`.
   std::mutex notifyMutex_;

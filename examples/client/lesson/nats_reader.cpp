@@ -18,6 +18,9 @@ constexpr milliseconds kFirstPause{200};
 constexpr milliseconds kLongestPause{2000};
 /// After a connection that has worked for so long the pauses begin anew.
 constexpr std::chrono::seconds kGoodConnection{5};
+/// For so long a server that says that it has lost the lesson is asked again, and how often.
+constexpr std::chrono::seconds kLossIsBelieved{6};
+constexpr milliseconds kLossPause{300};
 /// How long it may take to notice that the bus stops.
 constexpr milliseconds kNextWait{100};
 
@@ -45,22 +48,31 @@ void NatsReader::run() {
 
 void NatsReader::serve() {
   const NatsBus::Options& options = state_.options();
-  const auto session = std::make_shared<NatsSession>(options.url, options.lesson, options.token);
-  state_.connected(session);
-  const StreamState stream = session->openStream(options.replicas);
+  const auto connection =
+      std::make_shared<LessonConnection>(options.url, options.lesson, options.token);
+  state_.connected(connection);
+  const StreamState stream = open(*connection);
   target_ = stream.messages == 0 ? 0 : stream.last;
   next_ = state_.opened(stream);
   isFirst_ = true;
-  session->subscribe(next_);
+  connection->subscribe(next_);
   while (!state_.isStopping()) {
     if (!isLive_ && next_ > target_) {
       isLive_ = true;
       liveSince_ = std::chrono::steady_clock::now();
       state_.caughtUp();
     }
-    if (const auto message = session->next(kNextWait)) receive(*message);
+    if (const auto message = connection->next(kNextWait)) receive(*message);
   }
-  session->close();
+  connection->close();
+}
+
+StreamState NatsReader::open(LessonConnection& connection) {
+  const auto deadline = std::chrono::steady_clock::now() + kLossIsBelieved;
+  while (state_.hasLost(connection.findStream()) && std::chrono::steady_clock::now() < deadline) {
+    if (!state_.pause(kLossPause)) break;
+  }
+  return connection.openStream(state_.options().replicas);
 }
 
 void NatsReader::receive(const ReceivedMessage& message) {

@@ -21,6 +21,8 @@ class NatsReader {
  private:
   /// One connection, from its beginning to the stop. @throws NatsFailure
   void serve();
+  /// Looks the stream up, or makes it. Asks again for some seconds when the lesson seems lost.
+  StreamState open(LessonConnection& connection);
   void receive(const ReceivedMessage& message);
 
   NatsBusState& state_;

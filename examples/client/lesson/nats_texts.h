@@ -3,7 +3,7 @@
 
 #include <nats/nats.h>
 
-#include "lesson/nats_session.h"
+#include "lesson/lesson_connection.h"
 
 namespace whiteboard {
 

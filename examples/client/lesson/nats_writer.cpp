@@ -12,13 +12,13 @@ void sendAll(NatsBusState& state) {
     const bool isTooLarge = job->message.text.size() > kMessageSizeLimit;
     const SendResult result =
         isTooLarge ? SendResult{SendResult::Kind::kRefused, "It is larger than a message may be."}
-                   : job->session->send(job->message);
+                   : job->connection->send(job->message);
     state.finished(*job, result);
     // The reader notices, and connects again: what the stream has is known then.
-    if (result.kind == SendResult::Kind::kFailed) job->session->close();
+    if (result.kind == SendResult::Kind::kFailed) job->connection->close();
   }
   // So that the reader need not wait for an answer.
-  if (const NatsBusState::Session session = state.session()) session->close();
+  if (const auto connection = state.connection()) connection->close();
   nats_ReleaseThreadMemory();
 }
 

@@ -34,7 +34,7 @@ bool Outbox::add(const std::string& page, VectorPtr vector) {
   if (!canBeSent(page, vector)) return false;
   if (!waiting_.empty()) {
     const Waiting& last = waiting_.back();
-    if (last.vector && last.page == page && joinPieces(*last.vector, *vector)) return true;
+    if (last.text.empty() && last.page == page && joinPieces(*last.vector, *vector)) return true;
   }
   waiting_.push_back({prefix_ + std::to_string(++count_), page, std::move(vector), {}, false});
   return true;
@@ -49,17 +49,39 @@ void Outbox::restore(OutgoingMessage message) {
 std::optional<OutgoingMessage> Outbox::next() {
   if (waiting_.empty()) return std::nullopt;
   Waiting& first = waiting_.front();
-  if (first.vector) {
-    first.text = encodeMessage(first.page, *first.vector);
-    first.vector.reset();
-  }
+  if (first.text.empty()) first.text = encodeMessage(first.page, *first.vector);
   return OutgoingMessage{first.id, first.text};
 }
 
-bool Outbox::remove(std::string_view id) {
+Outbox::Messages::const_iterator Outbox::find(std::string_view id) const {
   // Nearly always it is the first.
-  const auto found = std::find_if(waiting_.begin(), waiting_.end(),
-                                  [&](const Waiting& message) { return message.id == id; });
+  return std::find_if(waiting_.begin(), waiting_.end(),
+                      [&](const Waiting& message) { return message.id == id; });
+}
+
+std::optional<OwnVector> Outbox::contentOf(const Waiting& message) {
+  if (message.vector) return OwnVector{message.page, message.vector};
+  auto content = decodeMessage(message.text);
+  if (!content) return std::nullopt;
+  return OwnVector{std::move(content->page), std::move(content->vector)};
+}
+
+std::optional<OwnVector> Outbox::contentOf(std::string_view id) const {
+  const auto found = find(id);
+  return found == waiting_.end() ? std::nullopt : contentOf(*found);
+}
+
+std::vector<OwnVector> Outbox::restored() const {
+  std::vector<OwnVector> all;
+  for (const Waiting& message : waiting_) {
+    if (!message.isRestored) continue;
+    if (auto content = contentOf(message)) all.push_back(std::move(*content));
+  }
+  return all;
+}
+
+bool Outbox::remove(std::string_view id) {
+  const auto found = find(id);
   if (found == waiting_.end()) return false;
   if (found->isRestored) --restoredWaiting_;
   waiting_.erase(found);
@@ -74,8 +96,9 @@ std::vector<OutgoingMessage> Outbox::all() const {
   std::vector<OutgoingMessage> messages;
   messages.reserve(waiting_.size());
   for (const Waiting& message : waiting_) {
-    messages.push_back(
-        {message.id, message.vector ? encodeMessage(message.page, *message.vector) : message.text});
+    messages.push_back({message.id, message.text.empty()
+                                        ? encodeMessage(message.page, *message.vector)
+                                        : message.text});
   }
   return messages;
 }

@@ -11,6 +11,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "lesson/bus.h"
+
 namespace whiteboard {
 
 /// A message with an identifier of its own, by which the server knows it when it comes again.
@@ -37,6 +39,10 @@ class Outbox {
   /// The message to send now: the oldest. From here on nothing is joined to it, because the server
   /// may have it. The same again until it is removed. None when nothing waits.
   std::optional<OutgoingMessage> next();
+  /// What a message that waits holds; none when it does not wait.
+  std::optional<OwnVector> contentOf(std::string_view id) const;
+  /// What the messages of an earlier run that wait hold, oldest first.
+  std::vector<OwnVector> restored() const;
   /// Takes a message out; tells whether it was waiting.
   bool remove(std::string_view id);
 
@@ -54,15 +60,21 @@ class Outbox {
   struct Waiting {
     std::string id;
     std::string page;
-    /// Null when `text` is what is sent.
+    /// Null for a message of an earlier run.
     VelWhiteBoard::VectorPtr vector;
+    /// What is sent; empty while the vector may still grow.
     std::string text;
     bool isRestored = false;
   };
 
+  using Messages = std::deque<Waiting>;
+
+  Messages::const_iterator find(std::string_view id) const;
+  static std::optional<OwnVector> contentOf(const Waiting& message);
+
   std::string prefix_;
   std::uint64_t count_ = 0;
-  std::deque<Waiting> waiting_;
+  Messages waiting_;
   std::unordered_set<std::string> restored_;
   std::size_t restoredWaiting_ = 0;
 };

@@ -35,16 +35,29 @@ std::size_t apply(const vwb::VelWbBaseVector& change, vwb::VelWbBaseVector& show
   return moves || width != widthBefore ? 0 : before;
 }
 
+bool isRemove(const vwb::VelWbBaseVector& vector) {
+  return vector.type == vwb::VelWBVectorStrRemove;
+}
+
 }  // namespace
+
+OwnInk::Change OwnInk::showClear(const std::string& page, const std::string& ID) {
+  // What is under way on this page comes back before the clear.
+  std::erase_if(inks_,
+                [&](const auto& each) { return each.second.page == page && each.first != held_; });
+  clears_[page] = ID;
+  return {{}, 0, true};
+}
 
 OwnInk::Change OwnInk::show(const std::string& page, const vwb::VelWbBaseVector& change,
                             const vwb::VectorPtr& entry) {
   const std::string ID = targetOf(change);
   if (ID.empty()) return {};
+  if (change.type == vwb::VelWBVectorStrClear) return showClear(page, ID);
   Ink& ink = inks_[ID];
   const bool isNew = ink.page.empty();
   ink.page = page;
-  if (change.type == vwb::VelWBVectorStrRemove) {
+  if (isRemove(change)) {
     ink.shown = nullptr;
     return {ID, 0};
   }
@@ -63,14 +76,25 @@ OwnInk::Change OwnInk::show(const std::string& page, const vwb::VelWbBaseVector&
 
 void OwnInk::sent(const vwb::VelWbBaseVector& change) {
   const auto found = inks_.find(targetOf(change));
-  if (found != inks_.end()) found->second.sentTs = change.ts;
+  if (found == inks_.end()) return;
+  found->second.sentTs = change.ts;
+  found->second.isRemoveSent = isRemove(change);
 }
 
 OwnInk::Change OwnInk::received(const vwb::VelWbBaseVector& vector) {
   const std::string ID = targetOf(vector);
+  if (vector.type == vwb::VelWBVectorStrClear) {
+    const bool isLast =
+        std::erase_if(clears_, [&](const auto& each) { return each.second == ID; }) > 0;
+    return {{}, 0, isLast};
+  }
   const auto found = inks_.find(ID);
-  if (found == inks_.end() || vector.ts < found->second.sentTs) return {};
-  if (ID == held_) return {};
+  if (found == inks_.end() || ID == held_) return {};
+  // Something that was sent later is still under way. What is brought back after a remove has the
+  // timestamp that it had before.
+  const bool isLast =
+      vector.ts >= found->second.sentTs && isRemove(vector) == found->second.isRemoveSent;
+  if (!isLast) return {};
   inks_.erase(found);
   return {ID, 0};
 }
@@ -91,6 +115,19 @@ OwnInk::Change OwnInk::restore(const std::string& ID, const std::optional<Ink>& 
 
 OwnInk::Change OwnInk::forget(const std::string& ID) {
   return inks_.erase(ID) > 0 ? Change{ID, 0} : Change{};
+}
+
+vwb::VectorList OwnInk::over(const std::string& page, const vwb::VectorList& entries) const {
+  vwb::VectorList shown;
+  for (const vwb::VectorPtr& entry : entries) {
+    const Ink* ink = entry->ID ? find(*entry->ID) : nullptr;
+    const bool isCovered = ink != nullptr && ink->page == page;
+    if (!isCovered && !isCleared(page)) shown.push_back(entry);
+  }
+  for (const auto& [ID, ink] : inks_) {
+    if (ink.page == page && ink.shown) shown.push_back(ink.shown);
+  }
+  return shown;
 }
 
 const OwnInk::Ink* OwnInk::find(const std::string& ID) const {

@@ -32,7 +32,8 @@ std::string startClock(const std::string& user) {
 Session::Session(Board& board, std::unique_ptr<Bus> bus, Kind kind, const std::string& user)
     : board_(board), kind_(kind), session_(startClock(user)), undo_(user), bus_(std::move(bus)) {
   connect(&board_, &Board::changed, this,
-          [this](const vwb::ChangeReport& report) { undo_.take(report, board_.storage()); });
+          [this](const vwb::ChangeReport& report) { undo_.take(report); });
+  showUnsent();
   bus_->start([this] {
     if (isNotified_.exchange(true)) return;
     QMetaObject::invokeMethod(this, &Session::takeArrivals, Qt::QueuedConnection);
@@ -51,6 +52,7 @@ std::string Session::newIdentifier() {
 
 void Session::send(const vwb::VectorPtr& vector) {
   board_.inkSent(*vector);
+  undo_.sent(board_.pageKey(), *vector);
   bus_->publish(board_.pageKey(), vector->copyWithZone());
   // Alone, it has arrived already.
   kind_ == Kind::kAlone ? takeArrivals() : updateStatus();
@@ -69,7 +71,7 @@ void Session::remove(const std::string& ID) {
 }
 
 void Session::clearPage() {
-  send(vwb::VWBToolManager::genVectorWithType(vwb::VelWBVectorTypeClear, newIdentifier()));
+  draw(vwb::VWBToolManager::genVectorWithType(vwb::VelWBVectorTypeClear, newIdentifier()));
 }
 
 void Session::turnTo(const Board::PageNumber& page) {
@@ -103,12 +105,33 @@ void Session::setPenDown(bool down) {
 
 void Session::undo() {
   if (isPenDown_) return;
-  if (const vwb::VectorPtr vector = undo_.undo(board_.storage())) draw(vector);
+  const auto shown = [this](const std::string& ID) { return board_.shownEntry(ID); };
+  if (const vwb::VectorPtr vector = undo_.undo(board_.pageKey(), shown)) draw(vector);
 }
 
 void Session::redo() {
   if (isPenDown_) return;
-  if (const vwb::VectorPtr vector = undo_.redo(board_.storage())) draw(vector);
+  if (const vwb::VectorPtr vector = undo_.redo(board_.pageKey())) draw(vector);
+}
+
+void Session::showUnsent() {
+  for (const OwnVector& own : bus_->unsentBefore()) {
+    const auto page = vwb::VelWbVecSwitchPage::pageFromInfo(own.page);
+    const bool turns = own.vector->type == vwb::VelWBVectorStrSwitchPage;
+    if (!page || turns) continue;
+    board_.addPage({page->WBID, page->curPage});
+    board_.showInk(own.page, *own.vector);
+    board_.inkSent(*own.vector);
+  }
+}
+
+void Session::takeRefused() {
+  for (const OwnVector& own : bus_->takeRefused()) {
+    board_.inkReceived(*own.vector);
+    undo_.refused(own.page, *own.vector);
+    const bool turns = own.vector->type == vwb::VelWBVectorStrSwitchPage;
+    if (turns && turnsUnderWay_ > 0) --turnsUnderWay_;
+  }
 }
 
 void Session::takeArrivals() {
@@ -157,6 +180,7 @@ void Session::turnNow() {
 
 void Session::updateStatus() {
   status_ = bus_->status();
+  takeRefused();
   if (status_.created > 0 && !isPenDown_) {
     vwb::VelWbVectorManager::shareManager().setCreateTs(status_.created);
   }

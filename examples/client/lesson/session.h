@@ -15,7 +15,8 @@
 namespace whiteboard {
 
 /// Connects a board with the other participants: own vectors go to the bus and are shown as ink;
-/// what the bus hands out, own vectors included, is filed in its order.
+/// what the bus hands out, own vectors included, is filed in its order. What the lesson does not
+/// take is shown no longer.
 ///
 /// Threads: that of the windows.
 class Session : public QObject {
@@ -66,6 +67,10 @@ class Session : public QObject {
  private:
   void takeArrivals();
   void file(const Arrival& arrival);
+  /// Shows what an earlier run could not send.
+  void showUnsent();
+  /// Shows no longer what the lesson does not take.
+  void takeRefused();
   void turnAsOthers(const Board::Page& page, bool isOwn);
   void turnNow();
   void updateStatus();

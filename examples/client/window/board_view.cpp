@@ -1,11 +1,7 @@
 #include "window/board_view.h"
 
-#include <QKeyEvent>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
-#include <QTabletEvent>
-#include <QTouchEvent>
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -54,6 +50,7 @@ BoardView::BoardView(Board& board, QWidget* parent) : QWidget(parent), board_(bo
     scene_.takeInk(ID, firstNew, board_.ink(), board_.pageKey());
     updateStale();
   });
+  connect(&board_, &Board::inkOfPageChanged, this, &BoardView::takePage);
   connect(&board_, &Board::aboutToTurn, this, [this] {
     if (tool_ != nullptr) tool_->cancel();
   });
@@ -63,7 +60,7 @@ BoardView::BoardView(Board& board, QWidget* parent) : QWidget(parent), board_(bo
 void BoardView::setTool(Tool* tool) {
   if (tool_ != nullptr) tool_->cancel();
   tool_ = tool;
-  if (std::exchange(isDown_, false)) emit penDown(false);
+  setDown(Hand::kNone);
   setCursor(tool_ != nullptr ? tool_->cursor() : QCursor(Qt::ArrowCursor));
   update();
 }
@@ -212,123 +209,6 @@ void BoardView::paintLens(QPainter& painter) const {
   painter.setPen(QPen(QColor(0x3B, 0x6F, 0xD4), 3));
   painter.drawPath(frame);
   painter.restore();
-}
-
-// ---- Input ----
-
-void BoardView::beginMeasuring() {
-  if (isMeasuring_) return;
-  isMeasuring_ = true;
-  sinceInput_.start();
-}
-
-void BoardView::press(QPointF inView) {
-  if (tool_ == nullptr || isDown_) return;
-  beginMeasuring();
-  isDown_ = true;
-  emit penDown(true);
-  tool_->press(toBoard(inView));
-}
-
-void BoardView::move(QPointF inView) {
-  if (tool_ == nullptr) return;
-  beginMeasuring();
-  isDown_ ? tool_->move(toBoard(inView)) : tool_->hover(toBoard(inView));
-}
-
-void BoardView::release(QPointF inView) {
-  if (tool_ == nullptr || !std::exchange(isDown_, false)) return;
-  beginMeasuring();
-  tool_->release(toBoard(inView));
-  emit penDown(false);
-}
-
-void BoardView::mousePressEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) press(event->position());
-}
-
-void BoardView::mouseMoveEvent(QMouseEvent* event) {
-  // The button came up where this window did not hear of it.
-  if (isDown_ && !event->buttons().testFlag(Qt::LeftButton)) return release(event->position());
-  move(event->position());
-}
-
-void BoardView::mouseReleaseEvent(QMouseEvent* event) {
-  if (event->button() == Qt::LeftButton) release(event->position());
-}
-
-void BoardView::mouseDoubleClickEvent(QMouseEvent* event) {
-  if (tool_ == nullptr || isDown_ || event->button() != Qt::LeftButton) return;
-  isDown_ = true;
-  emit penDown(true);
-  tool_->doubleClick(toBoard(event->position()));
-}
-
-void BoardView::tabletEvent(QTabletEvent* event) {
-  switch (event->type()) {
-    case QEvent::TabletPress:
-      press(event->position());
-      break;
-    case QEvent::TabletMove:
-      move(event->position());
-      break;
-    case QEvent::TabletRelease:
-      release(event->position());
-      break;
-    default:
-      return event->ignore();
-  }
-  event->accept();
-}
-
-bool BoardView::touch(QTouchEvent& event) {
-  if (tool_ == nullptr || event.points().isEmpty()) return false;
-  // The first finger draws. Others change nothing.
-  if (event.type() == QEvent::TouchBegin) finger_ = event.points().first().id();
-  const QEventPoint* finger = event.pointById(finger_);
-  if (finger == nullptr) return true;
-  switch (event.type()) {
-    case QEvent::TouchBegin:
-      press(finger->position());
-      return true;
-    case QEvent::TouchUpdate:
-      if (!isDown_) return true;
-      if (finger->state() == QEventPoint::Released) {
-        release(finger->position());
-      } else {
-        move(finger->position());
-      }
-      return true;
-    case QEvent::TouchEnd:
-      release(finger->position());
-      return true;
-    default:
-      tool_->cancel();
-      if (std::exchange(isDown_, false)) emit penDown(false);
-      return true;
-  }
-}
-
-bool BoardView::event(QEvent* event) {
-  switch (event->type()) {
-    case QEvent::TouchBegin:
-    case QEvent::TouchUpdate:
-    case QEvent::TouchEnd:
-    case QEvent::TouchCancel:
-      if (touch(*static_cast<QTouchEvent*>(event))) {
-        event->accept();
-        return true;
-      }
-      break;
-    default:
-      break;
-  }
-  return QWidget::event(event);
-}
-
-void BoardView::keyPressEvent(QKeyEvent* event) {
-  if (tool_ != nullptr && tool_->key(*event)) return;
-  QWidget::keyPressEvent(event);
 }
 
 }  // namespace whiteboard

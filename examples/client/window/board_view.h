@@ -18,8 +18,8 @@
 namespace whiteboard {
 
 /// Shows the page of a board, 16:9 in the middle of its space, and hands mouse, pen and touch to
-/// the tool. Only what has changed is drawn again: the view keeps a picture of the entries, and
-/// clears and draws the rectangles that the scene names.
+/// the tool: to one of them at a time. Only what has changed is drawn again: the view keeps a
+/// picture of the entries, and clears and draws the rectangles that the scene names.
 class BoardView : public QWidget {
   Q_OBJECT
 
@@ -62,7 +62,10 @@ class BoardView : public QWidget {
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void tabletEvent(QTabletEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
   bool event(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   void takeReport(const VelWhiteBoard::ChangeReport& report);
@@ -72,17 +75,25 @@ class BoardView : public QWidget {
   void updateStale();
   void drawStale();
   void paintLens(QPainter& painter) const;
+  /// What the hand holds while it is down on the board.
+  enum class Hand { kNone, kMouse, kPen, kFinger };
+
   bool touch(QTouchEvent& event);
-  void press(QPointF inView);
-  void move(QPointF inView);
-  void release(QPointF inView);
+  void press(Hand hand, QPointF inView);
+  void move(Hand hand, QPointF inView);
+  void release(Hand hand, QPointF inView);
+  /// The hand is down no longer, without having come up here: a stroke ends where it is, anything
+  /// else is given up.
+  void interrupt();
+  void setDown(Hand hand);
   void beginMeasuring();
 
   Board& board_;
   Scene scene_;
   Tool* tool_ = nullptr;
-  bool isDown_ = false;
-  int finger_ = 0;  // that draws
+  Hand hand_ = Hand::kNone;  // that is down
+  int finger_ = 0;           // that draws
+  QElapsedTimer sincePen_;
   QRectF place_;
   QImage layer_;              // the entries, transparent where there is nothing
   std::vector<QRect> stale_;  // pixels of the layer that are to be drawn again

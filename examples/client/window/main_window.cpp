@@ -59,6 +59,7 @@ MainWindow::MainWindow(Session& session, bool isShared)
           [this](const Board::PageNumber& page) { session_.turnTo(page); });
   connect(&session_.board(), &Board::pagesChanged, this, &MainWindow::updateCommands);
   connect(&session_.board(), &Board::changed, this, &MainWindow::updateCommands);
+  connect(&session_, &Session::statusChanged, this, &MainWindow::updateCommands);
   updateCommands();
   view_->setFocus();
   resize(1180, 720);

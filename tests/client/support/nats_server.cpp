@@ -79,6 +79,12 @@ NatsServer::NatsServer(Options options) : port_(freePort()) {
   }
   if (!options.token.empty()) settings << "authorization { token: \"" << options.token << "\" }\n";
   if (options.maxPayload > 0) settings << "max_payload: " << options.maxPayload << "\n";
+  if (options.hasReader) {
+    settings
+        << "authorization { users: [ { user: writer, password: writer },\n"
+        << "{ user: reader, password: reader, permissions: { publish: { deny: \"lesson.>\" } } "
+           "} ] }\n";
+  }
   settings.close();
   start();
 }
@@ -107,6 +113,10 @@ void NatsServer::hang() {
 void NatsServer::resume() { ::kill(process_->id(), SIGCONT); }
 
 std::string NatsServer::url() const { return urlOf(port_); }
+
+std::string NatsServer::urlFor(const std::string& user) const {
+  return "nats://" + user + ":" + user + "@127.0.0.1:" + std::to_string(port_);
+}
 
 SilentServer::SilentServer() : socket_(boundSocket()) { ::listen(socket_, 10); }
 

@@ -17,10 +17,13 @@ class NatsServer {
  public:
   struct Options {
     /// Empty: everybody is let in.
-    std::string token;
+    std::string token = {};
     /// The longest message, in bytes; 0: the server's own limit.
     int maxPayload = 0;
     bool hasJetStream = true;
+    /// Whether there are two users in place of the token: `writer`, and `reader`, who may not send
+    /// to lessons. The name is the password.
+    bool hasReader = false;
   };
 
   /// Starts it, and returns when it accepts connections.
@@ -40,6 +43,8 @@ class NatsServer {
   void resume();
 
   std::string url() const;
+  /// The address for a user.
+  std::string urlFor(const std::string& user) const;
 
  private:
   std::uint16_t port_;

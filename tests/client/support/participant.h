@@ -76,6 +76,16 @@ class Participant {
     return eventually([&] { return status().unsent == 0; });
   }
 
+  /// Waits until so many own vectors have been refused; their identifiers, in order.
+  std::vector<std::string> refused(std::size_t count) {
+    std::vector<std::string> all;
+    eventually([&] {
+      for (const OwnVector& own : bus_->takeRefused()) all.push_back(own.vector->ID.value());
+      return all.size() >= count;
+    });
+    return all;
+  }
+
   const std::vector<Arrival>& arrivals() const { return arrivals_; }
   /// The identifiers of the vectors, in the order of arrival.
   std::vector<std::string> IDs() const {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <nats/nats.h>
 
@@ -25,10 +26,20 @@ class RawStream {
   /// Makes the stream of the lesson "maths". Messages may be removed from it.
   /// @throws std::runtime_error
   RawStream(const std::string& url, Limits limits);
+  /// The stream that is there.
+  /// @throws std::runtime_error
+  explicit RawStream(const std::string& url);
 
   /// Stores a message. Returns its place in the stream; 0 when the server knows the identifier.
   std::uint64_t store(const std::string& id, const std::string& text);
   void remove(std::uint64_t sequence);
+
+  /// The names of those that the server serves the stream to.
+  std::vector<std::string> consumers();
+  /// How often the server gives such a one a sign of life, in seconds.
+  double heartbeatOf(const std::string& consumer);
+  /// Serves it no longer, and does not tell it.
+  void removeConsumer(const std::string& consumer);
 
  private:
   std::unique_ptr<natsConnection, decltype(&natsConnection_Destroy)> connection_;

@@ -4,6 +4,7 @@
 
 #include <QPoint>
 #include <QTest>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,10 +27,9 @@ class Someone {
   /// With a board of this computer only.
   explicit Someone(const std::string& folder)
       : Someone(folder, std::make_unique<LocalBus>(1000.0), Session::Kind::kAlone, "alone") {}
-  /// In a lesson.
+  /// In a lesson. What is unsent at the end is kept in the folder.
   Someone(const std::string& name, const std::string& folder, const std::string& url)
-      : Someone(folder, std::make_unique<NatsBus>(NatsBus::Options{url, "maths", "", ""}),
-                Session::Kind::kShared, name) {}
+      : Someone(folder, lessonBus(folder, url), Session::Kind::kShared, name) {}
   ~Someone() { window_.reset(); }
 
   Board& board() { return board_; }
@@ -69,6 +69,10 @@ class Someone {
   bool isSettled() const { return session_->status().unsent == 0 && board_.ink().inks().empty(); }
 
  private:
+  static std::unique_ptr<Bus> lessonBus(const std::string& folder, const std::string& url) {
+    std::filesystem::create_directories(folder);
+    return std::make_unique<NatsBus>(NatsBus::Options{url, "maths", "", folder + "/unsent"});
+  }
   Someone(const std::string& folder, std::unique_ptr<Bus> bus, Session::Kind kind,
           const std::string& user)
       : board_(folder),

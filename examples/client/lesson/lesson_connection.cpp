@@ -1,4 +1,4 @@
-#include "lesson/nats_session.h"
+#include "lesson/lesson_connection.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -17,21 +17,22 @@ constexpr double kNanosecond = 1e-9;
 constexpr std::int64_t kConnectWait = 5000;
 constexpr std::int64_t kRequestWait = 2000;
 constexpr std::int64_t kSendWait = 2000;
+/// A server does not answer one who may not send, it only reports; after that, others are not
+/// waited for that long.
+constexpr std::int64_t kForbiddenWait = 300;
 /// How many bytes a millisecond the slowest supported connection carries.
 constexpr std::int64_t kSlowestRate = 32;
 /// A connection on which nothing comes back for three of these is given up. Milliseconds.
 constexpr std::int64_t kPingInterval = 2000;
 constexpr int kPingsOut = 2;
+/// A server gives a sign of life so often when it has nothing to send. Nanoseconds.
+constexpr std::int64_t kHeartbeat = 1'000'000'000;
 /// A write that makes no progress for so long fails. Milliseconds.
 constexpr std::int64_t kWriteWait = 40000;
 
 void require(natsStatus status, const char* what, jsErrCode code = jsErrCode(0)) {
   if (status != NATS_OK) throw failureOf(status, code, what);
 }
-
-/// Without a handler the library writes asynchronous errors to the standard error output. They are
-/// not needed: each shows in the call that waits for what does not come.
-void ignoreError(natsConnection*, natsSubscription*, natsStatus, void*) {}
 
 using OptionsOwner = std::unique_ptr<natsOptions, decltype(&natsOptions_Destroy)>;
 
@@ -43,7 +44,8 @@ std::vector<std::string> partsOf(const std::string& list) {
   return parts;
 }
 
-OptionsOwner optionsFor(const std::string& url, const std::string& token) {
+OptionsOwner optionsFor(const std::string& url, const std::string& token,
+                        ConnectionAlarms& alarms) {
   natsOptions* made = nullptr;
   require(natsOptions_Create(&made), "prepare a connection");
   OptionsOwner options(made, &natsOptions_Destroy);
@@ -60,7 +62,7 @@ OptionsOwner optionsFor(const std::string& url, const std::string& token) {
   set(natsOptions_SetPingInterval(made, kPingInterval));
   set(natsOptions_SetMaxPingsOut(made, kPingsOut));
   set(natsOptions_SetWriteDeadline(made, kWriteWait));
-  set(natsOptions_SetErrorHandler(made, &ignoreError, nullptr));
+  set(alarms.watch(made));
   return options;
 }
 
@@ -77,6 +79,14 @@ jsStreamConfig configOf(const char* stream, const char** subject, int replicas) 
   config.DenyDelete = true;
   config.DenyPurge = true;
   return config;
+}
+
+/// What the server says, which is destroyed.
+StreamState takeState(jsStreamInfo* info) {
+  const StreamState state{static_cast<double>(info->Created) * kNanosecond, info->State.LastSeq,
+                          info->State.Msgs};
+  jsStreamInfo_Destroy(info);
+  return state;
 }
 
 }  // namespace
@@ -101,10 +111,10 @@ std::string_view ReceivedMessage::text() const {
   return {natsMsg_GetData(message_.get()), static_cast<std::size_t>(size)};
 }
 
-NatsSession::NatsSession(const std::string& url, const std::string& lesson,
-                         const std::string& token)
-    : stream_("lesson-" + lesson), subject_("lesson." + lesson) {
-  const OptionsOwner options = optionsFor(url, token);
+LessonConnection::LessonConnection(const std::string& url, const std::string& lesson,
+                                   const std::string& token)
+    : stream_("lesson-" + lesson), subject_("lesson." + lesson), alarms_(subject_) {
+  const OptionsOwner options = optionsFor(url, token, alarms_);
   natsConnection* connection = nullptr;
   require(natsConnection_Connect(&connection, options.get()), "connect");
   connection_.reset(connection);
@@ -117,33 +127,38 @@ NatsSession::NatsSession(const std::string& url, const std::string& lesson,
 }
 
 // A subscription to an open connection would ask the server to remove it, and wait.
-NatsSession::~NatsSession() { close(); }
+LessonConnection::~LessonConnection() { close(); }
 
-StreamState NatsSession::openStream(int replicas) {
+std::optional<StreamState> LessonConnection::findStream() {
   jsStreamInfo* info = nullptr;
   auto code = jsErrCode(0);
-  natsStatus status = js_GetStreamInfo(&info, jetStream_.get(), stream_.c_str(), nullptr, &code);
-  if (status == NATS_NOT_FOUND || code == JSStreamNotFoundErr) {
-    code = jsErrCode(0);
-    const char* subject = subject_.c_str();
-    jsStreamConfig config = configOf(stream_.c_str(), &subject, replicas);
-    // Two who do so at once both succeed.
-    status = js_AddStream(&info, jetStream_.get(), &config, nullptr, &code);
-  }
+  const natsStatus status =
+      js_GetStreamInfo(&info, jetStream_.get(), stream_.c_str(), nullptr, &code);
+  if (status == NATS_NOT_FOUND || code == JSStreamNotFoundErr) return std::nullopt;
   require(status, "open the lesson", code);
-  const StreamState state{static_cast<double>(info->Created) * kNanosecond, info->State.LastSeq,
-                          info->State.Msgs};
-  jsStreamInfo_Destroy(info);
-  return state;
+  return takeState(info);
 }
 
-void NatsSession::subscribe(std::uint64_t from) {
+StreamState LessonConnection::openStream(int replicas) {
+  if (const auto found = findStream()) return *found;
+  jsStreamInfo* info = nullptr;
+  auto code = jsErrCode(0);
+  const char* subject = subject_.c_str();
+  jsStreamConfig config = configOf(stream_.c_str(), &subject, replicas);
+  // Two who do so at once both succeed.
+  const natsStatus status = js_AddStream(&info, jetStream_.get(), &config, nullptr, &code);
+  require(status, "open the lesson", code);
+  return takeState(info);
+}
+
+void LessonConnection::subscribe(std::uint64_t from) {
   jsSubOptions options;
   jsSubOptions_Init(&options);
   options.Stream = stream_.c_str();
   options.Ordered = true;
   options.Config.DeliverPolicy = js_DeliverByStartSequence;
   options.Config.OptStartSeq = from;
+  options.Config.Heartbeat = kHeartbeat;
   natsSubscription* subscription = nullptr;
   auto code = jsErrCode(0);
   require(
@@ -152,15 +167,19 @@ void NatsSession::subscribe(std::uint64_t from) {
   subscription_.reset(subscription);
 }
 
-std::optional<ReceivedMessage> NatsSession::next(std::chrono::milliseconds atMost) {
+std::optional<ReceivedMessage> LessonConnection::next(std::chrono::milliseconds atMost) {
   natsMsg* message = nullptr;
   const natsStatus status = natsSubscription_NextMsg(&message, subscription_.get(), atMost.count());
+  if (alarms_.isSilent()) {
+    natsMsg_Destroy(message);
+    throw failureOf(NATS_TIMEOUT, jsErrCode(0), "receive the lesson");
+  }
   if (status == NATS_TIMEOUT) return std::nullopt;
   require(status, "receive the lesson");
   return ReceivedMessage(message);
 }
 
-SendResult NatsSession::send(const OutgoingMessage& message) {
+SendResult LessonConnection::send(const OutgoingMessage& message) {
   natsMsg* made = nullptr;
   natsStatus status = natsMsg_Create(&made, subject_.c_str(), nullptr, message.text.data(),
                                      static_cast<int>(message.text.size()));
@@ -169,17 +188,23 @@ SendResult NatsSession::send(const OutgoingMessage& message) {
   jsPubOptions options;
   jsPubOptions_Init(&options);
   options.MsgId = message.id.c_str();
-  options.MaxWait = kSendWait + static_cast<std::int64_t>(message.text.size()) / kSlowestRate;
+  options.MaxWait = (mayNotSend_ ? kForbiddenWait : kSendWait) +
+                    static_cast<std::int64_t>(message.text.size()) / kSlowestRate;
   auto code = jsErrCode(0);
+  alarms_.takeForbidden();
   status = js_PublishMsg(nullptr, jetStream_.get(), made, &options, &code);
+  mayNotSend_ = status == NATS_TIMEOUT && alarms_.takeForbidden();
   if (status == NATS_OK) return {SendResult::Kind::kSent, {}};
+  if (mayNotSend_) {
+    return {SendResult::Kind::kRefused, "The server does not let this participant write."};
+  }
   const bool isTooLarge = status == NATS_MAX_PAYLOAD || code == JSStreamMessageExceedsMaximumErr;
-  const bool isForGood = isTooLarge || code == JSBadRequestErr;
+  const bool isForGood = isTooLarge || code == JSBadRequestErr || code == JSStreamSealedErr;
   return {isForGood ? SendResult::Kind::kRefused : SendResult::Kind::kFailed,
           isTooLarge ? "The server does not take messages of this size."
                      : failureOf(status, code, "send").what()};
 }
 
-void NatsSession::close() { natsConnection_Close(connection_.get()); }
+void LessonConnection::close() { natsConnection_Close(connection_.get()); }
 
 }  // namespace whiteboard

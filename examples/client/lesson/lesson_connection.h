@@ -11,6 +11,7 @@
 
 #include <nats/nats.h>
 
+#include "lesson/connection_alarms.h"
 #include "lesson/outbox.h"
 
 namespace whiteboard {
@@ -77,18 +78,21 @@ struct SendResult {
 ///
 /// Threads: `subscribe` and `next` are for one thread, `send` for one, which may be another;
 /// `close` for any. `close` makes the others end, with an error.
-class NatsSession {
+class LessonConnection {
  public:
   /// Connects. May take seconds, much longer when names are resolved slowly.
   /// @param url one or more, as `NatsBus::Options` has it.
   /// @param token empty for none.
   /// @throws NatsFailure
-  NatsSession(const std::string& url, const std::string& lesson, const std::string& token);
+  LessonConnection(const std::string& url, const std::string& lesson, const std::string& token);
   /// Closes. May wait for a `send` under way to notice.
-  ~NatsSession();
-  NatsSession(const NatsSession&) = delete;
-  NatsSession& operator=(const NatsSession&) = delete;
+  ~LessonConnection();
+  LessonConnection(const LessonConnection&) = delete;
+  LessonConnection& operator=(const LessonConnection&) = delete;
 
+  /// Looks up the lesson's stream; none when the server has none.
+  /// @throws NatsFailure
+  std::optional<StreamState> findStream();
   /// Looks up the lesson's stream, and makes it if there is none, on so many servers.
   /// @throws NatsFailure
   StreamState openStream(int replicas = 1);
@@ -96,7 +100,8 @@ class NatsSession {
   /// @throws NatsFailure
   void subscribe(std::uint64_t from);
   /// The next message; none when there was none for that long.
-  /// @throws NatsFailure
+  /// @throws NatsFailure also when the server has given no sign of life for 2 to 4 seconds: what
+  /// served the subscription may have been on a server that is gone.
   std::optional<ReceivedMessage> next(std::chrono::milliseconds atMost);
   /// Sends a message and waits until the stream has it.
   SendResult send(const OutgoingMessage& message);
@@ -112,6 +117,9 @@ class NatsSession {
 
   std::string stream_;
   std::string subject_;
+  ConnectionAlarms alarms_;
+  /// For the thread that sends.
+  bool mayNotSend_ = false;
   // Destroyed from the last to the first.
   Owner<natsConnection, natsConnection_Destroy> connection_;
   Owner<jsCtx, jsCtx_Destroy> jetStream_;
