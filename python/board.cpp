@@ -40,8 +40,6 @@ struct Board::Failures {
   std::mutex mutex;
   std::set<std::string> paths;
   vwb::WriteObserver observer;
-  /// Kept as long as a write waits, so that the end of the interpreter can wait for it.
-  std::shared_ptr<vwb::OperationQueue> queue;
 
   void take(const vwb::WriteReport& report) {
     vwb::WriteObserver next;
@@ -63,8 +61,7 @@ Board::Board(const std::string& path) : path_(path), failures_(std::make_shared<
   storage_ = vwb::VWBVectorStorage::initWithPath(path);
   storage_->setWriteObserver(
       [failures = failures_](const vwb::WriteReport& report) { failures->take(report); });
-  failures_->queue = storage_->saveQueue();
-  addOpenQueue(failures_->queue);
+  addOpenQueue(storage_->saveQueue());
 }
 
 std::shared_ptr<Board> Board::open(const std::string& path) {

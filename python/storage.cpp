@@ -45,7 +45,7 @@ BoardPtr openExisting(const py::object& path) {
   const std::string name = fileName(path);
   BoardPtr board = released([&] { return Board::openExisting(name); });
   if (!board) {
-    PyErr_SetString(PyExc_FileNotFoundError, ("there is no board below " + name).c_str());
+    PyErr_SetObject(PyExc_FileNotFoundError, toPython("there is no board below " + name).ptr());
     throw py::error_already_set();
   }
   return board;

@@ -304,6 +304,17 @@ time.sleep(0.3)
         assert velwhiteboard.pages(tmp_path / str(number))
 
 
+def test_the_interpreter_waits_for_an_observer_that_a_daemon_thread_calls(run_python, tmp_path):
+    result = run_python(BEGIN + """
+storage = opened(sys.argv[1])
+began = threading.Event()
+storage.set_change_observer(lambda report: (began.set(), time.sleep(0.5), print("told", flush=True)))
+threading.Thread(target=lambda: storage.save_vector(stroke(1)), daemon=True).start()
+began.wait()
+""", tmp_path)
+    assert (result.returncode, result.stdout, result.stderr) == (0, "told\n", "")
+
+
 def test_storages_may_be_used_by_the_last_functions_of_the_interpreter(run_python, tmp_path):
     result = run_python("""
 import atexit
