@@ -21,7 +21,7 @@ std::shared_ptr<VelWbVecSwitchPage> read(std::string_view info) {
   return VelWbVecSwitchPage::pageFromInfo(info);
 }
 
-VelWbVecSwitchPage page(std::int64_t WBID, std::uint64_t curPage) {
+VelWbVecSwitchPage pageWith(std::int64_t WBID, std::uint64_t curPage) {
   VelWbVecSwitchPage result;
   result.WBID = WBID;
   result.curPage = curPage;
