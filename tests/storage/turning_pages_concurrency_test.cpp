@@ -23,7 +23,7 @@ namespace VelWhiteBoard {
 namespace {
 
 /// Many, so that hardly one is written again by a later visit.
-constexpr std::uint64_t kPages = 1000;
+constexpr std::uint64_t kTurnedPages = 1000;
 constexpr int kVectorsOfABatch = 200;
 
 int vectorCount() {
@@ -64,7 +64,8 @@ class TurningPages : public ::testing::Test {
         return;
       }
       for (std::uint64_t turn = 1; !isOver; ++turn) {
-        storage_->switchPage(page(1, 1 + turn % kPages, 2));  // one visit in the list of pages
+        storage_->switchPage(
+            page(1, 1 + turn % kTurnedPages, 2));  // one visit in the list of pages
       }
     });
     storage_->saveFile(true);

@@ -21,7 +21,7 @@ std::shared_ptr<VelWbVecSwitchPage> read(std::string_view info) {
   return VelWbVecSwitchPage::pageFromInfo(info);
 }
 
-VelWbVecSwitchPage page(std::int64_t WBID, std::uint64_t curPage) {
+VelWbVecSwitchPage pageWith(std::int64_t WBID, std::uint64_t curPage) {
   VelWbVecSwitchPage result;
   result.WBID = WBID;
   result.curPage = curPage;
@@ -48,7 +48,7 @@ TEST(PageFromInfo, IsANewSwitchPageWithNothingElseSet) {
 TEST(PageFromInfo, TakesTheEndsOfBothRanges) {
   for (const std::int64_t WBID : {std::int64_t{0}, std::int64_t{-1}, INT64_MIN, INT64_MAX}) {
     for (const std::uint64_t curPage : {std::uint64_t{0}, std::uint64_t{1}, UINT64_MAX}) {
-      const std::string key = page(WBID, curPage).pageInfo();
+      const std::string key = pageWith(WBID, curPage).pageInfo();
       const auto found = read(key);
       ASSERT_NE(found, nullptr) << key;
       EXPECT_EQ(found->WBID, WBID) << key;
@@ -117,7 +117,7 @@ TEST(PageFromInfo, InvertsThePageKeyOfAnyPage) {
     // Numbers of every length: 64 random bits alone would nearly always have the full one.
     const auto WBID = std::bit_cast<std::int64_t>(engine()) >> engine() % 64;
     const std::uint64_t curPage = engine() >> engine() % 64;
-    const std::string key = page(WBID, curPage).pageInfo();
+    const std::string key = pageWith(WBID, curPage).pageInfo();
     const auto found = read(key);
     ASSERT_NE(found, nullptr) << key;
     ASSERT_EQ(found->WBID, WBID);

@@ -18,7 +18,7 @@
 namespace VelWhiteBoard {
 namespace {
 
-std::vector<int> upTo(int count) {
+std::vector<int> numbersUpTo(int count) {
   std::vector<int> numbers(static_cast<std::size_t>(count));
   std::iota(numbers.begin(), numbers.end(), 0);
   return numbers;
@@ -64,7 +64,7 @@ TEST(OperationQueueLimits, TakesACountBelowOneAsOne) {
     std::vector<int> order;
     for (int i = 0; i < 1000; ++i) queue.addOperationWithBlock([&, i] { order.push_back(i); });
     queue.waitUntilAllOperationsAreFinished();
-    EXPECT_EQ(order, upTo(1000)) << count;
+    EXPECT_EQ(order, numbersUpTo(1000)) << count;
   }
 }
 
@@ -176,7 +176,7 @@ TEST(OperationQueueLimits, TenThousandQueuesKeepTheirOrder) {
     }
   }
   for (OperationQueue& queue : queues) queue.waitUntilAllOperationsAreFinished();
-  EXPECT_EQ(std::count(orders.begin(), orders.end(), upTo(kOperations)), 10'000);
+  EXPECT_EQ(std::count(orders.begin(), orders.end(), numbersUpTo(kOperations)), 10'000);
 }
 
 TEST(OperationQueueLimits, OperationsOfManyQueuesMayWaitForOneQueueThatHasYetToRun) {

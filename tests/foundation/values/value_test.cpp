@@ -14,7 +14,7 @@ namespace VelWhiteBoard {
 namespace {
 
 /// `depth` arrays inside one another.
-Value nested(std::size_t depth) {
+Value nestedArrays(std::size_t depth) {
   Value value = Array();
   for (std::size_t level = 1; level < depth; ++level) {
     Array outer;
@@ -112,14 +112,14 @@ TEST(Value, TheHashOfANumberIgnoresTheSignOfZeroAndTheKindOfNaN) {
 TEST(Value, NestingIsTooDeepOneLevelAboveTheBound) {
   EXPECT_FALSE(nestsTooDeep(nullptr));
   EXPECT_FALSE(nestsTooDeep(5));
-  EXPECT_FALSE(nestsTooDeep(nested(1)));
-  EXPECT_FALSE(nestsTooDeep(nested(kMaximumValueDepth)));
-  EXPECT_TRUE(nestsTooDeep(nested(kMaximumValueDepth + 1)));
-  EXPECT_TRUE(nestsTooDeep(Dictionary{{"a", 1}, {"b", nested(kMaximumValueDepth)}}));
-  EXPECT_FALSE(nestsTooDeep(Dictionary{{"a", 1}, {"b", nested(kMaximumValueDepth - 1)}}));
+  EXPECT_FALSE(nestsTooDeep(nestedArrays(1)));
+  EXPECT_FALSE(nestsTooDeep(nestedArrays(kMaximumValueDepth)));
+  EXPECT_TRUE(nestsTooDeep(nestedArrays(kMaximumValueDepth + 1)));
+  EXPECT_TRUE(nestsTooDeep(Dictionary{{"a", 1}, {"b", nestedArrays(kMaximumValueDepth)}}));
+  EXPECT_FALSE(nestsTooDeep(Dictionary{{"a", 1}, {"b", nestedArrays(kMaximumValueDepth - 1)}}));
 }
 
-TEST(Value, MeasuringTheNestingCostsNoStack) { EXPECT_TRUE(nestsTooDeep(nested(1000000))); }
+TEST(Value, MeasuringTheNestingCostsNoStack) { EXPECT_TRUE(nestsTooDeep(nestedArrays(1000000))); }
 
 TEST(Value, MuchThatIsSideBySideIsNotDeep) {
   Array wide(100000, Value(Array{Array{1, 2}, Dictionary{{"a", Array{}}}}));
