@@ -53,7 +53,7 @@ class VELWHITEBOARD_EXPORT VWBPathManager {
   /// A sub-folder that `createFolderWithSuffix` puts between the directory and the suffix; no
   /// sub-folder when empty, as initially. Nothing else uses it.
   std::string rootFolder() const;
-  /// @see rootFolder
+  /// Stores any text; no folder is made.
   void setRootFolder(const std::string& rootFolder);
 
   /// The user's documents directory as of the last `initConfigure`; "" when there is none.

@@ -80,28 +80,28 @@ class VELWHITEBOARD_EXPORT VelWbVectorManager {
 
   /// When the lesson was created, seconds since 1970-01-01: the origin of identifiers. Initially 0.
   double createTs() const;
-  /// @see createTs
+  /// Stores any value. Takes no semaphore.
   void setCreateTs(double createTs);
 
   /// The server's time at the last synchronisation, seconds. Initially 0.
   double serverTs() const;
-  /// @see serverTs
+  /// Stores any value. Takes no semaphore.
   void setServerTs(double serverTs);
 
   /// The local clock's reading at the last synchronisation, seconds. Initially 0.
   double localTs() const;
-  /// @see localTs
+  /// Stores any value. Takes no semaphore.
   void setLocalTs(double localTs);
 
   /// The local user, the beginning of each generated identifier. Initially absent; an empty one
   /// gives the same identifiers as an absent one.
   std::optional<std::string> userID() const;
-  /// @see userID
+  /// Stores any text, for identifiers from here on. Takes no semaphore.
   void setUserID(const std::optional<std::string>& userID);
 
   /// Whether the lesson's clock runs, which decides how `genTs` computes. Initially false.
   bool isRunning() const;
-  /// @see isRunning
+  /// Starts or stops the clock; the three times stay. Takes no semaphore.
   void setIsRunning(bool isRunning);
 
  private:

@@ -208,7 +208,7 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
 
   /// While true, vectors are dropped and page switches are not recorded; true at first.
   bool ignoreChanges() const;
-  /// For what is saved from here on.
+  /// Whether what is saved from here on is dropped.
   void setIgnoreChanges(bool ignore);
 
   /// Whether a vector was accepted on the current page. Only then does `saveFile` queue a write,
@@ -220,8 +220,8 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
 
   /// The board's folder.
   std::string folder() const;
-  /// Where a page's files are looked for when it is next read or made current; nothing is moved.
-  /// `pageFile`, `wholeFile` and `snapFile` stay.
+  /// From here on a page's files are looked for there when it is read or made current. Nothing is
+  /// moved; `pageFile`, `wholeFile` and `snapFile` stay.
   void setFolder(const std::string& path);
 
   /// The file of the visited pages.
@@ -231,18 +231,18 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
 
   /// The file of the current page's whole list; none before the first switch.
   std::optional<std::string> wholeFile() const;
-  /// For saves of the current page, up to the next switch; an absent path: not written.
+  /// Up to the next switch the whole list is saved there; with an absent path it is not saved.
   void setWholeFile(const std::optional<std::string>& path);
 
   /// The file of the current page's snap list; none before the first switch.
   std::optional<std::string> snapFile() const;
-  /// For saves of the current page, up to the next switch; an absent path: not written.
+  /// Up to the next switch the snap list is saved there; with an absent path it is not saved.
   void setSnapFile(const std::optional<std::string>& path);
 
   /// The pages visited, oldest first. What "page.plist" holds of each is the record as it was when
   /// a switch was recorded last.
   std::vector<SwitchPagePtr> pageArray() const;
-  /// Writes no file; the next recorded switch does.
+  /// Replaces the list in memory; the next switch that is recorded writes it.
   void setPageArray(const std::vector<SwitchPagePtr>& pages);
 
   /// The cached whole lists.
@@ -257,13 +257,13 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
 
   /// The entries of the current page's snap list, by identifier.
   std::unordered_map<std::string, VectorPtr> snapQuery() const;
-  /// The snap list itself stays.
+  /// Replaces what entries are found by; the snap list itself stays.
   void setSnapQuery(const std::unordered_map<std::string, VectorPtr>& query);
 
   /// Keys of pages that `hasVectorsWithPage` takes to have files. The library never adds one;
   /// `clearPage` and `reload` take them out.
   std::vector<std::string> pageCacheList() const;
-  /// Any texts; nothing is read.
+  /// Stores any texts and reads no file.
   void setPageCacheList(const std::vector<std::string>& keys);
 
   /// When a save of the current page was last queued, timed or forced. `reload` and `clear` make it
@@ -274,7 +274,7 @@ class VELWHITEBOARD_EXPORT VWBVectorStorage {
 
   /// Runs every write and deletion of files, one at a time.
   std::shared_ptr<OperationQueue> saveQueue() const;
-  /// For writes that are queued from here on; those of the old queue stay there.
+  /// Writes are queued there from here on; those of the old queue stay in it.
   void setSaveQueue(std::shared_ptr<OperationQueue> queue);
 
   /// The lock of the operations that change the board.

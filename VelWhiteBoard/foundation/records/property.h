@@ -97,42 +97,42 @@ struct PropertyKindOf;
 /// A text.
 template <>
 struct PropertyKindOf<std::optional<std::string>> {
-  static constexpr PropertyKind value = PropertyKind::text;  ///< The kind.
+  static constexpr PropertyKind value = PropertyKind::text;  ///< A `string` in a file.
 };
 /// A real number.
 template <>
 struct PropertyKindOf<double> {
-  static constexpr PropertyKind value = PropertyKind::real;  ///< The kind.
+  static constexpr PropertyKind value = PropertyKind::real;  ///< A `real` in a file.
 };
 /// A signed integer of 64 bits.
 template <>
 struct PropertyKindOf<std::int64_t> {
-  static constexpr PropertyKind value = PropertyKind::signedInteger;  ///< The kind.
+  static constexpr PropertyKind value = PropertyKind::signedInteger;  ///< An `integer` in a file.
 };
 /// An unsigned integer of 64 bits.
 template <>
 struct PropertyKindOf<std::uint64_t> {
-  static constexpr PropertyKind value = PropertyKind::unsignedInteger;  ///< The kind.
+  static constexpr PropertyKind value = PropertyKind::unsignedInteger;  ///< An `integer` in a file.
 };
 /// A boolean.
 template <>
 struct PropertyKindOf<bool> {
-  static constexpr PropertyKind value = PropertyKind::boolean;  ///< The kind.
+  static constexpr PropertyKind value = PropertyKind::boolean;  ///< `true` or `false` in a file.
 };
 /// The positions of a stroke.
 template <>
 struct PropertyKindOf<std::optional<Path>> {
-  static constexpr PropertyKind value = PropertyKind::path;  ///< The kind.
+  static constexpr PropertyKind value = PropertyKind::path;  ///< `array` of `array` in a file.
 };
 /// An array of any values.
 template <>
 struct PropertyKindOf<std::optional<Array>> {
-  static constexpr PropertyKind value = PropertyKind::array;  ///< The kind.
+  static constexpr PropertyKind value = PropertyKind::array;  ///< An `array` in a file.
 };
 /// A list of records.
 template <class T>
 struct PropertyKindOf<std::optional<std::vector<std::shared_ptr<T>>>> {
-  static constexpr PropertyKind value = PropertyKind::records;  ///< The kind.
+  static constexpr PropertyKind value = PropertyKind::records;  ///< `array` of `dict` in a file.
   using Element = T;                                            ///< The class of the elements.
 };
 
