@@ -31,7 +31,10 @@ PROGRAMS = ("board-check", "lesson", "whiteboard")
 
 
 def output_of(*command, **options):
-    return subprocess.run(command, check=True, capture_output=True, text=True, timeout=600, **options).stdout
+    done = subprocess.run(command, capture_output=True, text=True, timeout=600, **options)
+    if done.returncode != 0:
+        raise AssertionError(f"{' '.join(map(str, command))}: {done.returncode}\n{done.stdout}{done.stderr}")
+    return done.stdout
 
 
 ARCHITECTURE = output_of("dpkg", "--print-architecture").strip()
@@ -122,6 +125,11 @@ class Contents(unittest.TestCase):
         self.assertEqual(package, f"* Build-Depends-Package: {DEVELOPMENT}")
         listed = dict(line.strip().split("@Base ") for line in lines)
         self.assertEqual(set(listed.values()), {f"{INTERFACE}.0"})
+        with tempfile.TemporaryDirectory() as folder:
+            output_of("dpkg-deb", "--extract", PACKAGES[RUNTIME], folder)
+            library = pathlib.Path(folder) / LIBRARIES / f"libVelWhiteBoard.so.{VERSION}"
+            rows = output_of("nm", "--dynamic", "--defined-only", library).splitlines()
+        self.assertEqual(set(listed), {row.split()[2] for row in rows})
         names = output_of("c++filt", input="\n".join(listed)).splitlines()
         shown = {check_symbols.shortened(name) for mangled, name in zip(listed, names)
                  if not check_symbols.OF_THE_STANDARD_LIBRARY.match(mangled)}
@@ -141,7 +149,7 @@ class Installed(unittest.TestCase):
         cls.work = pathlib.Path(folder.name)
         cls.libraries = cls.root.folder / LIBRARIES
         cls.environment = {**os.environ, "LD_LIBRARY_PATH": str(cls.libraries), "QT_QPA_PLATFORM": "offscreen",
-                           "XDG_CONFIG_HOME": folder.name, "XDG_DATA_HOME": folder.name}
+                           "TMPDIR": folder.name, "XDG_CONFIG_HOME": folder.name, "XDG_DATA_HOME": folder.name}
 
     def run_program(self, name, *arguments):
         return output_of(self.root.folder / "usr/bin" / name, *arguments, env=self.environment)
@@ -208,7 +216,7 @@ class Installed(unittest.TestCase):
             self.build(HERE.parent / "consumer", f"component-{kind}", f"-DEXPECTED_KIND={kind}",
                        f"-DCOMPONENTS={kind}", build=False)
         for wrong in ("shared;static", "other"):
-            with self.assertRaises(subprocess.CalledProcessError):
+            with self.assertRaises(AssertionError):
                 self.build(HERE.parent / "consumer", "component-wrong", "-DEXPECTED_KIND=static",
                            f"-DCOMPONENTS={wrong}", build=False)
 
