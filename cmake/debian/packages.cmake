@@ -1,9 +1,10 @@
-# Three Debian packages of the install components, made by `cpack -G DEB`: the shared library, what a
-# compiler needs, and the programs. scripts/package does all of it.
-if(NOT VELWHITEBOARD_BUILD_BOTH OR NOT VELWHITEBOARD_BUILD_EXAMPLES OR NOT VELWHITEBOARD_INSTALL)
-  message(FATAL_ERROR "VELWHITEBOARD_DEBIAN needs VELWHITEBOARD_BUILD_BOTH, VELWHITEBOARD_BUILD_EXAMPLES and "
-    "VELWHITEBOARD_INSTALL; the preset package sets them")
-endif()
+# Debian packages of the install components, made by `cpack -G DEB`: the shared library, what a compiler
+# needs, the programs, and the Python module. scripts/package does all of it.
+foreach(option IN ITEMS BUILD_BOTH BUILD_EXAMPLES BUILD_PYTHON INSTALL)
+  if(NOT VELWHITEBOARD_${option})
+    message(FATAL_ERROR "VELWHITEBOARD_DEBIAN needs VELWHITEBOARD_${option}; the preset package sets it")
+  endif()
+endforeach()
 set(nobody "The VelWhiteBoard developers <velwhiteboard@localhost>")
 set(VELWHITEBOARD_MAINTAINER "${nobody}" CACHE STRING
   "Who answers for the packages, as Debian's field Maintainer has it; whoever publishes them sets it")
@@ -14,6 +15,7 @@ set(interface_version "${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}")
 set(runtime_package "libvelwhiteboard${interface_version}")
 set(development_package libvelwhiteboard-dev)
 set(tools_package velwhiteboard-tools)
+set(python_package python3-velwhiteboard)
 
 # The time of everything in the packages, in seconds: the same sources give the same packages.
 if(DEFINED ENV{SOURCE_DATE_EPOCH})
@@ -44,7 +46,7 @@ add_custom_target(velwhiteboard_symbols ALL DEPENDS "${made}/symbols")
 
 # Documents, and overrides of what lintian says with a reason for each, for each package.
 configure_file("${here}/changelog.in" "${made}/changelog" @ONLY)
-foreach(component IN ITEMS Runtime Development Tools)
+foreach(component IN ITEMS Runtime Development Tools Python)
   string(TOLOWER "${component}" lower)
   set(package "${${lower}_package}")
   set(documents "${CMAKE_INSTALL_DATADIR}/doc/${package}")
@@ -87,12 +89,20 @@ set(CPACK_PACKAGE_DIRECTORY "${PROJECT_BINARY_DIR}")
 set(CPACK_PACKAGING_INSTALL_PREFIX "${CMAKE_INSTALL_PREFIX}")
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_COMPONENTS_ALL VelWhiteBoard_Runtime VelWhiteBoard_Development VelWhiteBoard_Tools)
+set(CPACK_COMPONENTS_ALL
+  VelWhiteBoard_Runtime VelWhiteBoard_Development VelWhiteBoard_Tools VelWhiteBoard_Python)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_GROUPING IGNORE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# The module uses the interface of one version of Python.
+get_target_property(python_version _velwhiteboard VELWHITEBOARD_PYTHON_VERSION)
+string(REGEX MATCH "^([0-9]+)\\.([0-9]+)" ignored "${python_version}")
+math(EXPR next_minor "${CMAKE_MATCH_2} + 1")
+set(python_dependencies "python3 (>= ${CMAKE_MATCH_1}.${CMAKE_MATCH_2}), \
+python3 (<< ${CMAKE_MATCH_1}.${next_minor}), ${runtime_package} (= ${PROJECT_VERSION})")
+get_target_property(library_dir VelWhiteBoard BINARY_DIR)
 # What cpack itself leaves to others: see there.
 configure_file("${here}/staging.cmake.in" "${made}/staging.cmake" @ONLY)
 set(CPACK_PRE_BUILD_SCRIPTS "${made}/staging.cmake")
@@ -128,7 +138,6 @@ static library, the files for CMake\nand pkg-config, and the sources of examples
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_NAME "${tools_package}")
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_SECTION education)
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_SHLIBDEPS ON)
-get_target_property(library_dir VelWhiteBoard BINARY_DIR)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${library_dir}")
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_DEPENDS "${runtime_package} (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_PACKAGE_RECOMMENDS fonts-dejavu-core)
@@ -141,5 +150,11 @@ if(TARGET whiteboard)
 endif()
 set(CPACK_DEBIAN_VELWHITEBOARD_TOOLS_DESCRIPTION
   "programs for the boards of a teaching whiteboard\n${about}${programs}\n")
+
+set(CPACK_DEBIAN_VELWHITEBOARD_PYTHON_PACKAGE_NAME "${python_package}")
+set(CPACK_DEBIAN_VELWHITEBOARD_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_VELWHITEBOARD_PYTHON_DESCRIPTION
+  "boards of a teaching whiteboard - Python module\n${about}This package holds a Python module that reads, \
+records and replays boards.\n")
 
 include(CPack)

@@ -27,6 +27,7 @@ FOLDER = pathlib.Path(sys.argv[1]).resolve()
 VERSION = re.search(r"^ *VERSION (\S+)$", (PROJECT / "CMakeLists.txt").read_text(encoding="utf-8"), re.M)[1]
 INTERFACE = VERSION.rpartition(".")[0]
 RUNTIME, DEVELOPMENT, TOOLS = f"libvelwhiteboard{INTERFACE}", "libvelwhiteboard-dev", "velwhiteboard-tools"
+PYTHON = "python3-velwhiteboard"
 PROGRAMS = ("board-check", "lesson", "whiteboard")
 
 
@@ -39,7 +40,11 @@ def output_of(*command, **options):
 
 ARCHITECTURE = output_of("dpkg", "--print-architecture").strip()
 LIBRARIES = "usr/lib/" + output_of("dpkg-architecture", "-qDEB_HOST_MULTIARCH").strip()
-PACKAGES = {name: FOLDER / f"{name}_{VERSION}_{ARCHITECTURE}.deb" for name in (RUNTIME, DEVELOPMENT, TOOLS)}
+PACKAGES = {name: FOLDER / f"{name}_{VERSION}_{ARCHITECTURE}.deb" for name in (RUNTIME, DEVELOPMENT, TOOLS, PYTHON)}
+
+MODULE = "usr/lib/python3/dist-packages/velwhiteboard"
+EXTENSION = "_velwhiteboard" + output_of(
+    "/usr/bin/python3", "-c", "import sysconfig; print(sysconfig.get_config_var('EXT_SUFFIX'), end='')")
 
 
 def documents_of(name):
@@ -68,6 +73,8 @@ EXPECTED = {
         name.format(program) for program in PROGRAMS for name in (
             "usr/bin/{}", "usr/share/man/man1/{}.1.gz", "usr/share/bash-completion/completions/{}")} | {
         "usr/share/applications/whiteboard.desktop", "usr/share/icons/hicolor/scalable/apps/whiteboard.svg"},
+    PYTHON: documents_of(PYTHON) | {
+        f"{MODULE}/{name}" for name in ("__init__.py", "__init__.pyi", "py.typed", EXTENSION)},
 }
 EXAMPLES = f"usr/share/doc/{DEVELOPMENT}/examples"
 
@@ -76,7 +83,7 @@ class Contents(unittest.TestCase):
     def control_file(self, name):
         return output_of("dpkg-deb", "--info", PACKAGES[RUNTIME], name)
 
-    def test_there_are_three_packages(self):
+    def test_there_are_these_packages(self):
         self.assertEqual(sorted(FOLDER.glob("*.deb")), sorted(PACKAGES.values()))
 
     def test_the_fields(self):
@@ -88,7 +95,8 @@ class Contents(unittest.TestCase):
         self.assertIn("libexpat1", names_in(field(PACKAGES[RUNTIME], "Depends")))
         exactly = f"{RUNTIME} (= {VERSION})"
         for name, others in ((DEVELOPMENT, {"nlohmann-json3-dev", "libsimdjson-dev", "libexpat1-dev"}),
-                             (TOOLS, {"libc6", "libcairo2", "libnats3.4", "libqt6widgets6", "libqt6svg6"})):
+                             (TOOLS, {"libc6", "libcairo2", "libnats3.4", "libqt6widgets6", "libqt6svg6"}),
+                             (PYTHON, {"python3", "libc6"})):
             depends = field(PACKAGES[name], "Depends")
             self.assertIn(exactly, depends)
             self.assertLessEqual(others, names_in(depends))
@@ -137,7 +145,7 @@ class Contents(unittest.TestCase):
 
 
 class Installed(unittest.TestCase):
-    """All three packages in one root."""
+    """All packages in one root."""
 
     @classmethod
     def setUpClass(cls):
@@ -167,6 +175,7 @@ class Installed(unittest.TestCase):
 
     def test_the_programs_and_the_library_are_stripped_and_hardened(self):
         for file in (self.libraries / f"libVelWhiteBoard.so.{VERSION}",
+                     self.root.folder / MODULE / EXTENSION,
                      *(self.root.folder / "usr/bin" / name for name in PROGRAMS)):
             with self.subTest(file=file.name):
                 sections = output_of("readelf", "--wide", "--sections", file)
@@ -186,6 +195,17 @@ class Installed(unittest.TestCase):
         self.run_program("lesson", lesson, "--board", board, "--png", self.work / "pictures")
         self.assertTrue(list((self.work / "pictures").glob("*.png")))
         self.run_program("board-check", board)
+
+    def test_python_finds_the_module(self):
+        lesson = self.root.folder / EXAMPLES / "lesson/data/second_lesson.ndjson"
+        board = self.work / "board-for-python"
+        self.run_program("lesson", lesson, "--board", board)
+        environment = {**self.environment, "PYTHONPATH": str((self.root.folder / MODULE).parent)}
+        python = ("/usr/bin/python3", "-B")
+        version = output_of(*python, "-c", "import velwhiteboard; print(velwhiteboard.__version__)", env=environment)
+        self.assertEqual(version.strip(), VERSION)
+        counts = output_of(*python, self.root.folder / EXAMPLES / "python/who_drew_what.py", board, env=environment)
+        self.assertRegex(counts, r"(?m)^\S+ +line +\d+$")
 
     def test_the_menu_entry(self):
         share = self.root.folder / "usr/share"
@@ -247,7 +267,7 @@ class Removal(unittest.TestCase):
         self.assertGreater(len(self.root.files()), len(self.before) + 50)
         self.root.dpkg("--verify", *PACKAGES)
         self.assertNotEqual(self.root.dpkg("--remove", RUNTIME, check=False).returncode, 0)
-        self.root.dpkg("--remove", DEVELOPMENT, TOOLS)
+        self.root.dpkg("--remove", DEVELOPMENT, TOOLS, PYTHON)
         self.assertEqual(self.root.ldconfig_calls(), [])
         self.root.dpkg("--purge", *PACKAGES)
         self.assertIn("triggered ldconfig", self.root.ldconfig_calls())
