@@ -91,7 +91,9 @@ NatsBus::Options natsOptions(const Options& options, const std::string& unsentFi
 int runReplay(const Options& options) {
   ReadRecording read;
   if (options.replay.isEmpty()) {
-    NatsBus bus(natsOptions(options, {}));
+    NatsBus::Options server = natsOptions(options, {});
+    server.makesLesson = false;
+    NatsBus bus(std::move(server));
     read = recordLesson(bus, kHistorySeconds);
   } else {
     read = readRecording(options.replay.toStdString());

@@ -166,10 +166,11 @@ TEST(NatsTrouble, DoesNotBelieveALossThatPasses) {
   EXPECT_FALSE(state.hasLost(stream));
   EXPECT_TRUE(state.hasLost(std::nullopt));
   EXPECT_TRUE(state.hasLost(StreamState{1000, 4, 4}));
-  EXPECT_TRUE(state.hasLost(StreamState{1001, 5, 5}));
+  EXPECT_FALSE(state.hasLost(StreamState{1000.5, 5, 5})) << "servers of a cluster differ";
+  EXPECT_TRUE(state.hasLost(StreamState{2000, 5, 5}));
   EXPECT_EQ(state.opened(stream), 6U);
   EXPECT_EQ(state.status().problem, "");
-  EXPECT_EQ(state.opened(StreamState{1001, 5, 5}), 1U);
+  EXPECT_EQ(state.opened(StreamState{2000, 5, 5}), 1U);
   EXPECT_THAT(state.status().problem, HasSubstr("has lost"));
 }
 

@@ -66,6 +66,13 @@ void Scene::remove(Shapes::iterator shape) {
   }
 }
 
+/// An entry that stands twice has changed in both places.
+void Scene::updateAll(const vwb::VectorPtr& entry, std::size_t firstNew) {
+  for (const auto& each : shapes_) {
+    if (each->vector() == entry) each->update(firstNew);
+  }
+}
+
 void Scene::take(const vwb::EntryChange& change) {
   if (change.kind == Kind::kCleared) {
     for (const auto& shape : shapes_) addStale(*shape);
@@ -83,7 +90,11 @@ void Scene::take(const vwb::EntryChange& change) {
   Shape* const shape = shapeOf(change.entry);
   if (shape == nullptr) return;
   if (change.kind == Kind::kExtended) {
-    shape->update(change.firstNew);
+    if (byEntry_.size() == shapes_.size()) {
+      shape->update(change.firstNew);
+    } else {
+      updateAll(change.entry, change.firstNew);
+    }
     if (!isHidden(*shape)) addStale(shape->boundsFrom(change.firstNew, size_));
     return;
   }
@@ -92,10 +103,7 @@ void Scene::take(const vwb::EntryChange& change) {
     const auto place = find(change.entry, true);
     std::rotate(place, std::next(place), shapes_.end());
   }
-  // An entry that stands twice has changed in both places.
-  for (const auto& each : shapes_) {
-    if (each->vector() == change.entry) each->update();
-  }
+  updateAll(change.entry, 0);
   addStale(*shape);
 }
 

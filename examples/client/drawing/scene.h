@@ -58,6 +58,7 @@ class Scene {
   Shape* shapeOf(const VelWhiteBoard::VectorPtr& entry) const;
   void add(const VelWhiteBoard::VectorPtr& entry);
   Shapes::iterator find(const VelWhiteBoard::VectorPtr& entry, bool isLast);
+  void updateAll(const VelWhiteBoard::VectorPtr& entry, std::size_t firstNew);
   void remove(Shapes::iterator shape);
   template <class Visitor>
   bool anyFromTop(const Visitor& visitor) const;

@@ -12,7 +12,7 @@ namespace whiteboard {
 
 /// A vector that the lesson has, with its place in the lesson's one order.
 struct Arrival {
-  /// Counts from 1 in every lesson, without gaps.
+  /// Counts from 1 in every lesson, without gaps; 0 for what is only shown.
   std::uint64_t sequence = 0;
   /// When the sequencer took it, seconds since 1970-01-01.
   double time = 0;
@@ -35,7 +35,8 @@ struct BusStatus {
     kConnecting,  ///< not connected; goes on trying
     kCatchingUp,  ///< connected; vectors that were missed are arriving
     kLive,        ///< connected; whatever the lesson has, has been handed out or waits in `take`
-    kRefused,     ///< the server does not let this participant in; goes on trying
+    kRefused,     ///< the server does not let this participant in, or has no such lesson; goes on
+                  ///< trying
   };
   Kind kind = Kind::kConnecting;
   /// What went wrong, for a person; empty when nothing did.
@@ -70,6 +71,10 @@ class Bus {
   /// sent when there is a connection again, in the order in which it was given. Pieces of a stroke
   /// that wait one behind the other may be joined.
   virtual void publish(const std::string& page, VelWhiteBoard::VectorPtr vector) = 0;
+  /// Shows a vector to all who take part now, this participant included. It has no place in the
+  /// order and is not kept: whoever joins later does not get it, and without a connection it is
+  /// lost. Of several that wait only the last one is sent.
+  virtual void show(const std::string& page, VelWhiteBoard::VectorPtr vector) = 0;
   /// What an earlier run of the program could not send, and this one will, oldest first. To be
   /// asked before `start`.
   virtual std::vector<OwnVector> unsentBefore() { return {}; }

@@ -81,6 +81,20 @@ jsStreamConfig configOf(const char* stream, const char** subject, int replicas) 
   return config;
 }
 
+/// What waits to be taken of what is shown; more is dropped.
+constexpr int kMostShown = 256;
+constexpr int kMostShownBytes = 4'000'000;
+
+using Taking = std::function<void(std::string_view text)>;
+
+void giveText(natsConnection*, natsSubscription*, natsMsg* message, void* taking) {
+  const int size = std::max(natsMsg_GetDataLength(message), 0);
+  (*static_cast<Taking*>(taking))({natsMsg_GetData(message), static_cast<std::size_t>(size)});
+  natsMsg_Destroy(message);
+}
+
+void endTaking(void* taking) { const std::unique_ptr<Taking> owner(static_cast<Taking*>(taking)); }
+
 /// What the server says, which is destroyed.
 StreamState takeState(jsStreamInfo* info) {
   const StreamState state{static_cast<double>(info->Created) * kNanosecond, info->State.LastSeq,
@@ -113,7 +127,10 @@ std::string_view ReceivedMessage::text() const {
 
 LessonConnection::LessonConnection(const std::string& url, const std::string& lesson,
                                    const std::string& token)
-    : stream_("lesson-" + lesson), subject_("lesson." + lesson), alarms_(subject_) {
+    : stream_("lesson-" + lesson),
+      subject_("lesson." + lesson),
+      shownSubject_(subject_ + ".now"),
+      alarms_(subject_) {
   const OptionsOwner options = optionsFor(url, token, alarms_);
   natsConnection* connection = nullptr;
   require(natsConnection_Connect(&connection, options.get()), "connect");
@@ -155,7 +172,13 @@ void LessonConnection::subscribe(std::uint64_t from) {
   jsSubOptions options;
   jsSubOptions_Init(&options);
   options.Stream = stream_.c_str();
-  options.Ordered = true;
+  // Not the library's ordered consumer: that one is made anew on a thread of its own, also while
+  // the connection is given up. The reader sees by the sequences when something is missing.
+  options.Config.AckPolicy = js_AckNone;
+  options.Config.MaxDeliver = 1;
+  options.Config.FlowControl = true;
+  options.Config.MemoryStorage = true;
+  options.Config.Replicas = 1;
   options.Config.DeliverPolicy = js_DeliverByStartSequence;
   options.Config.OptStartSeq = from;
   options.Config.Heartbeat = kHeartbeat;
@@ -165,6 +188,25 @@ void LessonConnection::subscribe(std::uint64_t from) {
       js_SubscribeSync(&subscription, jetStream_.get(), subject_.c_str(), nullptr, &options, &code),
       "receive the lesson", code);
   subscription_.reset(subscription);
+}
+
+void LessonConnection::listen(std::function<void(std::string_view text)> take) {
+  auto taking = std::make_unique<Taking>(std::move(take));
+  natsSubscription* subscription = nullptr;
+  require(natsConnection_Subscribe(&subscription, connection_.get(), shownSubject_.c_str(),
+                                   &giveText, taking.get()),
+          "receive the lesson");
+  shown_.reset(subscription);
+  // The library calls until the subscription has ended, and then once more to say so.
+  require(natsSubscription_SetOnCompleteCB(subscription, &endTaking, taking.get()),
+          "receive the lesson");
+  taking.release();
+  natsSubscription_SetPendingLimits(subscription, kMostShown, kMostShownBytes);
+}
+
+void LessonConnection::show(const std::string& text) {
+  natsConnection_Publish(connection_.get(), shownSubject_.c_str(), text.data(),
+                         static_cast<int>(text.size()));
 }
 
 std::optional<ReceivedMessage> LessonConnection::next(std::chrono::milliseconds atMost) {

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -103,6 +104,13 @@ class LessonConnection {
   /// @throws NatsFailure also when the server has given no sign of life for 2 to 4 seconds: what
   /// served the subscription may have been on a server that is gone.
   std::optional<ReceivedMessage> next(std::chrono::milliseconds atMost);
+  /// From here on `take` is told of the text of each message that somebody shows, on a thread of
+  /// the connection, and for a moment after its end. Once only.
+  /// @throws NatsFailure
+  void listen(std::function<void(std::string_view text)> take);
+  /// Shows a message to all who listen; it is lost when that does not work. For the thread that
+  /// sends.
+  void show(const std::string& text);
   /// Sends a message and waits until the stream has it.
   SendResult send(const OutgoingMessage& message);
   void close();
@@ -117,6 +125,8 @@ class LessonConnection {
 
   std::string stream_;
   std::string subject_;
+  /// Of what is shown and not kept.
+  std::string shownSubject_;
   ConnectionAlarms alarms_;
   /// For the thread that sends.
   bool mayNotSend_ = false;
@@ -124,6 +134,7 @@ class LessonConnection {
   Owner<natsConnection, natsConnection_Destroy> connection_;
   Owner<jsCtx, jsCtx_Destroy> jetStream_;
   Owner<natsSubscription, natsSubscription_Destroy> subscription_;
+  Owner<natsSubscription, natsSubscription_Destroy> shown_;
 };
 
 }  // namespace whiteboard

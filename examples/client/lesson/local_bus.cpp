@@ -47,6 +47,19 @@ void LocalBus::publish(const std::string& page, VelWhiteBoard::VectorPtr vector)
   if (notify) notify();
 }
 
+void LocalBus::show(const std::string& page, VelWhiteBoard::VectorPtr vector) {
+  if (!canBeSent(page, vector)) return;
+  auto message = decodeMessage(encodeMessage(page, *vector));
+  if (!message) return;
+  Notify notify;
+  {
+    const std::lock_guard<std::mutex> hold(mutex_);
+    arrivals_.push_back({0, now(), true, std::move(message->page), std::move(message->vector)});
+    notify = notify_;
+  }
+  if (notify) notify();
+}
+
 std::vector<OwnVector> LocalBus::takeRefused() {
   const std::lock_guard<std::mutex> hold(mutex_);
   return std::exchange(refused_, {});

@@ -19,6 +19,7 @@ class LocalBus : public Bus {
 
   void start(Notify notify) override;
   void publish(const std::string& page, VelWhiteBoard::VectorPtr vector) override;
+  void show(const std::string& page, VelWhiteBoard::VectorPtr vector) override;
   std::vector<OwnVector> takeRefused() override;
   std::vector<Arrival> take(std::size_t atMost) override;
   BusStatus status() const override;

@@ -10,6 +10,10 @@ bool canBeSent(const std::string& page, const VectorPtr& vector) {
   return vector && vector->ID && VelWbVecSwitchPage::pageFromInfo(page);
 }
 
+bool isPassing(const VelWbBaseVector& vector) {
+  return vector.type == VelWBVectorStrCursor || vector.type == VelWBVectorStrMagnifier;
+}
+
 std::string encodeMessage(const std::string& page, const VelWbBaseVector& vector) {
   std::string text = page + '\n';
   appendJSON(vector, text);

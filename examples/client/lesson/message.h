@@ -21,6 +21,10 @@ struct Message {
 /// Whether others will accept the vector: the page is the key of one, and the vector has an `ID`.
 bool canBeSent(const std::string& page, const VelWhiteBoard::VectorPtr& vector);
 
+/// Whether a vector only says where somebody points: a pointer or a magnifier. It is shown, and is
+/// not kept.
+bool isPassing(const VelWhiteBoard::VelWbBaseVector& vector);
+
 /// The text of a message: the page key, a line feed, the vector as JSON. Its size is not limited
 /// here.
 std::string encodeMessage(const std::string& page, const VelWhiteBoard::VelWbBaseVector& vector);

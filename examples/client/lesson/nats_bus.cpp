@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "lesson/lesson_name.h"
+#include "lesson/message.h"
 #include "lesson/nats_bus_state.h"
 #include "lesson/nats_reader.h"
 #include "lesson/nats_writer.h"
@@ -57,6 +58,10 @@ void NatsBus::start(Notify notify) {
 
 void NatsBus::publish(const std::string& page, VelWhiteBoard::VectorPtr vector) {
   state_->publish(page, std::move(vector));
+}
+
+void NatsBus::show(const std::string& page, VelWhiteBoard::VectorPtr vector) {
+  if (canBeSent(page, vector)) state_->show(encodeMessage(page, *vector));
 }
 
 std::vector<OwnVector> NatsBus::unsentBefore() { return state_->unsentBefore(); }

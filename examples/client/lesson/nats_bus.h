@@ -16,7 +16,8 @@ class NatsBusState;
 
 /// A lesson in a stream of a NATS server with JetStream: the stream is the lesson's one order, and
 /// keeps it. The lesson NAME is the stream `lesson-NAME` with the subject `lesson.NAME`; the first
-/// participant makes it.
+/// participant makes it. What is only shown goes over the subject `lesson.NAME.now`, which no
+/// stream keeps.
 ///
 /// A thread connects, again and again, and receives; another one sends, a message at a time, as
 /// long as everything that the lesson has been handed out. Each message has an identifier, so what
@@ -43,6 +44,9 @@ class NatsBus : public Bus {
     /// How many servers of a cluster keep the lesson: 1, 3 or 5. It counts when the lesson is made;
     /// a server that is alone makes a lesson with 1 only.
     int replicas = 1;
+    /// Whether a lesson that the server does not have is made. Otherwise the status is `kRefused`,
+    /// and `problem` says that there is none.
+    bool makesLesson = true;
   };
 
   /// @throws std::invalid_argument for a name that no lesson may have.
@@ -53,6 +57,7 @@ class NatsBus : public Bus {
 
   void start(Notify notify) override;
   void publish(const std::string& page, VelWhiteBoard::VectorPtr vector) override;
+  void show(const std::string& page, VelWhiteBoard::VectorPtr vector) override;
   std::vector<OwnVector> unsentBefore() override;
   std::vector<OwnVector> takeRefused() override;
   /// `Notify` is not called again before `take` or `status` has been called: take until there is

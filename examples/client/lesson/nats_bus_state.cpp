@@ -1,11 +1,16 @@
 #include "lesson/nats_bus_state.h"
 
+#include <cmath>
 #include <utility>
 
 #include "lesson/inbox.h"
+#include "lesson/message.h"
 #include "lesson/unsent_file.h"
 
 namespace whiteboard {
+
+/// The servers of a cluster may differ so much about when a lesson was made, in seconds.
+constexpr double kSameCreation = 10;
 
 class NatsBusState::Change {
  public:
@@ -45,6 +50,13 @@ void NatsBusState::publish(const std::string& page, VelWhiteBoard::VectorPtr vec
     ++dropped_;
     if (vector) refused_.push_back({page, std::move(vector)});
   }
+  changed_.notify_all();
+}
+
+void NatsBusState::show(std::string text) {
+  const std::lock_guard<std::mutex> hold(mutex_);
+  if (!live_) return;
+  toShow_ = std::move(text);
   changed_.notify_all();
 }
 
@@ -120,16 +132,17 @@ bool NatsBusState::hasLost(const std::optional<StreamState>& stream) const {
 
 bool NatsBusState::isLoss(const std::optional<StreamState>& stream) const {
   if (created_ == 0) return false;
-  return !stream || stream->created != created_ || stream->last < last_;
+  return !stream || std::abs(stream->created - created_) > kSameCreation || stream->last < last_;
 }
 
 std::uint64_t NatsBusState::opened(const StreamState& stream) {
   const Change change(*this);
   if (isLoss(stream)) {
     last_ = 0;
+    created_ = 0;
     lossProblem_ = "The server has lost what it had of this lesson, or a part of it.";
   }
-  created_ = stream.created;
+  if (created_ == 0) created_ = stream.created;
   kind_ = BusStatus::Kind::kCatchingUp;
   connectionProblem_.clear();
   return last_ + 1;
@@ -156,6 +169,21 @@ void NatsBusState::arrived(Arrival arrival, std::string_view id) {
   }
 }
 
+void NatsBusState::shown(std::string_view text) {
+  auto content = decodeMessage(text);
+  if (!content) return;
+  const Change change(*this);
+  if (kind_ != BusStatus::Kind::kLive) return;
+  Arrival arrival;
+  arrival.page = std::move(content->page);
+  arrival.vector = std::move(content->vector);
+  // Only the last position counts.
+  const bool isNext = !arrivals_.empty() && arrivals_.back().sequence == 0 &&
+                      arrivals_.back().vector->ID == arrival.vector->ID;
+  if (isNext) arrivals_.pop_back();
+  arrivals_.push_back(std::move(arrival));
+}
+
 void NatsBusState::missing() {
   const Change change(*this);
   lossProblem_ = "A part of this lesson is missing on the server.";
@@ -168,13 +196,16 @@ void NatsBusState::lost(const NatsFailure& failure) {
   kind_ = failure.isRefused ? BusStatus::Kind::kRefused : BusStatus::Kind::kConnecting;
   connectionProblem_ = failure.what();
   live_.reset();
+  toShow_.clear();
   ended.swap(connection_);
 }
 
 std::optional<NatsBusState::Job> NatsBusState::nextJob() {
   std::unique_lock<std::mutex> hold(mutex_);
-  changed_.wait(hold, [this] { return isStopping_ || (live_ && !outbox_.empty()); });
+  changed_.wait(
+      hold, [this] { return isStopping_ || (live_ && (!outbox_.empty() || !toShow_.empty())); });
   if (isStopping_) return std::nullopt;
+  if (!toShow_.empty()) return Job{live_, {{}, std::exchange(toShow_, {})}, true};
   auto message = outbox_.next();
   if (!message) return std::nullopt;
   return Job{live_, std::move(*message)};

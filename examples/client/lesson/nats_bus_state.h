@@ -23,7 +23,7 @@ namespace whiteboard {
 /// The arrivals, the outbox and the status of a NatsBus.
 ///
 /// Threads: all operations may be called from any thread, except where one is named.
-class NatsBusState {
+class NatsBusState : public std::enable_shared_from_this<NatsBusState> {
  public:
   using Connection = std::shared_ptr<LessonConnection>;
 
@@ -35,6 +35,8 @@ class NatsBusState {
   // For the bus.
   void setNotify(Bus::Notify notify);
   void publish(const std::string& page, VelWhiteBoard::VectorPtr vector);
+  /// Sends the text of a message without keeping it, in place of the one that waits.
+  void show(std::string text);
   std::vector<OwnVector> unsentBefore() const;
   std::vector<OwnVector> takeRefused();
   std::vector<Arrival> take(std::size_t atMost);
@@ -61,6 +63,8 @@ class NatsBusState {
   void caughtUp();
   /// A message of the stream, the next in order. `vector` is null for one that is none.
   void arrived(Arrival arrival, std::string_view id);
+  /// Somebody shows what is not kept. Messages that are none are left out.
+  void shown(std::string_view text);
   /// Messages were missing in the stream itself.
   void missing();
   /// There is no connection, or no longer.
@@ -70,6 +74,8 @@ class NatsBusState {
   struct Job {
     Connection connection;
     OutgoingMessage message;
+    /// Whether it has no identifier, and is sent without being kept.
+    bool isShown = false;
   };
   /// Waits for something to send and for a connection to send it. None at the end.
   std::optional<Job> nextJob();
@@ -106,6 +112,8 @@ class NatsBusState {
   std::deque<Arrival> arrivals_;
   std::vector<OwnVector> refused_;
   Outbox outbox_;
+  /// The text of what is shown next; empty for nothing.
+  std::string toShow_;
   bool fileIsThere_ = false;
   Connection connection_;
   /// `connection_` while it may be used to send.

@@ -55,6 +55,9 @@ void NatsReader::serve() {
   target_ = stream.messages == 0 ? 0 : stream.last;
   next_ = state_.opened(stream);
   isFirst_ = true;
+  connection->listen([state = state_.weak_from_this()](std::string_view text) {
+    if (const auto present = state.lock()) present->shown(text);
+  });
   connection->subscribe(next_);
   while (!state_.isStopping()) {
     if (!isLive_ && next_ > target_) {
@@ -72,7 +75,9 @@ StreamState NatsReader::open(LessonConnection& connection) {
   while (state_.hasLost(connection.findStream()) && std::chrono::steady_clock::now() < deadline) {
     if (!state_.pause(kLossPause)) break;
   }
-  return connection.openStream(state_.options().replicas);
+  if (state_.options().makesLesson) return connection.openStream(state_.options().replicas);
+  if (const auto stream = connection.findStream()) return *stream;
+  throw NatsFailure("The server has no lesson of this name.", true);
 }
 
 void NatsReader::receive(const ReceivedMessage& message) {

@@ -8,6 +8,10 @@ namespace whiteboard {
 
 void sendAll(NatsBusState& state) {
   while (const auto job = state.nextJob()) {
+    if (job->isShown) {
+      job->connection->show(job->message.text);
+      continue;
+    }
     // Nobody would accept a longer one.
     const bool isTooLarge = job->message.text.size() > kMessageSizeLimit;
     const SendResult result =

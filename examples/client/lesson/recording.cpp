@@ -102,11 +102,13 @@ ReadRecording recordLesson(Bus& bus, double seconds) {
     const BusStatus status = bus.status();
     for (std::vector<Arrival> arrivals; !(arrivals = bus.take(1000)).empty();) {
       for (Arrival& arrival : arrivals) {
+        if (arrival.sequence == 0) continue;  // is only shown
         recorder.add(arrival.time, std::move(arrival.page), std::move(arrival.vector));
       }
     }
     if (status.kind == BusStatus::Kind::kLive) break;
-    if (Clock::now() >= deadline) {
+    const bool isRefused = status.kind == BusStatus::Kind::kRefused;
+    if (isRefused || Clock::now() >= deadline) {
       read.problem = status.problem.empty() ? "the lesson cannot be reached" : status.problem;
       break;
     }

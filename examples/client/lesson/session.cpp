@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "lesson/message.h"
+
 namespace whiteboard {
 
 namespace vwb = VelWhiteBoard;
@@ -63,12 +65,21 @@ void Session::draw(const vwb::VectorPtr& vector) {
   send(vector);
 }
 
-void Session::remove(const std::string& ID) {
+void Session::remove(const std::string& ID) { draw(removeOf(ID)); }
+
+vwb::VectorPtr Session::removeOf(const std::string& ID) {
   auto remove = vwb::recordPointerCast<vwb::VelWbVecRemove>(
       vwb::VWBToolManager::genVectorWithType(vwb::VelWBVectorTypeRemove, newIdentifier()));
   remove->rmID = ID;
-  draw(remove);
+  return remove;
 }
+
+void Session::point(const vwb::VectorPtr& vector) {
+  bus_->show(board_.pageKey(), vector);
+  if (kind_ == Kind::kAlone) takeArrivals();
+}
+
+void Session::stopPointing(const std::string& ID) { point(removeOf(ID)); }
 
 void Session::clearPage() {
   draw(vwb::VWBToolManager::genVectorWithType(vwb::VelWBVectorTypeClear, newIdentifier()));
@@ -152,7 +163,22 @@ void Session::takeArrivals() {
   }
 }
 
+void Session::fileShown(const Arrival& arrival) {
+  if (arrival.page != board_.pageKey()) return;
+  // Nothing that stays is changed on this way: not everybody gets it.
+  const auto* remove = vwb::recordCast<const vwb::VelWbVecRemove>(arrival.vector.get());
+  if (remove == nullptr) {
+    if (isPassing(*arrival.vector)) board_.file(arrival.page, arrival.vector);
+    return;
+  }
+  // A pointer never lies below another entry.
+  const vwb::VectorList entries = board_.entries(board_.number());
+  const bool isThere = !entries.empty() && entries.back()->ID == remove->rmID;
+  if (isThere && isPassing(*entries.back())) board_.file(arrival.page, arrival.vector);
+}
+
 void Session::file(const Arrival& arrival) {
+  if (arrival.sequence == 0) return fileShown(arrival);
   // The lesson begins: its history takes the place of the local copy.
   const std::uint64_t before = std::exchange(lastSequence_, arrival.sequence);
   const bool begins = before == 0 || arrival.sequence <= before;

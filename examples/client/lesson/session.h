@@ -44,6 +44,10 @@ class Session : public QObject {
   void draw(const VelWhiteBoard::VectorPtr& vector);
   void remove(const std::string& ID);
   void clearPage();
+  /// Shows a pointer or a magnifier to everybody on this page, until `stopPointing` or the next
+  /// vector takes it off. The lesson does not keep it.
+  void point(const VelWhiteBoard::VectorPtr& vector);
+  void stopPointing(const std::string& ID);
 
   /// Shows a page, for everybody while pages are turned together. Not while the pen is down.
   void turnTo(const Board::PageNumber& page);
@@ -67,6 +71,9 @@ class Session : public QObject {
  private:
   void takeArrivals();
   void file(const Arrival& arrival);
+  /// Files a pointer or a magnifier that somebody shows, or takes one off.
+  void fileShown(const Arrival& arrival);
+  VelWhiteBoard::VectorPtr removeOf(const std::string& ID);
   /// Shows what an earlier run could not send.
   void showUnsent();
   /// Shows no longer what the lesson does not take.

@@ -110,6 +110,7 @@ void BoardView::fit() {
   layer_.setDevicePixelRatio(ratio);
   layer_.fill(Qt::transparent);
   scene_.setSize({place_.width(), place_.height()});
+  if (tool_ != nullptr) tool_->resized();
   updateStale();
   update();
 }

@@ -15,9 +15,9 @@ namespace {
 
 constexpr QSize kPageSize(1920, 1080);
 
-/// What stays on a page: no pointers and magnifiers.
+/// What stays on a page, own ink included: no pointers and magnifiers.
 vwb::VectorList lasting(Board& board, const Board::PageNumber& page) {
-  vwb::VectorList entries = board.entries(page);
+  vwb::VectorList entries = board.shownEntries(page);
   std::erase_if(entries,
                 [&](const vwb::VectorPtr& each) { return board.storage().ignoreVector(*each); });
   return entries;

@@ -98,7 +98,7 @@ void PagesPanel::drawNext() {
         page == board_.number()
             ? pictureShown_().scaled(kPicture * devicePixelRatioF(), Qt::IgnoreAspectRatio,
                                      Qt::SmoothTransformation)
-            : small(board_.entries(page));
+            : small(board_.shownEntries(page));
     if (QListWidgetItem* shown = item(row)) {
       shown->setIcon(thumbnailOf(picture, devicePixelRatioF()));
     }

@@ -306,6 +306,25 @@ TEST_F(AWindow, KeepsThePictureWhenItsSizeChanges) {
   EXPECT_EQ(shown, pictureOf(someone_.entries(), shown.size()).convertToFormat(shown.format()));
 }
 
+TEST_F(AWindow, KeepsATextEditorInItsPlaceWhenItsSizeChanges) {
+  someone_.take("Text");
+  someone_.click(0.3, 0.6);
+  auto* editor = someone_.view().findChild<QPlainTextEdit*>();
+  ASSERT_NE(editor, nullptr);
+  QTest::keyClicks(editor, "Here");
+  const double letters = editor->font().pixelSize();
+  const double width = someone_.view().boardSize().width;
+  someone_.window().resize(700, 520);
+  ASSERT_TRUE(soon([&] { return someone_.view().boardSize().width < width; }));
+  const QPointF corner = someone_.view().toBoard(editor->pos());
+  const vwb::Size board = someone_.view().boardSize();
+  EXPECT_NEAR(corner.x() / board.width, 0.3, 0.01);
+  EXPECT_NEAR(corner.y() / board.height, 0.6, 0.01);
+  EXPECT_LT(editor->font().pixelSize(), letters);
+  QTest::keyClick(editor, Qt::Key_Escape);
+  EXPECT_NEAR(vwb::recordPointerCast<vwb::VelWbVecText>(only())->x, -0.2, 0.01);
+}
+
 TEST(ABoardThatIsReopened, HasItsPagesAndShowsTheLastOne) {
   const TemporaryFolder folder;
   std::vector<std::string> first;

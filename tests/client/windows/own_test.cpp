@@ -6,6 +6,7 @@
 
 #include "tests/client/support/nats_server.h"
 #include "tests/client/windows/participants.h"
+#include "window/page_export.h"
 
 namespace whiteboard {
 namespace {
@@ -105,6 +106,18 @@ TEST_F(OwnEntries, OfAnEarlierRunAreShownOnTheirPages) {
   EXPECT_EQ(middleOf(teacher), QColor(Qt::white)) << "the line was removed";
   teacher.session().turnTo({1, 2});
   EXPECT_NE(middleOf(teacher), QColor(Qt::white));
+}
+
+TEST_F(OwnEntries, AreInAPictureOfThePageThoughTheyHaveNotComeBack) {
+  const auto teacher = enter("teacher");
+  server_.hang();
+  drawThroughTheMiddle(*teacher);
+  ASSERT_TRUE(teacher->entries().empty());
+  const QString file = QString::fromStdString(folder_.at("page.png"));
+  ASSERT_EQ(savePages(teacher->board(), file), QString());
+  const QImage picture(file);
+  ASSERT_FALSE(picture.isNull());
+  EXPECT_NE(picture.pixelColor(picture.rect().center()), QColor(Qt::white));
 }
 
 TEST_F(OwnEntries, AreClearedAtOnce) {

@@ -237,6 +237,47 @@ TEST_F(ALesson, ShowsAPointerUntilTheNextVector) {
   EXPECT_EQ(pupil->entries().front()->type, "line");
 }
 
+TEST_F(ALesson, TakesAPointerOffWhenItsToolIsPutAway) {
+  const auto teacher = enter("teacher");
+  const auto pupil = enter("pupil");
+  teacher->take("Pointer");
+  teacher->click(0.5, 0.5);
+  ASSERT_TRUE(soon([&] { return pupil->entries().size() == 1; }));
+  const auto late = enter("late");
+  EXPECT_TRUE(late->entries().empty()) << "it is not kept";
+  teacher->take("Pen");
+  EXPECT_TRUE(soon([&] { return pupil->entries().empty() && teacher->entries().empty(); }));
+}
+
+TEST_F(ALesson, LosesNoEntryToWhatIsOnlyShown) {
+  const auto teacher = enter("teacher");
+  teacher->take("Pen");
+  teacher->drag(0.2, 0.2, 0.4, 0.4);
+  ASSERT_TRUE(soon([&] { return teacher->isSettled(); }));
+  auto cursor = vwb::VelWbVecSquare::initWithType("cursor");
+  cursor->ID = "p";
+  teacher->session().stopPointing(*teacher->entries().front()->ID);
+  teacher->session().point(cursor);
+  ASSERT_TRUE(soon([&] { return teacher->entries().size() == 2; }));
+  EXPECT_EQ(teacher->entries().front()->type, "line");
+}
+
+TEST_F(ALesson, StillTakesPointersThatItHasKept) {
+  const auto teacher = enter("teacher");
+  auto cursor = vwb::VelWbVecSquare::initWithType("cursor");
+  cursor->ID = "old_1";
+  teacher->session().send(cursor);
+  ASSERT_TRUE(soon([&] { return teacher->entries().size() == 1; }));
+  NatsBus bus(NatsBus::Options{server_.url(), "maths", "", ""});
+  const ReadRecording read = recordLesson(bus, 30);
+  EXPECT_EQ(read.recording.events.size(), 1u);
+  const TemporaryFolder folder;
+  Board board(folder.path());
+  Player player(board, read.recording);
+  player.seek(player.duration());
+  EXPECT_EQ(textsOf(board.entries(board.number())), textsOf(teacher->entries()));
+}
+
 TEST_F(ALesson, IsReplayedAsItWent) {
   const auto teacher = enter("teacher");
   drawOfEverything(*teacher);

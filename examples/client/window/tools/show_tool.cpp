@@ -35,12 +35,11 @@ void ShowTool::show(QPointF at, bool atOnce) {
                                 : vwb::Size{kPointerSize * board.width, kPointerSize * board.width};
   const QPointF corner = isLens ? at - QPointF(size.width / 2, size.height / 2) : at;
   vwb::VWBToolManager::convertPoint({corner.x(), corner.y()}, size, *box, board);
-  session_.send(box);
+  session_.point(box);
 }
 
 void ShowTool::cancel() {
-  // Any other vector takes it off the page; a remove is one that changes nothing else.
-  if (!ID_.empty()) session_.remove(std::exchange(ID_, {}));
+  if (!ID_.empty()) session_.stopPointing(std::exchange(ID_, {}));
 }
 
 }  // namespace whiteboard

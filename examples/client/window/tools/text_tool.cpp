@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QKeyEvent>
 #include <QTextDocument>
+#include <QTransform>
 #include <algorithm>
 #include <utility>
 
@@ -116,10 +117,7 @@ void TextTool::edit(const std::string& ID) {
 
 void TextTool::open(const QRectF& place) {
   editor_ = new Editor(*this, &view_);
-  const QFont font = fontOf(*text_, view_.boardSize());
-  const double line = QFontMetricsF(font).height();
-  editor_->setFont(font);
-  editor_->document()->setDocumentMargin(kMargin * line);
+  const double line = QFontMetricsF(fontOf(*text_, view_.boardSize())).height();
   QPalette palette = editor_->palette();
   palette.setColor(QPalette::Base, QColor(0xF4, 0xF8, 0xFF));
   palette.setColor(QPalette::Text,
@@ -130,9 +128,23 @@ void TextTool::open(const QRectF& place) {
                       QSizeF(std::max(120.0, place.width()), std::max(place.height(), line * 2.5)));
   const QRectF page(QPointF(0, 0), view_.boardRect().size());
   const QRectF shown = wanted.intersects(page) ? wanted & page : QRectF(20, 20, 200, line * 3);
-  editor_->setGeometry(shown.translated(view_.boardRect().topLeft()).toRect());
+  placeOnBoard_ = QTransform::fromScale(1 / page.width(), 1 / page.height()).mapRect(shown);
+  putInPlace();
   editor_->show();
   editor_->setFocus();
+}
+
+void TextTool::putInPlace() {
+  const QFont font = fontOf(*text_, view_.boardSize());
+  editor_->setFont(font);
+  editor_->document()->setDocumentMargin(kMargin * QFontMetricsF(font).height());
+  const QRectF board = view_.boardRect();
+  const QTransform toView = QTransform::fromScale(board.width(), board.height());
+  editor_->setGeometry(toView.mapRect(placeOnBoard_).translated(board.topLeft()).toRect());
+}
+
+void TextTool::resized() {
+  if (editor_ && text_) putInPlace();
 }
 
 void TextTool::finish() {

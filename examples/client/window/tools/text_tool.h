@@ -24,6 +24,7 @@ class TextTool : public Tool {
   void move(QPointF) override {}
   void release(QPointF) override;
   void cancel() override { finish(); }
+  void resized() override;
   QCursor cursor() const override { return Qt::IBeamCursor; }
 
   /// Edits a text of the page.
@@ -37,6 +38,8 @@ class TextTool : public Tool {
   class Editor;
 
   void open(const QRectF& place);
+  /// Gives the editor its letters and its place on the board as it is now.
+  void putInPlace();
 
   Session& session_;
   BoardView& view_;
@@ -46,6 +49,8 @@ class TextTool : public Tool {
   bool isNew_ = false;
   bool opensOnRelease_ = false;
   QPointF at_;
+  /// Of the editor, in fractions of the board.
+  QRectF placeOnBoard_;
 };
 
 }  // namespace whiteboard

@@ -25,6 +25,8 @@ class Tool {
   virtual void doubleClick(QPointF at) { press(at); }
   /// Gives up what was begun: another tool is taken, the window loses the focus.
   virtual void cancel() {}
+  /// The board has another size, or another place in its view.
+  virtual void resized() {}
   /// Draws what lies over the board while the tool is used.
   virtual void paint(QPainter& /*painter*/) const {}
   /// Whether the tool has used the key.
