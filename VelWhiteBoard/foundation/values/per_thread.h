@@ -19,8 +19,8 @@ Object& ofThisThread() {
     ~Owner() { delete std::exchange(object, nullptr); }
   };
   if (object == nullptr) {
-    static thread_local const Owner
-        owner;  // made and destroyed once, however often this is reached
+    // Made and destroyed once, however often this is reached.
+    static thread_local const Owner owner;
     object = new Object;
   }
   return *object;
