@@ -51,11 +51,16 @@ Shape::~Shape() = default;
 
 void Shape::update(std::size_t firstNew) {
   if (look_) look_->update(firstNew);
+  bounds_.reset();
 }
 
 QRectF Shape::bounds(vwb::Size board) const {
   if (!look_ || !isDrawable(board)) return {};
-  return wholePoints(look_->inked(board), board);
+  if (!bounds_ || board.width != boundsOn_.width || board.height != boundsOn_.height) {
+    bounds_ = wholePoints(look_->inked(board), board);
+    boundsOn_ = board;
+  }
+  return *bounds_;
 }
 
 QRectF Shape::boundsFrom(std::size_t firstNew, vwb::Size board) const {

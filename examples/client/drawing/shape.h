@@ -12,6 +12,7 @@
 #include <VelWhiteBoard/VelWhiteBoard.h>
 #include <cstddef>
 #include <memory>
+#include <optional>
 
 namespace whiteboard {
 
@@ -37,7 +38,8 @@ class Shape {
   void update(std::size_t firstNew = 0);
 
   /// Where it may draw, in view points of a board of this size, widths and antialiasing included.
-  /// Whole view points, and never beyond the board; empty when nothing can be seen.
+  /// Whole view points, and never beyond the board; empty when nothing can be seen. The vector may
+  /// have changed already: until `update`, it is where the shape was drawn.
   QRectF bounds(VelWhiteBoard::Size board) const;
   /// Where it may draw otherwise than before the positions from `firstNew` on were added. For
   /// boxes: bounds.
@@ -62,7 +64,9 @@ class Shape {
 
  private:
   VelWhiteBoard::VectorPtr vector_;
-  std::unique_ptr<Look> look_;  // null when nothing can be seen
+  std::unique_ptr<Look> look_;            // null when nothing can be seen
+  mutable std::optional<QRectF> bounds_;  // on a board of the size `boundsOn_`
+  mutable VelWhiteBoard::Size boundsOn_;
 };
 
 }  // namespace whiteboard

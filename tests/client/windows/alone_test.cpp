@@ -294,6 +294,39 @@ TEST_F(AWindow, ShowsWhatDrawingTheWholePageShows) {
   EXPECT_EQ(shown, pictureOf(someone_.entries(), shown.size()).convertToFormat(shown.format()));
 }
 
+TEST_F(AWindow, LeavesNoTraceOfABoxWhereItHasBeenPaintedOnItsWay) {
+  for (const char* tool : {"Rectangle", "Triangle", "Ellipse", "Arrow"}) {
+    someone_.take(tool);
+    someone_.drag(0.1, 0.1, 0.3, 0.3);
+    someone_.take("Select");
+    someone_.press(0.2, 0.1);
+    for (double at = 0.3; at < 0.7; at += 0.1) {
+      someone_.moveTo(at, at);
+      someone_.view().grab();  // draws what is stale
+    }
+    someone_.release(0.7, 0.6);
+  }
+  someone_.take("Pen");
+  someone_.view().grab();
+  const QImage shown = someone_.view().picture();
+  EXPECT_EQ(shown, pictureOf(someone_.entries(), shown.size()).convertToFormat(shown.format()));
+}
+
+TEST_F(AWindow, LeavesNoTraceOfABoxThatOthersMoveTwice) {
+  someone_.take("Rectangle");
+  someone_.drag(0.1, 0.1, 0.3, 0.3);
+  for (const double x : {-0.2, 0.1, 0.3}) {
+    const auto moved = someone_.entries().front()->copyWithZone();
+    auto* box = VelWhiteBoard::recordCast<VelWhiteBoard::VelWbVecSquare>(moved.get());
+    box->x = x;
+    box->ts += 1;
+    someone_.board().file(someone_.board().pageKey(), moved);
+    someone_.view().grab();
+  }
+  const QImage shown = someone_.view().picture();
+  EXPECT_EQ(shown, pictureOf(someone_.entries(), shown.size()).convertToFormat(shown.format()));
+}
+
 TEST_F(AWindow, KeepsThePictureWhenItsSizeChanges) {
   someone_.take("Pen");
   someone_.drag(0.1, 0.1, 0.9, 0.8);
