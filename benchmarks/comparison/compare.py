@@ -73,15 +73,19 @@ def medians(programs, lesson, before=0):
     }
 
 
-def milliseconds(microseconds):
-    return f"{microseconds / 1000:,.3g} ms" if microseconds < 1e6 else f"{microseconds / 1e6:,.3g} s"
+def time(microseconds):
+    """In the unit that leaves one to three digits before the point."""
+    for unit, size in (("us", 1), ("ms", 1e3)):
+        if microseconds < 999.5 * size:
+            return f"{microseconds / size:.3g} {unit}"
+    return f"{microseconds / 1e6:.3g} s"
 
 
 KINDS = [
-    ("a piece, half of them within", "piece_median_us", lambda figure: f"{figure:.3g} us"),
-    ("a piece, 999 of 1,000 within", "piece_p999_us", lambda figure: f"{figure:.3g} us"),
-    ("a save holds the pen up for, at most", "save_longest_us", milliseconds),
-    ("opening the newest page", "open_us", milliseconds),
+    ("a piece, half of them within", "piece_median_us", time),
+    ("a piece, 999 of 1,000 within", "piece_p999_us", time),
+    ("a save holds the pen up for, at most", "save_longest_us", time),
+    ("opening the newest page", "open_us", time),
     ("on the disk", "bytes", lambda figure: f"{figure / 1e6:.3g} MB"),
 ]
 
