@@ -1,7 +1,8 @@
 # Installation: library, headers, CMake package and pkg-config file, valid from any prefix.
 #
-# Three components, for those who do not want all: VelWhiteBoard_Runtime (a shared library),
-# VelWhiteBoard_Development (what a compiler needs), VelWhiteBoard_Tools (the programs).
+# Four components, for those who do not want all: VelWhiteBoard_Runtime (a shared library),
+# VelWhiteBoard_Development (what a compiler needs), VelWhiteBoard_Tools (the programs), and
+# VelWhiteBoard_Python (the Python module).
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
